@@ -1,0 +1,83 @@
+#include "engine/File.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <sys/stat.h>
+
+#include "engine/Diagnostics.h"
+
+namespace twinsweep {
+
+namespace {
+
+FileIdentity identityFromStat(const struct stat& st) {
+    FileIdentity id;
+    id.device = static_cast<std::uint64_t>(st.st_dev);
+    id.inode = static_cast<std::uint64_t>(st.st_ino);
+    id.size = static_cast<std::uint64_t>(st.st_size);
+    id.mtimeSec = static_cast<std::int64_t>(st.st_mtim.tv_sec);
+    id.mtimeNsec = static_cast<std::int64_t>(st.st_mtim.tv_nsec);
+    id.known = true;
+    return id;
+}
+
+const std::shared_ptr<const std::string>& sharedDefaultRuleText() {
+    static const auto text = std::make_shared<const std::string>(
+        "0\n0\n1\n01/01/2017\n0\n0\n0\n01/01/2017\n0\n1\n200\n1\n0\n0\n100\n3\n0\njpg\n0\n "
+        "\n1\n0\n0\n");
+    return text;
+}
+
+} // namespace
+
+FileIdentity identityOf(const std::string& path) {
+    struct stat st {};
+    if (::lstat(path.c_str(), &st) != 0) {
+        return {};
+    }
+    return identityFromStat(st);
+}
+
+const std::string& defaultRuleText() {
+    return *sharedDefaultRuleText();
+}
+
+std::string extensionOf(const std::string& path) {
+    const auto slash = path.find_last_of('/');
+    const std::size_t nameStart = slash == std::string::npos ? 0 : slash + 1;
+    const auto dot = path.find_last_of('.');
+    if (dot == std::string::npos || dot < nameStart) {
+        return {};
+    }
+    std::string ext = path.substr(dot + 1);
+    for (char& c : ext) {
+        if (c >= 'A' && c <= 'Z') {
+            c = static_cast<char>(c - 'A' + 'a');
+        }
+    }
+    return ext;
+}
+
+DuplicateFile::DuplicateFile(std::string p, std::string d, std::int64_t state)
+    : path(std::move(p)), date(std::move(d)), checkState(state) {}
+
+File::File(std::string p) : path(std::move(p)) {
+    ext = extensionOf(path);
+    struct stat st {};
+    if (::lstat(path.c_str(), &st) == 0) {
+        size = static_cast<std::uint64_t>(st.st_size);
+        seen = identityFromStat(st);
+    } else {
+        printErrorLine("Error: ", path, errno);
+    }
+    customSettings = RuleText(sharedDefaultRuleText());
+}
+
+File::File(std::string p, const FileIdentity& identity, Prestat)
+    : path(std::move(p)), size(identity.size), customSettings(sharedDefaultRuleText()),
+      seen(identity) {
+    ext = extensionOf(path);
+}
+
+} // namespace twinsweep

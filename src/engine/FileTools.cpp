@@ -1,0 +1,39 @@
+#include "engine/FileTools.h"
+
+#include "engine/WalkState.h"
+#include "settings/SettingsManager.h"
+
+namespace twinsweep {
+
+void fillExtensionLists(FileTools& tools);
+
+FileTools::FileTools()
+    : settingsManager(SettingsManager::shared()), locationGate(LocationGate::processDefault()) {
+    fillExtensionLists(*this);
+    for (const std::string& ext : packageExtension) {
+        packageSet_.insert(ext);
+    }
+}
+
+FileTools::~FileTools() = default;
+
+bool FileTools::canceled() const {
+    return settingsManager->searchCanceledByUser.load();
+}
+
+void FileTools::post(const std::string& name) {
+    NotificationCenter::defaultCenter().post(name, userInfo);
+}
+
+void FileTools::postWalkProgress() {
+    if (totalFilesSlot_ == nullptr) {
+        // Map nodes never move, so the two slots stay valid for the engine's life.
+        totalFilesSlot_ = &userInfo[kTotalFiles];
+        checkedFilesSlot_ = &userInfo[kCheckedFiles];
+    }
+    *totalFilesSlot_ = static_cast<std::int64_t>(fileList.size());
+    *checkedFilesSlot_ = 0;
+    post(kUpdateProgress);
+}
+
+} // namespace twinsweep

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "engine/File.h"
+#include "engine/LocationGate.h"
+#include "engine/NotificationCenter.h"
+
+namespace twinsweep {
+
+class SettingsManager;
+
+enum class DateKind { Creation, Modification };
+
+// The scan engine. One object per search, or wherever a list, a measure or a
+// text is needed. Its operations live in files by concern: ExtensionLists.cpp,
+// Walker.cpp, Grouping.cpp, SearchRun.cpp, Categories.cpp, Formatting.cpp.
+class FileTools {
+  public:
+    FileTools();
+    ~FileTools();
+    FileTools(const FileTools&) = delete;
+    FileTools& operator=(const FileTools&) = delete;
+
+    std::shared_ptr<SettingsManager> settingsManager;
+    FileList fileList;
+    std::vector<std::string> packageExtension;
+    std::vector<std::string> pictureExtension;
+    std::vector<std::string> musicExtension;
+    std::vector<std::string> movieExtension;
+    std::vector<std::string> archiveExtension;
+    std::vector<std::string> documentExtension;
+    UserInfo userInfo;
+
+    // Where the walk may look; starts as LocationGate::processDefault().
+    LocationGate locationGate;
+    // Our extra option: files of 100 MiB and more are compared by content too.
+    bool compareLargeFilesByContent = false;
+
+    // --- Walk (Walker.cpp) ---
+    // Appends accepted files to fileList in walk order. Every call, the top
+    // one included, posts "UpdateProgress" once more when it returns.
+    void scanFolders(const std::vector<std::string>& folders, bool ignorePackages,
+                     const std::vector<std::string>& extensions, std::uint64_t minimum,
+                     std::uint64_t maximum);
+    // Total size of the regular files inside the folder at path, at any depth.
+    std::uint64_t packageSize(const std::string& path);
+
+    // --- Sorting and grouping (Grouping.cpp) ---
+    void quickSort(std::int64_t low, std::int64_t high);
+    std::int64_t partition(std::int64_t low, std::int64_t high);
+    // MD5 of the contents; an unreadable file is digested as empty after its
+    // "Ooops! Something went wrong: " line.
+    static std::array<unsigned char, 16> contentDigest(const std::string& path);
+
+    // --- Search run (SearchRun.cpp) ---
+    FileList findDuplicateFiles(const std::vector<std::string>& folders, std::uint64_t minimum,
+                                std::uint64_t maximum, bool ignorePackages,
+                                const std::vector<std::string>& extensions);
+    static std::vector<std::string> removeNestedFolders(const std::vector<std::string>& folders);
+
+    // --- Categories (Categories.cpp) ---
+    int categoryOf(const File& file) const;
+    std::uint64_t categorySize(int code) const;
+    std::uint64_t listedSize() const;
+    std::uint64_t markedSize(const FileList& groups) const;
+
+    // --- Display texts (Formatting.cpp) ---
+    static std::string fileSizeText(std::uint64_t bytes);
+    // Absent when the item's attributes can't be read.
+    static std::optional<std::string> fileDateText(const std::string& path, DateKind which);
+
+    // Sets "totalFiles" to the length of fileList and "checkedFiles" to 0, and
+    // posts "UpdateProgress".
+    void postWalkProgress();
+    // Posts name with the current userInfo.
+    void post(const std::string& name);
+    bool canceled() const;
+
+  private:
+    struct WalkState;
+    struct Folder;
+    struct WalkFilter;
+
+    void walkFolders(const std::vector<Folder>& folders, const WalkFilter& filter);
+    std::uint64_t packageSizeAt(int parentFd, const std::string& name, const std::string& path,
+                                std::vector<std::pair<std::uint64_t, std::uint64_t>>& active);
+
+    std::unique_ptr<WalkState> walk_;
+    std::unordered_set<std::string_view> packageSet_;
+    std::int64_t* totalFilesSlot_ = nullptr;
+    std::int64_t* checkedFilesSlot_ = nullptr;
+};
+
+} // namespace twinsweep

@@ -1,0 +1,121 @@
+#include "support/TempTree.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace twinsweep::testing {
+
+TempTree::TempTree() {
+    std::string tmpl = (fs::temp_directory_path() / "twinsweep-test-XXXXXX").string();
+    if (::mkdtemp(tmpl.data()) == nullptr) {
+        throw std::runtime_error("mkdtemp failed");
+    }
+    root_ = fs::canonical(tmpl).string();
+}
+
+TempTree::~TempTree() {
+    removeTree(root_);
+}
+
+std::string TempTree::path(const std::string& rel) const {
+    return root_ + "/" + rel;
+}
+
+std::string TempTree::mkdir(const std::string& rel) const {
+    fs::create_directories(path(rel));
+    return path(rel);
+}
+
+std::string TempTree::write(const std::string& rel, const std::string& contents) const {
+    const std::string p = path(rel);
+    fs::create_directories(fs::path(p).parent_path());
+    std::ofstream out(p, std::ios::binary | std::ios::trunc);
+    out << contents;
+    return p;
+}
+
+std::string TempTree::writeSized(const std::string& rel, std::uint64_t size, char fill) const {
+    return write(rel, std::string(size, fill));
+}
+
+std::string TempTree::sparse(const std::string& rel, std::uint64_t size) const {
+    const std::string p = path(rel);
+    fs::create_directories(fs::path(p).parent_path());
+    const int fd = ::open(p.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (fd < 0 || ::ftruncate(fd, static_cast<off_t>(size)) != 0) {
+        throw std::runtime_error("sparse file failed");
+    }
+    ::close(fd);
+    return p;
+}
+
+std::string TempTree::symlink(const std::string& target, const std::string& rel) const {
+    const std::string p = path(rel);
+    fs::create_directories(fs::path(p).parent_path());
+    fs::create_symlink(target, p);
+    return p;
+}
+
+void removeTree(const std::string& path) {
+    std::error_code ec;
+    // Folders made unreadable by a test must be opened up before removal.
+    for (auto it = fs::recursive_directory_iterator(
+             path, fs::directory_options::skip_permission_denied, ec);
+         !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
+        if (it->is_directory(ec) && !it->is_symlink(ec)) {
+            ::chmod(it->path().c_str(), 0755);
+        }
+    }
+    ::chmod(path.c_str(), 0755);
+    fs::remove_all(path, ec);
+}
+
+StdoutCapture::StdoutCapture() {
+    std::fflush(stdout);
+    char tmpl[] = "/tmp/twinsweep-stdout-XXXXXX";
+    const int fd = ::mkstemp(tmpl);
+    file_ = tmpl;
+    saved_ = ::dup(STDOUT_FILENO);
+    ::dup2(fd, STDOUT_FILENO);
+    ::close(fd);
+}
+
+StdoutCapture::~StdoutCapture() {
+    finish();
+}
+
+std::string StdoutCapture::finish() {
+    if (done_) {
+        return {};
+    }
+    done_ = true;
+    std::fflush(stdout);
+    ::dup2(saved_, STDOUT_FILENO);
+    ::close(saved_);
+    std::ifstream in(file_, std::ios::binary);
+    std::stringstream ss;
+    ss << in.rdbuf();
+    ::unlink(file_.c_str());
+    return ss.str();
+}
+
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> out;
+    std::string line;
+    std::istringstream in(text);
+    while (std::getline(in, line)) {
+        out.push_back(line);
+    }
+    return out;
+}
+
+} // namespace twinsweep::testing
