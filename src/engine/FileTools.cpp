@@ -22,6 +22,9 @@ bool FileTools::canceled() const {
 }
 
 void FileTools::post(const std::string& name) {
+    if (name == kSearchThreadFinished) {
+        finishedPosted_ = true;
+    }
     NotificationCenter::defaultCenter().post(name, userInfo);
 }
 

@@ -43,6 +43,10 @@ class FileTools {
     LocationGate locationGate;
     // Our extra option: files of 100 MiB and more are compared by content too.
     bool compareLargeFilesByContent = false;
+    // Threads that read and digest contents ahead of the comparison; 0 digests
+    // each file on the search thread when the comparison first needs it.
+    unsigned digestThreads = defaultDigestThreads();
+    static unsigned defaultDigestThreads();
 
     // --- Walk (Walker.cpp) ---
     // Appends accepted files to fileList in walk order. Every call, the top
@@ -83,9 +87,15 @@ class FileTools {
     // Posts name with the current userInfo.
     void post(const std::string& name);
     bool canceled() const;
+    // Whether the last run ended by cancellation ("SearchThreadFinished" posted).
+    bool runWasCancelled() const { return finishedPosted_; }
 
   private:
     struct WalkState;
+    // The comparison steps; false when the run was cancelled (already posted).
+    bool compareFiles();
+    bool byContent(std::uint64_t size) const;
+    DuplicateFilePtr memberFor(const File& file) const;
     struct Folder;
     struct WalkFilter;
 
@@ -97,6 +107,7 @@ class FileTools {
     std::unordered_set<std::string_view> packageSet_;
     std::int64_t* totalFilesSlot_ = nullptr;
     std::int64_t* checkedFilesSlot_ = nullptr;
+    bool finishedPosted_ = false;
 };
 
 } // namespace twinsweep

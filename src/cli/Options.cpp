@@ -1,0 +1,295 @@
+#include "cli/Options.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <functional>
+#include <sys/stat.h>
+
+namespace twinsweep::cli {
+
+namespace {
+
+struct Spec {
+    const char* name;
+    bool takesValue;
+    // Applies the option; returns an error text, or "" when fine.
+    std::function<std::string(Options&, const std::string& value)> apply;
+};
+
+std::string sizeOption(const std::string& name, const std::string& value, std::uint64_t& out) {
+    const auto parsed = parseSize(value);
+    if (!parsed) {
+        return "invalid size for " + name + ": '" + value +
+               "' (bytes, optionally with K, M, G or T)";
+    }
+    out = *parsed;
+    return {};
+}
+
+const std::vector<Spec>& specs() {
+    static const std::vector<Spec> table = {
+        {"--min-size", true,
+         [](Options& o, const std::string& v) {
+             return sizeOption("--min-size", v, o.minimumSize);
+         }},
+        {"--max-size", true,
+         [](Options& o, const std::string& v) {
+             return sizeOption("--max-size", v, o.maximumSize);
+         }},
+        {"--ext", true,
+         [](Options& o, const std::string& v) -> std::string {
+             o.extensions.clear();
+             std::size_t start = 0;
+             while (start <= v.size()) {
+                 std::size_t comma = v.find(',', start);
+                 if (comma == std::string::npos) {
+                     comma = v.size();
+                 }
+                 std::string ext = v.substr(start, comma - start);
+                 if (!ext.empty() && ext.front() == '.') {
+                     ext.erase(0, 1);
+                 }
+                 std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) {
+                     return static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+                 });
+                 if (!ext.empty()) {
+                     o.extensions.push_back(ext);
+                 }
+                 start = comma + 1;
+             }
+             if (o.extensions.empty()) {
+                 return "--ext needs at least one extension, e.g. --ext jpg,png";
+             }
+             return {};
+         }},
+        {"--include-packages", false,
+         [](Options& o, const std::string&) {
+             o.ignorePackages = false;
+             return std::string();
+         }},
+        {"--large-by-content", false,
+         [](Options& o, const std::string&) {
+             o.compareLargeByContent = true;
+             return std::string();
+         }},
+        {"--location-root", true,
+         [](Options& o, const std::string& v) -> std::string {
+             if (v.empty()) {
+                 return "--location-root needs a folder";
+             }
+             o.locations = Locations::MacLayoutUnder;
+             o.locationRoot = v;
+             return {};
+         }},
+        {"--any-location", false,
+         [](Options& o, const std::string&) {
+             o.locations = Locations::Anywhere;
+             return std::string();
+         }},
+        {"--format", true,
+         [](Options& o, const std::string& v) -> std::string {
+             if (v == "text") {
+                 o.format = OutputFormat::Text;
+             } else if (v == "json") {
+                 o.format = OutputFormat::Json;
+             } else {
+                 return "invalid --format '" + v + "' (text or json)";
+             }
+             return {};
+         }},
+        {"--help", false,
+         [](Options& o, const std::string&) {
+             o.help = true;
+             return std::string();
+         }},
+        {"--version", false,
+         [](Options& o, const std::string&) {
+             o.version = true;
+             return std::string();
+         }},
+    };
+    return table;
+}
+
+std::string absoluteFolder(const std::string& given, const std::string& cwd) {
+    std::string path = !given.empty() && given.front() == '/' ? given : cwd + "/" + given;
+    // Lexical clean-up only: links stay as the user wrote them, since the
+    // location gate compares path texts.
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    while (start < path.size()) {
+        std::size_t slash = path.find('/', start);
+        if (slash == std::string::npos) {
+            slash = path.size();
+        }
+        const std::string part = path.substr(start, slash - start);
+        if (part == "..") {
+            if (!parts.empty()) {
+                parts.pop_back();
+            }
+        } else if (!part.empty() && part != ".") {
+            parts.push_back(part);
+        }
+        start = slash + 1;
+    }
+    std::string out;
+    for (const std::string& p : parts) {
+        out += "/" + p;
+    }
+    return out.empty() ? "/" : out;
+}
+
+} // namespace
+
+std::optional<std::uint64_t> parseSize(const std::string& text) {
+    if (text.empty() || text.front() < '0' || text.front() > '9') {
+        return std::nullopt;
+    }
+    std::uint64_t value = 0;
+    std::size_t k = 0;
+    for (; k < text.size() && text[k] >= '0' && text[k] <= '9'; ++k) {
+        const auto digit = static_cast<std::uint64_t>(text[k] - '0');
+        if (value > (UINT64_MAX - digit) / 10) {
+            return std::nullopt;
+        }
+        value = value * 10 + digit;
+    }
+    if (k == text.size()) {
+        return value;
+    }
+    if (k + 1 != text.size()) {
+        return std::nullopt;
+    }
+    int shift = 0;
+    switch (text[k]) {
+    case 'K':
+    case 'k':
+        shift = 10;
+        break;
+    case 'M':
+    case 'm':
+        shift = 20;
+        break;
+    case 'G':
+    case 'g':
+        shift = 30;
+        break;
+    case 'T':
+    case 't':
+        shift = 40;
+        break;
+    default:
+        return std::nullopt;
+    }
+    if (value > (UINT64_MAX >> shift)) {
+        return std::nullopt;
+    }
+    return value << shift;
+}
+
+ParseResult parseOptions(const std::vector<std::string>& args, const std::string& cwd) {
+    ParseResult result;
+    Options& o = result.options;
+    std::vector<std::string> given;
+    bool optionsEnded = false;
+    for (std::size_t k = 0; k < args.size(); ++k) {
+        const std::string& arg = args[k];
+        if (optionsEnded || arg.empty() || arg.front() != '-' || arg == "-") {
+            given.push_back(arg);
+            continue;
+        }
+        if (arg == "--") {
+            optionsEnded = true;
+            continue;
+        }
+        const std::size_t eq = arg.find('=');
+        const std::string name = arg.substr(0, eq);
+        const auto spec = std::find_if(specs().begin(), specs().end(),
+                                       [&](const Spec& s) { return name == s.name; });
+        if (spec == specs().end()) {
+            result.error = "unknown option '" + name + "' (see --help)";
+            return result;
+        }
+        std::string value;
+        if (spec->takesValue) {
+            if (eq != std::string::npos) {
+                value = arg.substr(eq + 1);
+            } else if (k + 1 < args.size()) {
+                value = args[++k];
+            } else {
+                result.error = "option " + name + " needs a value";
+                return result;
+            }
+        } else if (eq != std::string::npos) {
+            result.error = "option " + name + " takes no value";
+            return result;
+        }
+        if (std::string err = spec->apply(o, value); !err.empty()) {
+            result.error = err;
+            return result;
+        }
+    }
+    if (o.help || o.version) {
+        return result;
+    }
+    if (o.minimumSize > o.maximumSize) {
+        result.error = "--min-size is larger than --max-size";
+        return result;
+    }
+    if (given.empty()) {
+        result.error = "no folder given (see --help)";
+        return result;
+    }
+    for (const std::string& g : given) {
+        const std::string folder = absoluteFolder(g, cwd);
+        struct stat st {};
+        if (::stat(folder.c_str(), &st) != 0) {
+            result.error = "cannot use folder '" + g + "': " + std::strerror(errno);
+            return result;
+        }
+        if (!S_ISDIR(st.st_mode)) {
+            result.error = "not a folder: '" + g + "'";
+            return result;
+        }
+        o.folders.push_back(folder);
+    }
+    if (o.locations == Locations::MacLayoutUnder) {
+        o.locationRoot = absoluteFolder(o.locationRoot, cwd);
+    }
+    return result;
+}
+
+std::string usageText() {
+    return "Usage: twinsweep-cli [options] FOLDER...\n"
+           "Finds files with the same contents under the given folders and prints them\n"
+           "in groups, the first file of each group followed by its copies.\n"
+           "\n"
+           "Options:\n"
+           "  --min-size SIZE        smallest file size to consider (default 1)\n"
+           "  --max-size SIZE        largest file size to consider (default: no limit)\n"
+           "                         SIZE is in bytes, optionally followed by K, M, G or T\n"
+           "                         (powers of 1024)\n"
+           "  --ext LIST             only files with these extensions, e.g. jpg,png\n"
+           "  --include-packages     take bundles (such as x.app folders) as single items\n"
+           "                         instead of skipping them\n"
+           "  --large-by-content     compare files of 100 MiB and more by content too\n"
+           "                         (by default equal size alone makes them copies)\n"
+           "  --location-root PREFIX look only under PREFIX/Users, PREFIX/Applications and\n"
+           "                         PREFIX/Volumes\n"
+           "  --any-location         look anywhere (by default only under /home, /opt,\n"
+           "                         /media, /mnt and /run/media)\n"
+           "  --format text|json     output format (default text)\n"
+           "  --help                 show this help\n"
+           "  --version              show the version\n"
+           "\n"
+           "Text output: one path per line, a blank line between groups. Control\n"
+           "characters and backslashes in names are written as C escapes (\\n, \\\\, \\x1b).\n"
+           "JSON output: bytes that are not valid UTF-8 are written as \\udcXX escapes.\n"
+           "Progress goes to standard error when it is a terminal.\n"
+           "\n"
+           "Exit status: 0 when the search ran, 2 for a bad option or folder, 130 when\n"
+           "interrupted.\n";
+}
+
+} // namespace twinsweep::cli

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace twinsweep::cli {
+
+enum class OutputFormat { Text, Json };
+enum class Locations { PlatformDefault, MacLayoutUnder, Anywhere };
+
+struct Options {
+    std::vector<std::string> folders; // absolute, as given otherwise
+    std::uint64_t minimumSize = 1;
+    std::uint64_t maximumSize = UINT64_MAX;
+    std::vector<std::string> extensions; // lower-case, no dot; empty: every type
+    bool ignorePackages = true;
+    bool compareLargeByContent = false;
+    Locations locations = Locations::PlatformDefault;
+    std::string locationRoot;
+    OutputFormat format = OutputFormat::Text;
+    bool help = false;
+    bool version = false;
+};
+
+struct ParseResult {
+    Options options;
+    // Set when the command line is wrong: one line, naming what is wrong.
+    std::optional<std::string> error;
+};
+
+// Parses the arguments after the program name. Folders are made absolute
+// against cwd and checked to be folders.
+ParseResult parseOptions(const std::vector<std::string>& args, const std::string& cwd);
+
+// "10", "64K", "1.5M" is not accepted; suffixes K, M, G, T are powers of 1024.
+std::optional<std::uint64_t> parseSize(const std::string& text);
+
+std::string usageText();
+
+} // namespace twinsweep::cli

@@ -1,0 +1,142 @@
+// twinsweep-cli: finds duplicate files from the command line with the same
+// engine as the desktop application.
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <limits.h>
+#include <memory>
+#include <unistd.h>
+
+#include "cli/Options.h"
+#include "cli/Output.h"
+#include "cli/Progress.h"
+#include "engine/FileTools.h"
+#include "engine/SearchJob.h"
+#include "settings/SettingsManager.h"
+
+using namespace twinsweep;
+
+namespace {
+
+constexpr int kExitBadUsage = 2;
+constexpr int kExitInterrupted = 130;
+
+AtomicFlag* cancelFlag = nullptr;
+
+extern "C" void onInterrupt(int) {
+    // A lock-free atomic store: safe in a signal handler.
+    if (cancelFlag != nullptr) {
+        cancelFlag->store(true);
+    }
+}
+
+bool writeAll(int fd, const std::string& text) {
+    const char* data = text.data();
+    std::size_t left = text.size();
+    while (left > 0) {
+        const ssize_t n = ::write(fd, data, left);
+        if (n < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        data += n;
+        left -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+std::string currentFolder() {
+    char buf[PATH_MAX];
+    return ::getcwd(buf, sizeof buf) != nullptr ? std::string(buf) : std::string("/");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const cli::ParseResult parsed =
+        cli::parseOptions(std::vector<std::string>(argv + 1, argv + argc), currentFolder());
+    if (parsed.error) {
+        std::fprintf(stderr, "twinsweep-cli: %s\n", parsed.error->c_str());
+        return kExitBadUsage;
+    }
+    const cli::Options& options = parsed.options;
+    if (options.help) {
+        return writeAll(STDOUT_FILENO, cli::usageText()) ? 0 : 1;
+    }
+    if (options.version) {
+        return writeAll(STDOUT_FILENO, std::string("twinsweep-cli ") + TWINSWEEP_VERSION + "\n")
+                   ? 0
+                   : 1;
+    }
+
+    switch (options.locations) {
+    case cli::Locations::PlatformDefault:
+        LocationGate::setProcessDefault(LocationGate::platformDefault());
+        break;
+    case cli::Locations::MacLayoutUnder:
+        LocationGate::setProcessDefault(LocationGate::macLayoutUnder(options.locationRoot));
+        break;
+    case cli::Locations::Anywhere:
+        LocationGate::setProcessDefault(LocationGate::anywhere());
+        break;
+    }
+
+    const std::shared_ptr<SettingsManager> settings = SettingsManager::shared();
+    settings->listFolderPaths = options.folders;
+    settings->minimumFileSize = options.minimumSize;
+    settings->maximumFileSize = options.maximumSize;
+    settings->customFileTypes = !options.extensions.empty();
+    settings->listFileExtensions = options.extensions;
+    settings->ignorePackages = options.ignorePackages;
+    settings->compareLargeFilesByContent = options.compareLargeByContent;
+    settings->searchCanceledByUser = false;
+
+    cancelFlag = &settings->searchCanceledByUser;
+    struct sigaction action {};
+    action.sa_handler = onInterrupt;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    ::sigaction(SIGINT, &action, nullptr);
+    ::sigaction(SIGTERM, &action, nullptr);
+    ::signal(SIGPIPE, SIG_IGN);
+
+    // The engine writes its diagnostic lines to standard output; keep them
+    // out of the report by sending them to standard error during the search.
+    std::fflush(stdout);
+    const int reportFd = ::dup(STDOUT_FILENO);
+    ::dup2(STDERR_FILENO, STDOUT_FILENO);
+
+    bool completed = false;
+    {
+        std::unique_ptr<cli::TerminalProgress> progress;
+        if (::isatty(STDERR_FILENO)) {
+            progress = std::make_unique<cli::TerminalProgress>(STDERR_FILENO);
+        }
+        FileTools tools;
+        completed = runSearchJob(*settings, tools);
+    }
+
+    // From here on an interrupt can't cut the report short.
+    sigset_t block;
+    sigemptyset(&block);
+    sigaddset(&block, SIGINT);
+    sigaddset(&block, SIGTERM);
+    ::sigprocmask(SIG_BLOCK, &block, nullptr);
+    if (!completed || settings->searchCanceledByUser.load()) {
+        std::fprintf(stderr, "twinsweep-cli: interrupted\n");
+        return kExitInterrupted;
+    }
+
+    const FileTools tools;
+    const std::string report = options.format == cli::OutputFormat::Json
+                                   ? cli::jsonReport(settings->duplicateFileList, tools)
+                                   : cli::textReport(settings->duplicateFileList);
+    if (!writeAll(reportFd, report)) {
+        std::fprintf(stderr, "twinsweep-cli: cannot write the report: %s\n", std::strerror(errno));
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,185 @@
+// Reading file contents: whole-file MD5 through a fixed buffer, and the short
+// prefix read that splits same-size files before any full read.
+#include "engine/Digest.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <openssl/evp.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#include "engine/Diagnostics.h"
+
+namespace twinsweep {
+
+namespace {
+
+const char* const kOoops = "Ooops! Something went wrong: ";
+constexpr std::size_t kBufferSize = 256 * 1024;
+
+struct CtxDeleter {
+    void operator()(EVP_MD_CTX* ctx) const { EVP_MD_CTX_free(ctx); }
+};
+
+// One digest context per thread, reused for every file.
+EVP_MD_CTX* threadContext() {
+    thread_local std::unique_ptr<EVP_MD_CTX, CtxDeleter> ctx(EVP_MD_CTX_new());
+    return ctx.get();
+}
+
+const EVP_MD* md5Algorithm() {
+    static const EVP_MD* md = EVP_md5();
+    return md;
+}
+
+// Opens path for reading without ever blocking on a FIFO or a device; only a
+// regular file is read. Returns -1 with errno set otherwise.
+int openRegular(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (fd < 0) {
+        return -1;
+    }
+    struct stat st {};
+    if (::fstat(fd, &st) != 0) {
+        const int err = errno;
+        ::close(fd);
+        errno = err;
+        return -1;
+    }
+    if (!S_ISREG(st.st_mode)) {
+        ::close(fd);
+        errno = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;
+        return -1;
+    }
+    return fd;
+}
+
+// Reads up to length bytes; returns the count, or -1 with errno set.
+ssize_t readFully(int fd, unsigned char* data, std::size_t length) {
+    std::size_t done = 0;
+    while (done < length) {
+        const ssize_t n = ::read(fd, data + done, length - done);
+        if (n < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return -1;
+        }
+        if (n == 0) {
+            break;
+        }
+        done += static_cast<std::size_t>(n);
+    }
+    return static_cast<ssize_t>(done);
+}
+
+std::uint64_t prefixHash(const unsigned char* data, std::size_t length) {
+    // Only needs to separate different prefixes well; equal hashes are checked
+    // by the full digest.
+    std::uint64_t h = 0x9E3779B97F4A7C15ULL ^ length;
+    std::size_t i = 0;
+    for (; i + 8 <= length; i += 8) {
+        std::uint64_t w = 0;
+        std::memcpy(&w, data + i, 8);
+        h = (h ^ w) * 0xFF51AFD7ED558CCDULL;
+        h ^= h >> 32;
+    }
+    for (; i < length; ++i) {
+        h = (h ^ data[i]) * 0x100000001B3ULL;
+    }
+    return h ^ (h >> 29);
+}
+
+} // namespace
+
+std::string base64Text(const Md5& digest) {
+    static const char* const kAlphabet =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string out;
+    out.reserve(24);
+    std::size_t i = 0;
+    for (; i + 3 <= digest.size(); i += 3) {
+        const unsigned v = (digest[i] << 16) | (digest[i + 1] << 8) | digest[i + 2];
+        out.push_back(kAlphabet[(v >> 18) & 63]);
+        out.push_back(kAlphabet[(v >> 12) & 63]);
+        out.push_back(kAlphabet[(v >> 6) & 63]);
+        out.push_back(kAlphabet[v & 63]);
+    }
+    // 16 bytes leave one byte: two characters and two pads.
+    const unsigned v = digest[i] << 16;
+    out.push_back(kAlphabet[(v >> 18) & 63]);
+    out.push_back(kAlphabet[(v >> 12) & 63]);
+    out.append("==");
+    return out;
+}
+
+Md5 md5Of(const void* data, std::size_t length) {
+    Md5 out{};
+    EVP_MD_CTX* ctx = threadContext();
+    EVP_DigestInit_ex(ctx, md5Algorithm(), nullptr);
+    EVP_DigestUpdate(ctx, data, length);
+    unsigned int n = 0;
+    EVP_DigestFinal_ex(ctx, out.data(), &n);
+    return out;
+}
+
+Md5 streamDigest(const std::string& path) {
+    thread_local std::vector<unsigned char> buffer(kBufferSize);
+    const int fd = openRegular(path);
+    if (fd < 0) {
+        printErrorLine(kOoops, path, errno);
+        return md5Of(nullptr, 0);
+    }
+#ifdef POSIX_FADV_SEQUENTIAL
+    ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
+#endif
+    EVP_MD_CTX* ctx = threadContext();
+    EVP_DigestInit_ex(ctx, md5Algorithm(), nullptr);
+    for (;;) {
+        const ssize_t n = readFully(fd, buffer.data(), buffer.size());
+        if (n < 0) {
+            // A failed read means the contents count as empty.
+            printErrorLine(kOoops, path, errno);
+            ::close(fd);
+            return md5Of(nullptr, 0);
+        }
+        EVP_DigestUpdate(ctx, buffer.data(), static_cast<std::size_t>(n));
+        if (static_cast<std::size_t>(n) < buffer.size()) {
+            break;
+        }
+    }
+    ::close(fd);
+    Md5 out{};
+    unsigned int len = 0;
+    EVP_DigestFinal_ex(ctx, out.data(), &len);
+    return out;
+}
+
+void readPrefix(const std::string& path, std::uint64_t size, Prefix& out) {
+    out.length = 0;
+    out.complete = true;
+    const int fd = openRegular(path);
+    if (fd < 0) {
+        printErrorLine(kOoops, path, errno);
+        out.hash = prefixHash(nullptr, 0);
+        return;
+    }
+    const ssize_t n = readFully(fd, out.bytes.data(), out.bytes.size());
+    const int err = errno;
+    ::close(fd);
+    if (n < 0) {
+        printErrorLine(kOoops, path, err);
+        out.hash = prefixHash(nullptr, 0);
+        return;
+    }
+    out.length = static_cast<std::uint32_t>(n);
+    // A short read is the end of the file; a file no longer than the prefix
+    // was read whole.
+    out.complete = out.length < Prefix::kLength || size <= Prefix::kLength;
+    out.hash = prefixHash(out.bytes.data(), out.length);
+}
+
+} // namespace twinsweep

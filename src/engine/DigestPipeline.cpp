@@ -1,0 +1,178 @@
+#include "engine/DigestPipeline.h"
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+
+#include "engine/Digest.h"
+#include "settings/SettingsManager.h"
+
+namespace twinsweep {
+
+namespace {
+
+// How far the workers may run ahead of the comparison loop, in files: enough
+// to keep every core busy, small enough that progress follows the real work.
+constexpr std::size_t kLookAheadFiles = 8192;
+
+} // namespace
+
+DigestPipeline::DigestPipeline(const FileList& list, std::vector<Run> runs, unsigned threads,
+                               const AtomicFlag& cancel)
+    : list_(list), runs_(std::move(runs)), cancel_(cancel), next_(runs_.size()),
+      done_(runs_.size(), 0) {
+    threads = std::max(1U, threads);
+    workers_.reserve(threads);
+    for (unsigned t = 0; t < threads; ++t) {
+        workers_.emplace_back([this] { work(); });
+    }
+}
+
+DigestPipeline::~DigestPipeline() {
+    {
+        std::lock_guard guard(lock_);
+        stop_ = true;
+    }
+    changed_.notify_all();
+    for (std::thread& t : workers_) {
+        t.join();
+    }
+}
+
+bool DigestPipeline::waitFor(std::size_t r) {
+    std::unique_lock guard(lock_);
+    if (r > consumed_) {
+        consumed_ = r;
+        changed_.notify_all();
+    }
+    // Wake every so often to notice a cancellation, which nobody signals.
+    while (!done_[r]) {
+        if (cancel_.load()) {
+            return false;
+        }
+        changed_.wait_for(guard, std::chrono::milliseconds(20));
+    }
+    return true;
+}
+
+std::uint32_t DigestPipeline::nextCopy(std::size_t r, std::size_t k) const {
+    return next_[r][k];
+}
+
+void DigestPipeline::work() {
+    for (;;) {
+        std::size_t r = 0;
+        {
+            std::unique_lock guard(lock_);
+            changed_.wait(guard, [&] {
+                if (stop_ || nextToTake_ >= runs_.size()) {
+                    return true;
+                }
+                // A run may start once it is within reach of the loop; the
+                // run the loop waits for may always start.
+                const std::size_t loopAt = runs_[std::min(consumed_, runs_.size() - 1)].begin;
+                return nextToTake_ <= consumed_ ||
+                       runs_[nextToTake_].begin <= loopAt + kLookAheadFiles;
+            });
+            if (stop_ || nextToTake_ >= runs_.size()) {
+                return;
+            }
+            r = nextToTake_++;
+        }
+        if (cancel_.load()) {
+            return;
+        }
+        if (!digestRun(r)) {
+            return; // cancelled: the loop notices by itself
+        }
+        {
+            std::lock_guard guard(lock_);
+            done_[r] = 1;
+        }
+        changed_.notify_all();
+    }
+}
+
+bool DigestPipeline::digestRun(std::size_t r) {
+    const Run run = runs_[r];
+    const std::size_t count = run.end - run.begin;
+    const std::uint64_t size = list_[run.begin]->size;
+    std::vector<std::uint32_t>& next = next_[r];
+    next.assign(count, 0);
+
+    // Split by the first bytes.
+    auto prefixes = std::make_unique<Prefix[]>(count);
+    for (std::size_t k = 0; k < count; ++k) {
+        if (cancel_.load()) {
+            return false;
+        }
+        readPrefix(list_[run.begin + k]->path, size, prefixes[k]);
+    }
+    std::vector<std::uint32_t> order(count);
+    for (std::size_t k = 0; k < count; ++k) {
+        order[k] = static_cast<std::uint32_t>(k);
+    }
+    auto key = [&](std::uint32_t k) {
+        const Prefix& p = prefixes[k];
+        return std::string_view(reinterpret_cast<const char*>(p.bytes.data()), p.length);
+    };
+    auto sameKey = [&](std::uint32_t a, std::uint32_t b) {
+        const Prefix& pa = prefixes[a];
+        const Prefix& pb = prefixes[b];
+        return pa.hash == pb.hash && pa.complete == pb.complete && key(a) == key(b);
+    };
+    std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
+        const Prefix& pa = prefixes[a];
+        const Prefix& pb = prefixes[b];
+        if (pa.hash != pb.hash) {
+            return pa.hash < pb.hash;
+        }
+        if (pa.complete != pb.complete) {
+            return pa.complete < pb.complete;
+        }
+        if (key(a) != key(b)) {
+            return key(a) < key(b);
+        }
+        return a < b;
+    });
+
+    // Digest every file that shares its first bytes with another.
+    std::unordered_map<std::string, std::uint32_t> lastWithDigest;
+    for (std::size_t s = 0; s < count;) {
+        std::size_t e = s + 1;
+        while (e < count && sameKey(order[s], order[e])) {
+            ++e;
+        }
+        if (e - s >= 2) {
+            for (std::size_t m = s; m < e; ++m) {
+                if (cancel_.load()) {
+                    return false;
+                }
+                const std::uint32_t k = order[m];
+                File& file = *list_[run.begin + k];
+                const Prefix& p = prefixes[k];
+                file.MD5Hash = base64Text(p.complete ? md5Of(p.bytes.data(), p.length)
+                                                     : streamDigest(file.path));
+            }
+        }
+        s = e;
+    }
+
+    // Link each digested member to the next one with the same digest.
+    for (std::size_t k = count; k-- > 0;) {
+        const File& file = *list_[run.begin + k];
+        if (file.MD5Hash.empty()) {
+            continue;
+        }
+        auto [it, inserted] =
+            lastWithDigest.try_emplace(file.MD5Hash, static_cast<std::uint32_t>(k));
+        if (!inserted) {
+            next[k] = it->second - static_cast<std::uint32_t>(k);
+            it->second = static_cast<std::uint32_t>(k);
+        }
+    }
+    return true;
+}
+
+} // namespace twinsweep

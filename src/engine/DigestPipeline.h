@@ -1,0 +1,59 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "engine/File.h"
+
+namespace twinsweep {
+
+class AtomicFlag;
+
+// Reads and digests the equal-size runs of a sorted file list on worker
+// threads, a bounded stretch ahead of the comparison loop that consumes them in
+// order. Within a run, files whose first bytes differ from every other file of
+// the run can't have a copy: they are never read whole and keep an empty
+// MD5Hash. Every other file gets its MD5Hash, exactly the digest of its
+// contents.
+class DigestPipeline {
+  public:
+    struct Run {
+        std::size_t begin; // first index in the list
+        std::size_t end;   // one past the last
+    };
+
+    DigestPipeline(const FileList& list, std::vector<Run> runs, unsigned threads,
+                   const AtomicFlag& cancel);
+    ~DigestPipeline();
+    DigestPipeline(const DigestPipeline&) = delete;
+    DigestPipeline& operator=(const DigestPipeline&) = delete;
+
+    // Waits until run r is digested. False when the search was cancelled first.
+    bool waitFor(std::size_t r);
+    // For member k of run r (k counted from the run's start): the next member
+    // with the same contents, or 0 when there is none.
+    std::uint32_t nextCopy(std::size_t r, std::size_t k) const;
+
+  private:
+    void work();
+    bool digestRun(std::size_t r);
+
+    const FileList& list_;
+    std::vector<Run> runs_;
+    const AtomicFlag& cancel_;
+    // Per run, per member: distance to the next member with the same digest.
+    std::vector<std::vector<std::uint32_t>> next_;
+    std::vector<char> done_;
+
+    std::mutex lock_;
+    std::condition_variable changed_;
+    std::size_t nextToTake_ = 0;
+    std::size_t consumed_ = 0; // first run the loop has not finished with
+    bool stop_ = false;
+    std::vector<std::thread> workers_;
+};
+
+} // namespace twinsweep

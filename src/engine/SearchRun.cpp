@@ -1,0 +1,206 @@
+// The search run: nested folders dropped, walk, size order, comparison,
+// collection of the group heads, with progress and cancellation throughout.
+#include <algorithm>
+#include <optional>
+#include <thread>
+
+#include "engine/Digest.h"
+#include "engine/DigestPipeline.h"
+#include "engine/FileTools.h"
+#include "settings/SettingsManager.h"
+
+namespace twinsweep {
+
+namespace {
+
+bool liesInside(const std::string& inner, const std::string& outer) {
+    if (outer == "/") {
+        return inner != "/" && !inner.empty() && inner.front() == '/';
+    }
+    return inner.size() > outer.size() + 1 && inner.compare(0, outer.size(), outer) == 0 &&
+           inner[outer.size()] == '/';
+}
+
+std::ptrdiff_t firstPosition(const std::vector<std::string>& list, const std::string& value) {
+    const auto it = std::find(list.begin(), list.end(), value);
+    return it == list.end() ? -1 : it - list.begin();
+}
+
+} // namespace
+
+unsigned FileTools::defaultDigestThreads() {
+    return std::max(1U, std::thread::hardware_concurrency());
+}
+
+std::vector<std::string> FileTools::removeNestedFolders(const std::vector<std::string>& folders) {
+    std::vector<std::string> reduced = folders;
+    for (const std::string& a : folders) {
+        const std::vector<std::string> snapshot = reduced;
+        for (const std::string& b : snapshot) {
+            // Equal entries share their first position, so both are kept.
+            if (firstPosition(reduced, a) == firstPosition(reduced, b) || !liesInside(b, a)) {
+                continue;
+            }
+            const auto it = std::find(reduced.begin(), reduced.end(), b);
+            if (it != reduced.end()) {
+                reduced.erase(it);
+            }
+        }
+    }
+    return reduced;
+}
+
+bool FileTools::byContent(std::uint64_t size) const {
+    return size < kLargeFileThreshold || compareLargeFilesByContent;
+}
+
+DuplicateFilePtr FileTools::memberFor(const File& file) const {
+    // A file that vanished since the walk has no date to show: the empty text.
+    auto member = std::make_shared<DuplicateFile>(
+        file.path, fileDateText(file.path, DateKind::Creation).value_or(""), 0);
+    member->seen = file.seen;
+    return member;
+}
+
+FileList FileTools::findDuplicateFiles(const std::vector<std::string>& folders,
+                                       std::uint64_t minimum, std::uint64_t maximum,
+                                       bool ignorePackages,
+                                       const std::vector<std::string>& extensions) {
+    finishedPosted_ = false;
+    // The walk posts once more when its top-level call returns: that is the
+    // post after the walk.
+    scanFolders(removeNestedFolders(folders), ignorePackages, extensions, minimum, maximum);
+    if (canceled()) {
+        post(kSearchThreadFinished);
+        return {};
+    }
+    if (fileList.size() < 2) {
+        return fileList;
+    }
+    quickSort(0, static_cast<std::int64_t>(fileList.size()) - 1);
+    if (canceled()) {
+        post(kSearchThreadFinished);
+        return {};
+    }
+    if (!compareFiles()) {
+        return {};
+    }
+    userInfo[kCheckedFiles] = static_cast<std::int64_t>(fileList.size());
+    post(kUpdateProgress);
+
+    FileList heads;
+    for (const FilePtr& file : fileList) {
+        if (canceled()) {
+            post(kSearchThreadFinished);
+            return {};
+        }
+        if (!file->wasFound) {
+            heads.push_back(file);
+        }
+    }
+    return heads;
+}
+
+bool FileTools::compareFiles() {
+    const std::size_t n = fileList.size();
+    auto sameSize = [&](std::size_t a, std::size_t b) {
+        return fileList[a]->size == fileList[b]->size;
+    };
+
+    // Runs of equal size that are compared by content go to the digest workers.
+    std::vector<DigestPipeline::Run> runs;
+    std::vector<std::size_t> runOf; // for each run start: its run number
+    std::optional<DigestPipeline> pipeline;
+    if (digestThreads > 0) {
+        for (std::size_t i = 0; i < n;) {
+            std::size_t j = i + 1;
+            while (j < n && sameSize(i, j)) {
+                ++j;
+            }
+            if (j - i >= 2 && byContent(fileList[i]->size)) {
+                runs.push_back({i, j});
+            }
+            i = j;
+        }
+        if (!runs.empty()) {
+            pipeline.emplace(fileList, runs, digestThreads, settingsManager->searchCanceledByUser);
+        }
+    }
+    auto cancelled = [&] {
+        if (!canceled()) {
+            return false;
+        }
+        post(kSearchThreadFinished);
+        return true;
+    };
+
+    std::size_t run = 0;
+    std::int64_t& checked = userInfo[kCheckedFiles];
+    for (std::size_t i = 0; i + 1 < n; ++i) {
+        checked = static_cast<std::int64_t>(i) + 1;
+        post(kUpdateProgress);
+        if (cancelled()) {
+            return false;
+        }
+        File& a = *fileList[i];
+        if (a.wasFound || !sameSize(i, i + 1)) {
+            continue;
+        }
+        if (cancelled()) {
+            return false;
+        }
+        if (!byContent(a.size)) {
+            // Large files: equal size alone makes them copies.
+            for (std::size_t j = i + 1; j < n && sameSize(i, j); ++j) {
+                File& b = *fileList[j];
+                b.wasFound = true;
+                a.duplicates.push_back(memberFor(b));
+                if (j + 1 < n && sameSize(i, j + 1) && cancelled()) {
+                    return false;
+                }
+            }
+            continue;
+        }
+        if (pipeline) {
+            while (runs[run].end <= i) {
+                ++run;
+            }
+            if (!pipeline->waitFor(run)) {
+                post(kSearchThreadFinished);
+                return false;
+            }
+            // Follow the chain of equal digests instead of testing every pair:
+            // the same copies, in the same order.
+            const std::size_t begin = runs[run].begin;
+            for (std::size_t k = i - begin, step = 0; (step = pipeline->nextCopy(run, k)) != 0;) {
+                k += step;
+                File& b = *fileList[begin + k];
+                b.wasFound = true;
+                a.duplicates.push_back(memberFor(b));
+                if (cancelled()) {
+                    return false;
+                }
+            }
+            continue;
+        }
+        for (std::size_t j = i + 1; j < n && sameSize(i, j); ++j) {
+            File& b = *fileList[j];
+            if (a.MD5Hash.empty()) {
+                a.MD5Hash = base64Text(contentDigest(a.path));
+            }
+            if (b.MD5Hash.empty()) {
+                b.MD5Hash = base64Text(contentDigest(b.path));
+            }
+            if (a.MD5Hash == b.MD5Hash) {
+                b.wasFound = true;
+                a.duplicates.push_back(memberFor(b));
+            }
+            if (j + 1 < n && sameSize(i, j + 1) && cancelled()) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+} // namespace twinsweep

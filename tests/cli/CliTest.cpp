@@ -1,0 +1,205 @@
+// Runs the real twinsweep-cli on real folders.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <fstream>
+#include <sstream>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+#include "support/TempTree.h"
+
+using twinsweep::testing::TempTree;
+
+namespace {
+
+struct Outcome {
+    int status = -1; // exit code, or 128 + signal
+    std::string out;
+    std::string err;
+};
+
+std::string slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream ss;
+    ss << in.rdbuf();
+    return ss.str();
+}
+
+// Starts the program with args; out and err go to files in scratch.
+pid_t start(const std::vector<std::string>& args, const TempTree& scratch) {
+    const std::string out = scratch.path("stdout");
+    const std::string err = scratch.path("stderr");
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        const int o = ::open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        const int e = ::open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        ::dup2(o, 1);
+        ::dup2(e, 2);
+        std::vector<char*> argv;
+        argv.push_back(const_cast<char*>(TWINSWEEP_CLI_PATH));
+        for (const std::string& a : args) {
+            argv.push_back(const_cast<char*>(a.c_str()));
+        }
+        argv.push_back(nullptr);
+        ::execv(TWINSWEEP_CLI_PATH, argv.data());
+        ::_exit(127);
+    }
+    return pid;
+}
+
+Outcome finish(pid_t pid, const TempTree& scratch) {
+    int raw = 0;
+    ::waitpid(pid, &raw, 0);
+    Outcome r;
+    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
+    r.out = slurp(scratch.path("stdout"));
+    r.err = slurp(scratch.path("stderr"));
+    return r;
+}
+
+Outcome run(const std::vector<std::string>& args) {
+    TempTree scratch;
+    return finish(start(args, scratch), scratch);
+}
+
+} // namespace
+
+TEST(Cli, TextReportListsEachGroupHeadFirstWithBlankLinesBetween) {
+    TempTree tree;
+    tree.write("a/one", "first group");
+    tree.write("b/one", "first group");
+    tree.write("a/two", "second!");
+    tree.write("b/two", "second!");
+    tree.write("c/two", "second!");
+    tree.write("a/alone", "no copy of this one");
+    const Outcome r = run({"--any-location", tree.root()});
+    EXPECT_EQ(r.status, 0) << r.err;
+    // Larger files first; within a size, the engine's tie order picks the head.
+    EXPECT_EQ(r.out, tree.path("b/one") + "\n" + tree.path("a/one") + "\n\n" + tree.path("c/two") +
+                         "\n" + tree.path("a/two") + "\n" + tree.path("b/two") + "\n");
+}
+
+TEST(Cli, JsonReportCarriesSizesCategoriesDigestsAndOddNames) {
+    TempTree tree;
+    tree.write("p.JPG", "pixels");
+    tree.write("line\nbreak.jpg", "pixels");
+    tree.write("bad\xff.jpg", "pixels");
+    const Outcome r = run({"--any-location", "--format", "json", tree.root()});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_NE(r.out.find("\"size\":6,\"ext\":\"jpg\",\"category\":\"pictures\",\"md5\":\""),
+              std::string::npos)
+        << r.out;
+    EXPECT_NE(r.out.find("line\\nbreak.jpg\",\"date\":\""), std::string::npos);
+    EXPECT_NE(r.out.find("bad\\udcff.jpg"), std::string::npos);
+    EXPECT_EQ(r.out.rfind("{\"groups\":[", 0), 0U);
+    EXPECT_EQ(r.out.substr(r.out.size() - 4), "\n]}\n");
+}
+
+TEST(Cli, FiltersAndLocationGateNarrowTheSearch) {
+    TempTree tree;
+    tree.write("Users/bob/a.png", "same");
+    tree.write("Users/bob/b.png", "same");
+    tree.write("Users/bob/a.txt", "same");
+    tree.write("Users/bob/Library/c.png", "same");
+    tree.write("Users/bob/big1.png", std::string(3000, 'z'));
+    tree.write("Users/bob/big2.png", std::string(3000, 'z'));
+    tree.write("elsewhere/d.png", "same");
+    const Outcome r =
+        run({"--location-root", tree.root(), "--ext", "png", "--max-size", "1K", tree.root()});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, tree.path("Users/bob/b.png") + "\n" + tree.path("Users/bob/a.png") + "\n");
+
+    // Without a gate override only the platform's own roots are searched.
+    EXPECT_EQ(run({tree.root()}).out, "");
+    EXPECT_EQ(run({"--any-location", "--min-size", "2K", tree.root()}).out.size(),
+              tree.path("Users/bob/big1.png\n").size() * 2);
+}
+
+TEST(Cli, EmptyResultIsEmptyOutputAndSuccess) {
+    TempTree tree;
+    tree.write("only", "one file");
+    const Outcome text = run({"--any-location", tree.root()});
+    EXPECT_EQ(text.status, 0);
+    EXPECT_EQ(text.out, "");
+    const Outcome json = run({"--any-location", "--format=json", tree.root()});
+    EXPECT_EQ(json.out, "{\"groups\":[]}\n");
+}
+
+TEST(Cli, BadUsageIsOneLineAndExitTwo) {
+    TempTree tree;
+    const std::vector<std::vector<std::string>> cases = {
+        {"--bogus", tree.root()},
+        {"--format", "xml", tree.root()},
+        {"--min-size", "ten", tree.root()},
+        {"--min-size", "2K", "--max-size", "1K", tree.root()},
+        {tree.path("missing")},
+        {tree.write("file", "x")},
+        {"--format"},
+        {},
+    };
+    for (const auto& args : cases) {
+        const Outcome r = run(args);
+        EXPECT_EQ(r.status, 2) << r.err;
+        EXPECT_EQ(r.out, "");
+        EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
+        EXPECT_EQ(r.err.rfind("twinsweep-cli: ", 0), 0U) << r.err;
+    }
+    EXPECT_NE(run({tree.path("missing")}).err.find(tree.path("missing")), std::string::npos);
+    EXPECT_EQ(run({"--help"}).status, 0);
+    EXPECT_EQ(run({"--version"}).out.rfind("twinsweep-cli ", 0), 0U);
+}
+
+TEST(Cli, EngineDiagnosticsStayOutOfTheReport) {
+    TempTree tree;
+    tree.write("One.app/x", "12345");
+    tree.write("Two.app/y", "abcde");
+    const Outcome r =
+        run({"--any-location", "--include-packages", "--format", "json", tree.root()});
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.out.find("Ooops"), std::string::npos);
+    EXPECT_NE(r.err.find("Ooops! Something went wrong: "), std::string::npos);
+    EXPECT_NE(r.out.find("One.app"), std::string::npos);
+}
+
+namespace {
+
+bool handlesInterrupt(pid_t pid) {
+    std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.rfind("SigCgt:", 0) == 0) {
+            return (std::stoull(line.substr(7), nullptr, 16) & (1ULL << (SIGINT - 1))) != 0;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+TEST(Cli, InterruptCancelsTheSearchAndWritesNothing) {
+    TempTree tree;
+    // Equal-size files that agree in their first bytes must be read whole:
+    // long enough to interrupt.
+    for (int k = 0; k < 8; ++k) {
+        const std::string p = tree.sparse("f" + std::to_string(k), 90 << 20);
+        const int fd = ::open(p.c_str(), O_WRONLY);
+        const char last = static_cast<char>('a' + k % 2);
+        ASSERT_EQ(::pwrite(fd, &last, 1, (90 << 20) - 1), 1);
+        ::close(fd);
+    }
+    TempTree scratch;
+    const pid_t pid = start({"--any-location", "--format", "json", tree.root()}, scratch);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!handlesInterrupt(pid) && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    ::kill(pid, SIGINT);
+    const Outcome r = finish(pid, scratch);
+    EXPECT_EQ(r.status, 130) << r.err;
+    EXPECT_EQ(r.out, "");
+}

@@ -1,0 +1,107 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include "engine/FileTools.h"
+#include "support/TempTree.h"
+
+using namespace twinsweep;
+using twinsweep::testing::TempTree;
+
+TEST(Formatting, SizeTextsStepBy1024AndRoundIn32BitFloat) {
+    const std::pair<std::uint64_t, const char*> cases[] = {
+        {0, "0 B"},
+        {1023, "1023 B"},
+        {1024, "1.0 KB"},
+        {1536, "1.5 KB"},
+        {1048575, "1024.0 KB"},
+        {1048576, "1.0 MB"},
+        {104857600, "100.0 MB"},
+        {1073741823, "1024.0 MB"},
+        {107374182400ULL, "100.0 GB"},
+        {1099511627776ULL, "1.0 TB"},
+        {UINT64_MAX, "16777216.0 TB"},
+    };
+    for (const auto& [bytes, text] : cases) {
+        EXPECT_EQ(FileTools::fileSizeText(bytes), text) << bytes;
+    }
+}
+
+namespace {
+
+// Pins the process time zone for one test and restores it afterwards.
+class ZoneGuard {
+  public:
+    explicit ZoneGuard(const char* zone) {
+        if (const char* old = std::getenv("TZ")) {
+            old_ = old;
+            had_ = true;
+        }
+        ::setenv("TZ", zone, 1);
+        ::tzset();
+    }
+    ~ZoneGuard() {
+        if (had_) {
+            ::setenv("TZ", old_.c_str(), 1);
+        } else {
+            ::unsetenv("TZ");
+        }
+        ::tzset();
+    }
+
+  private:
+    std::string old_;
+    bool had_ = false;
+};
+
+void setModified(const std::string& path, std::time_t when) {
+    const timespec times[2] = {{when, 0}, {when, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW), 0);
+}
+
+} // namespace
+
+TEST(Formatting, DateTextUsesLocalTimeAndTheTwelveHourClock) {
+    TempTree tree;
+    const std::string afternoon = tree.write("a", "x");
+    const std::string night = tree.write("b", "x");
+    // 2017-03-05 15:04:09 and 03:04:09 UTC.
+    setModified(afternoon, 1488726249);
+    setModified(night, 1488726249 - 12 * 3600);
+    {
+        ZoneGuard zone("UTC0");
+        EXPECT_EQ(FileTools::fileDateText(afternoon, DateKind::Modification), "17-03-05 03:04:09");
+        EXPECT_EQ(FileTools::fileDateText(night, DateKind::Modification), "17-03-05 03:04:09");
+    }
+    {
+        ZoneGuard zone("EST5");
+        EXPECT_EQ(FileTools::fileDateText(afternoon, DateKind::Modification), "17-03-05 10:04:09");
+    }
+}
+
+TEST(Formatting, CreationDateIsBirthTimeOrModificationTime) {
+    ZoneGuard zone("UTC0");
+    TempTree tree;
+    const std::string file = tree.write("a", "x");
+    const std::time_t before = std::time(nullptr);
+    setModified(file, 1488726249);
+    const auto text = FileTools::fileDateText(file, DateKind::Creation);
+    ASSERT_TRUE(text.has_value());
+    // The file system either keeps a birth time (now) or not (the modification time).
+    char now[32];
+    std::tm tm{};
+    ::gmtime_r(&before, &tm);
+    std::strftime(now, sizeof now, "%y-%m-%d", &tm);
+    EXPECT_TRUE(text->rfind(now, 0) == 0 || *text == "17-03-05 03:04:09") << *text;
+}
+
+TEST(Formatting, DateOfLinkIsTheLinkOwnAndMissingItemHasNone) {
+    ZoneGuard zone("UTC0");
+    TempTree tree;
+    const std::string link = tree.symlink(tree.path("gone"), "link");
+    EXPECT_TRUE(FileTools::fileDateText(link, DateKind::Modification).has_value());
+    EXPECT_FALSE(FileTools::fileDateText(tree.path("gone"), DateKind::Creation).has_value());
+}

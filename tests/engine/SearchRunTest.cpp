@@ -1,0 +1,159 @@
+#include <gtest/gtest.h>
+
+#include "SearchSupport.h"
+#include "engine/SearchJob.h"
+#include "support/TempTree.h"
+
+using namespace twinsweep;
+using namespace twinsweep::testing;
+
+TEST(SearchRun, NestedFoldersAreDroppedOnlyUnderASlashBoundary) {
+    using V = std::vector<std::string>;
+    EXPECT_EQ(FileTools::removeNestedFolders({"/Users/a", "/Users/a/b"}), V{"/Users/a"});
+    EXPECT_EQ(FileTools::removeNestedFolders({"/Users/a/b", "/Users/a"}), V{"/Users/a"});
+    EXPECT_EQ(FileTools::removeNestedFolders({"/Users/a", "/Users/ab"}),
+              (V{"/Users/a", "/Users/ab"}));
+    EXPECT_EQ(FileTools::removeNestedFolders({"/Users/a", "/"}), V{"/"});
+    EXPECT_EQ(FileTools::removeNestedFolders({"/x", "/x"}), (V{"/x", "/x"}));
+    EXPECT_EQ(FileTools::removeNestedFolders({}), V{});
+}
+
+TEST(SearchRun, NestedFolderIsScannedOnceThroughItsAncestor) {
+    TempTree tree;
+    tree.write("a/b/f1", "same");
+    tree.write("a/f2", "same");
+    FileTools tools;
+    prepare(tools, 2);
+    const FileList heads = search(tools, {tree.path("a"), tree.path("a/b")});
+    EXPECT_EQ(tools.fileList.size(), 2U);
+    ASSERT_EQ(heads.size(), 1U);
+    EXPECT_EQ(heads[0]->duplicates.size(), 1U);
+}
+
+TEST(SearchRun, ProgressCountsEveryComparisonStepAndNothingAfter) {
+    TempTree tree;
+    tree.write("a", "same");
+    tree.write("b", "same");
+    tree.write("c", "same");
+    FileTools tools;
+    prepare(tools, 2);
+    PostLog log;
+    const FileList heads = search(tools, {tree.root()});
+    ASSERT_EQ(heads.size(), 1U);
+    EXPECT_EQ(heads[0]->duplicates.size(), 2U);
+    EXPECT_EQ(log.checkedSequence(), (std::vector<std::int64_t>{1, 2, 3}));
+    EXPECT_EQ(log.count(kSearchThreadFinished), 0);
+    for (const auto& p : log.posts) {
+        EXPECT_GE(p.total, 0); // both keys on every post
+    }
+    EXPECT_EQ(log.posts.back().total, 3);
+    EXPECT_EQ(log.posts.back().checked, 3);
+}
+
+TEST(SearchRun, NoFileAndOneFileNeedNoComparison) {
+    TempTree tree;
+    tree.mkdir("empty");
+    {
+        FileTools tools;
+        prepare(tools, 2);
+        PostLog log;
+        EXPECT_TRUE(search(tools, {tree.path("empty")}).empty());
+        EXPECT_TRUE(search(tools, {}).empty());
+        ASSERT_FALSE(log.posts.empty());
+        EXPECT_EQ(log.posts.back().total, 0);
+        EXPECT_EQ(log.posts.back().checked, 0);
+        EXPECT_EQ(log.count(kSearchThreadFinished), 0);
+    }
+    tree.write("one/f", "x");
+    FileTools tools;
+    prepare(tools, 2);
+    PostLog log;
+    const FileList heads = search(tools, {tree.path("one")});
+    ASSERT_EQ(heads.size(), 1U);
+    EXPECT_TRUE(heads[0]->duplicates.empty());
+    EXPECT_TRUE(log.checkedSequence().empty());
+}
+
+namespace {
+
+struct CancelCase {
+    const char* phase;
+    // Cancels when this returns true for a post.
+    std::function<bool(const PostLog::Post&)> when;
+};
+
+} // namespace
+
+TEST(SearchRun, CancellingInAnyPhasePostsOneFinishAndReturnsNothing) {
+    TempTree tree;
+    for (int k = 0; k < 40; ++k) {
+        tree.write("d" + std::to_string(k % 4) + "/f" + std::to_string(k),
+                   std::string(static_cast<std::size_t>(k % 5 + 1), 'x'));
+    }
+    const CancelCase cases[] = {
+        {"walk", [](const PostLog::Post& p) { return p.checked == 0 && p.total == 10; }},
+        {"comparison", [](const PostLog::Post& p) { return p.checked == 20; }},
+        {"collection", [](const PostLog::Post& p) { return p.checked == 40; }},
+    };
+    for (unsigned threads : {0U, 2U}) {
+        for (const CancelCase& c : cases) {
+            SettingsManager& settings = *SettingsManager::shared();
+            FileTools tools;
+            prepare(tools, threads);
+            settings.listFolderPaths = {tree.root()};
+            settings.minimumFileSize = 0;
+            settings.duplicateFileList.clear();
+            PostLog log;
+            log.onPost = [&](const PostLog::Post& p) {
+                if (c.when(p)) {
+                    settings.searchCanceledByUser = true;
+                }
+            };
+            EXPECT_FALSE(runSearchJob(settings, tools)) << c.phase;
+            EXPECT_EQ(log.count(kSearchThreadFinished), 1) << c.phase;
+            EXPECT_EQ(log.posts.back().name, kSearchThreadFinished) << c.phase;
+            EXPECT_TRUE(settings.duplicateFileList.empty()) << c.phase;
+            EXPECT_TRUE(settings.fileList.empty());
+            settings.searchCanceledByUser = false;
+        }
+    }
+}
+
+TEST(SearchRun, CancelledSortReturnsEarly) {
+    FileTools tools;
+    tools.settingsManager->searchCanceledByUser = true;
+    for (std::uint64_t s : {1, 2, 3}) {
+        auto f = std::make_shared<File>("/");
+        f->size = s;
+        tools.fileList.push_back(f);
+    }
+    tools.quickSort(0, 2);
+    EXPECT_EQ(tools.fileList[0]->size, 1U);
+    tools.settingsManager->searchCanceledByUser = false;
+}
+
+TEST(SearchRun, SearchJobPutsEachHeadsOwnEntryFirst) {
+    TempTree tree;
+    tree.write("a.jpg", "picture");
+    tree.write("b.jpg", "picture");
+    tree.write("c.txt", "lonely");
+    SettingsManager& settings = *SettingsManager::shared();
+    settings.listFolderPaths = {tree.root()};
+    settings.minimumFileSize = 0;
+    settings.customFileTypes = true;
+    settings.listFileExtensions = {"jpg"};
+    settings.duplicateFileList.clear();
+    FileTools tools;
+    prepare(tools, 2);
+    EXPECT_TRUE(runSearchJob(settings, tools));
+    settings.customFileTypes = false;
+    EXPECT_TRUE(settings.fileList.empty());
+    ASSERT_EQ(settings.duplicateFileList.size(), 1U);
+    const FilePtr head = settings.duplicateFileList[0];
+    ASSERT_EQ(head->duplicates.size(), 2U);
+    EXPECT_EQ(head->duplicates[0]->path, head->path);
+    EXPECT_EQ(head->duplicates[0]->seen, identityOf(head->path));
+    EXPECT_EQ(head->duplicates[0]->date.size(), 17U);
+    EXPECT_NE(head->duplicates[1]->path, head->path);
+    settings.duplicateFileList.clear();
+}
