@@ -1,0 +1,17 @@
+#pragma once
+
+namespace twinsweep {
+
+class FileTools;
+class SettingsManager;
+
+// The search job's whole run, shared by the progress window and the
+// command-line tool: takes the options from settings, runs
+// tools.findDuplicateFiles, and leaves every group that has copies in
+// settings.duplicateFileList with the head's own entry first; settings.fileList
+// is empty afterwards. Each member's `seen` holds what the search saw of that
+// file, so that cleaning can refuse a file that changed since.
+// Returns false when the run was cancelled (nothing is added then).
+bool runSearchJob(SettingsManager& settings, FileTools& tools);
+
+} // namespace twinsweep
