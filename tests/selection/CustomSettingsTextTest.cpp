@@ -23,7 +23,7 @@ void setEverything(SettingsManager& s) {
     s.secondDateState = 1;
     s.secondDateSelectedItem = 1;
     s.secondDateComparisonItem = 1;
-    s.secondDate = day("31/12/1999");
+    s.secondDate = day("05/03/0217");
     s.firstFileSizeState = 1;
     s.firstFileSizeComparisonItem = 0;
     s.firstFileSize = 100000;
