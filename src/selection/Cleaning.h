@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "engine/File.h"
+#include "selection/AlertText.h"
 #include "settings/SettingsManager.h"
 
 namespace twinsweep {
@@ -12,12 +13,8 @@ namespace twinsweep {
 // The alerts of the clean command, each a warning with an empty message text.
 enum class CleaningAlert { NothingMarked, WholeGroups, PermanentDeletion, Done };
 
-struct AlertText {
-    std::string informativeText;
-    std::vector<std::string> buttons; // in order; the first one accepts
-};
-
-// The exact informative text and button titles of an alert.
+// The exact informative text and button titles of an alert; the first button
+// accepts.
 const AlertText& alertText(CleaningAlert alert);
 
 // Asks the user. The desktop layer shows a modal alert with alertText(alert);

@@ -30,6 +30,17 @@ void unmarkPath(File& target, const std::string& path) {
 
 } // namespace
 
+const AlertText& keepOneCopyQuestion() {
+    static const AlertText question{
+        "Do you want to keep at least one copy of each duplicate file?",
+        {"Yes, keep the oldest file", "Yes, keep the newest file", "No"}};
+    return question;
+}
+
+std::int64_t keepOneCopyAnswer(int buttonIndex) {
+    return buttonIndex == 0 ? 1 : buttonIndex == 1 ? 2 : 3;
+}
+
 bool applyCustomRules(File& group, SettingsManager& settings) {
     if (settings.customSettingsOption != "OK") {
         return false;

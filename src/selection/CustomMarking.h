@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstdint>
+
 #include "engine/File.h"
+#include "selection/AlertText.h"
 #include "settings/SettingsManager.h"
 
 namespace twinsweep {
@@ -18,5 +21,11 @@ bool applyCustomRules(File& group, SettingsManager& settings);
 // passed. Groups that are not listed keep everything. Does nothing and returns
 // false unless settings.customSettingsOption is exactly "OK".
 bool applyCustomRulesToAll(const FileList& listed, SettingsManager& settings);
+
+// The question asked before keep option 4 goes to every listed group, and the
+// value its answer stores in customMessageRespone: the first button 1 (keep
+// the oldest), the second 2 (keep the newest), anything else 3 (no).
+const AlertText& keepOneCopyQuestion();
+std::int64_t keepOneCopyAnswer(int buttonIndex);
 
 } // namespace twinsweep

@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 
 #include "selection/CanonicalText.h"
+#include "selection/CustomSettingsText.h"
 
 namespace twinsweep {
 
@@ -55,15 +56,9 @@ std::optional<DateTime> fileDay(const DuplicateFile& member, DateKind which) {
     if (!when) {
         return std::nullopt;
     }
-    std::tm tm{};
-    if (::localtime_r(&*when, &tm) == nullptr) {
-        return std::nullopt;
-    }
     // Written as a day and read back: midnight local time of that day.
-    char buf[32];
-    const std::size_t n = std::strftime(buf, sizeof buf, "%d/%m/%Y", &tm);
     DateTime day = 0;
-    if (n == 0 || !parseDayText(std::string(buf, n), day)) {
+    if (!parseDayText(dayText(static_cast<DateTime>(*when)), day)) {
         return std::nullopt;
     }
     return day;

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <ctime>
 #include <optional>
 #include <string_view>
@@ -12,18 +13,19 @@
 
 namespace twinsweep {
 
-namespace {
-
 std::string dayText(DateTime when) {
     const auto t = static_cast<std::time_t>(std::floor(when));
     std::tm tm{};
     if (::localtime_r(&t, &tm) == nullptr) {
         return {};
     }
-    char buf[32];
-    const std::size_t n = std::strftime(buf, sizeof buf, "%d/%m/%Y", &tm);
-    return std::string(buf, n);
+    // Four year digits always, so that years before 1000 read back.
+    char buf[48];
+    std::snprintf(buf, sizeof buf, "%02d/%02d/%04d", tm.tm_mday, tm.tm_mon + 1, tm.tm_year + 1900);
+    return buf;
 }
+
+namespace {
 
 // Length of the line break that starts at text[i], or 0: line feed, carriage
 // return, vertical tab, form feed, and NEL, LS, PS in UTF-8.

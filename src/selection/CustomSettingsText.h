@@ -6,6 +6,9 @@ namespace twinsweep {
 
 class SettingsManager;
 
+// The local day of when as "dd/MM/yyyy", the form rule dates are written in.
+std::string dayText(double when);
+
 // The custom rules as a text of one field per line, the form in which a group
 // remembers the rules it was last marked with (File::customSettings).
 std::string customSettingsText(const SettingsManager& settings);

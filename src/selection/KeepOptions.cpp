@@ -5,6 +5,15 @@
 
 namespace twinsweep {
 
+void resetKeepOptions(const FileList& groups) {
+    for (const FilePtr& g : groups) {
+        g->keepOption = kKeepAll;
+        for (const DuplicateFilePtr& m : g->duplicates) {
+            m->checkState = 0;
+        }
+    }
+}
+
 std::int64_t markedCount(const File& group) {
     return std::count_if(group.duplicates.begin(), group.duplicates.end(),
                          [](const DuplicateFilePtr& m) { return m->checkState == 1; });

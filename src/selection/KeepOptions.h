@@ -19,6 +19,9 @@ enum KeepOption : std::int64_t {
     kKeepCustom = 4, // marked by the custom rules (CustomMarking.h)
 };
 
+// Keep option 0 and no marks for every group, as when the results open.
+void resetKeepOptions(const FileList& groups);
+
 // Number of members of group marked for removal (checkState 1).
 std::int64_t markedCount(const File& group);
 
