@@ -5,6 +5,7 @@
 
 #include "engine/Digest.h"
 #include "engine/FileTools.h"
+#include "engine/SizeOrderIndex.h"
 
 namespace twinsweep {
 
@@ -23,26 +24,20 @@ std::int64_t FileTools::partition(std::int64_t low, std::int64_t high) {
     return i;
 }
 
-namespace {
-
-// True when every entry of [low, high] has the same size.
-bool allEqual(const FileList& list, std::int64_t low, std::int64_t high) {
-    const std::uint64_t size = list[static_cast<std::size_t>(high)]->size;
-    for (std::int64_t k = low; k < high; ++k) {
-        if (list[static_cast<std::size_t>(k)]->size != size) {
-            return false;
-        }
-    }
-    return true;
-}
-
-} // namespace
-
 void FileTools::quickSort(std::int64_t low, std::int64_t high) {
-    // The recursive scheme, with the recursion on the left part kept on an
-    // explicit stack: an already sorted list would otherwise nest n calls deep.
-    // Parts are disjoint, so the order in which they are sorted does not change
-    // the result.
+    // The recursive scheme, step for step, so ties end up exactly where it puts
+    // them. Two things make it affordable on any input: the recursion on the
+    // left part is kept on an explicit stack (an ordered list would otherwise
+    // nest n calls deep; parts are disjoint, so the order in which they are
+    // sorted does not matter), and the sizes live in an index that tells in
+    // O(log n) when a step would move nothing but its pivot, so such steps
+    // cost no scan.
+    if (low >= high) {
+        return;
+    }
+    SizeOrderIndex index(fileList);
+    auto& keys = index.keys();
+    auto at = [](std::int64_t k) { return static_cast<std::size_t>(k); };
     std::vector<std::pair<std::int64_t, std::int64_t>> pending;
     pending.emplace_back(low, high);
     while (!pending.empty()) {
@@ -52,15 +47,36 @@ void FileTools::quickSort(std::int64_t low, std::int64_t high) {
             if (canceled()) {
                 return;
             }
-            if (allEqual(fileList, lo, hi)) {
-                // Partitioning equal entries peels off one at a time, each time
-                // swapping the last entry to the front: the net effect is one
-                // rotation to the right, done here in one pass instead of n.
-                std::rotate(fileList.begin() + lo, fileList.begin() + hi,
-                            fileList.begin() + hi + 1);
-                break;
+            const std::uint64_t pivot = keys[at(hi)];
+            std::int64_t p = lo;
+            if (index.maxIn(at(lo), at(hi - 1)) <= pivot) {
+                if (index.minIn(at(lo), at(hi - 1)) == pivot) {
+                    // All equal: the steps peel off one entry at a time, each
+                    // swapping the last entry to the front; together they
+                    // rotate the part one place to the right.
+                    std::rotate(fileList.begin() + lo, fileList.begin() + hi,
+                                fileList.begin() + hi + 1);
+                    index.rotateRight(at(lo), at(hi));
+                    break;
+                }
+                // Nothing is larger than the pivot: only the pivot moves.
+                std::swap(fileList[at(lo)], fileList[at(hi)]);
+                index.swap(at(lo), at(hi));
+            } else if (index.minIn(at(lo), at(hi - 1)) > pivot) {
+                p = hi; // everything is larger and stays where it is
+            } else {
+                // The plain step, on the flat keys; the same swaps on the list.
+                for (std::int64_t j = lo; j < hi; ++j) {
+                    if (keys[at(j)] > pivot) {
+                        std::swap(keys[at(p)], keys[at(j)]);
+                        std::swap(fileList[at(p)], fileList[at(j)]);
+                        ++p;
+                    }
+                }
+                std::swap(keys[at(p)], keys[at(hi)]);
+                std::swap(fileList[at(p)], fileList[at(hi)]);
+                index.refresh(at(lo), at(hi));
             }
-            const std::int64_t p = partition(lo, hi);
             pending.emplace_back(lo, p - 1);
             lo = p + 1;
         }

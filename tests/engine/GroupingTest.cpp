@@ -88,9 +88,19 @@ TEST(Grouping, SortKeepsTheExactTieOrderOfTheSpecifiedScheme) {
         }
         if (round % 10 == 0) {
             std::sort(sizes.begin(), sizes.end(), std::greater<>()); // the deep case
+        } else if (round % 10 == 5) {
+            std::sort(sizes.begin(), sizes.end()); // the quadratic case
+        } else if (round % 10 == 7) {
+            std::sort(sizes.begin(), sizes.begin() + static_cast<std::ptrdiff_t>(sizes.size() / 2));
         }
         ASSERT_EQ(engineOrder(sizes), referenceOrder(sizes)) << "round " << round;
     }
+    // An ascending list makes every step of the plain scheme scan the whole rest.
+    std::vector<std::uint64_t> ascending(20000);
+    for (std::size_t k = 0; k < ascending.size(); ++k) {
+        ascending[k] = k / 3;
+    }
+    EXPECT_EQ(engineOrder(ascending), referenceOrder(ascending));
     // A descending list nests the scheme as deep as it is long; it must not
     // exhaust the stack.
     std::vector<std::uint64_t> sorted(20000);
