@@ -27,6 +27,15 @@ std::string sizeOption(const std::string& name, const std::string& value, std::u
     return {};
 }
 
+std::string removal(Options& o, Removal r) {
+    if (o.removalGiven && o.removal != r) {
+        return "choose one of --dry-run, --trash and --delete";
+    }
+    o.removal = r;
+    o.removalGiven = true;
+    return {};
+}
+
 const std::vector<Spec>& specs() {
     static const std::vector<Spec> table = {
         {"--min-size", true,
@@ -97,6 +106,55 @@ const std::vector<Spec>& specs() {
                  return "invalid --format '" + v + "' (text or json)";
              }
              return {};
+         }},
+        {"--keep", true,
+         [](Options& o, const std::string& v) -> std::string {
+             // The copies to keep: "all" keeps every copy, "none" keeps none.
+             if (v == "all") {
+                 o.keepOption = 0;
+             } else if (v == "oldest") {
+                 o.keepOption = 1;
+             } else if (v == "newest") {
+                 o.keepOption = 2;
+             } else if (v == "none") {
+                 o.keepOption = 3;
+             } else {
+                 return "invalid --keep '" + v + "' (none, oldest, newest or all)";
+             }
+             return {};
+         }},
+        {"--rules", true,
+         [](Options& o, const std::string& v) -> std::string {
+             if (v.empty()) {
+                 return "--rules needs a file";
+             }
+             o.rulesFile = v;
+             return {};
+         }},
+        {"--keep-one", true,
+         [](Options& o, const std::string& v) -> std::string {
+             if (v == "oldest") {
+                 o.keepOne = 1;
+             } else if (v == "newest") {
+                 o.keepOne = 2;
+             } else if (v == "no") {
+                 o.keepOne = 3;
+             } else {
+                 return "invalid --keep-one '" + v + "' (oldest, newest or no)";
+             }
+             o.keepOneGiven = true;
+             return {};
+         }},
+        {"--dry-run", false,
+         [](Options& o, const std::string&) { return removal(o, Removal::DryRun); }},
+        {"--trash", false,
+         [](Options& o, const std::string&) { return removal(o, Removal::Trash); }},
+        {"--delete", false,
+         [](Options& o, const std::string&) { return removal(o, Removal::Delete); }},
+        {"--yes", false,
+         [](Options& o, const std::string&) {
+             o.yes = true;
+             return std::string();
          }},
         {"--help", false,
          [](Options& o, const std::string&) {
@@ -237,6 +295,19 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
         result.error = "--min-size is larger than --max-size";
         return result;
     }
+    if (o.keepOption && !o.rulesFile.empty()) {
+        result.error = "choose one of --keep and --rules";
+        return result;
+    }
+    if (o.keepOneGiven && o.rulesFile.empty()) {
+        result.error = "--keep-one goes with --rules";
+        return result;
+    }
+    if ((o.removalGiven || o.yes) && !marks(o)) {
+        result.error = "--dry-run, --trash, --delete and --yes need --keep or --rules to say "
+                       "which copies go";
+        return result;
+    }
     if (given.empty()) {
         result.error = "no folder given (see --help)";
         return result;
@@ -280,6 +351,22 @@ std::string usageText() {
            "  --any-location         look anywhere (by default only under /home, /opt,\n"
            "                         /media, /mnt and /run/media)\n"
            "  --format text|json     output format (default text)\n"
+           "\n"
+           "Removing copies (every group found):\n"
+           "  --keep oldest|newest   keep the oldest (newest) copy of each group, by\n"
+           "                         creation date; the first copy wins ties\n"
+           "  --keep all|none        keep every copy (remove nothing) or none of them\n"
+           "  --rules FILE           mark the copies that a custom rule text selects\n"
+           "  --keep-one oldest|newest|no\n"
+           "                         with --rules: when the rules select every copy of a\n"
+           "                         group, keep its oldest (newest) one (default oldest)\n"
+           "  --dry-run              only list what would be removed (the default)\n"
+           "  --trash                move the marked copies to the Trash\n"
+           "  --delete               delete them for good\n"
+           "  --yes                  answer yes to the questions: removing every copy of\n"
+           "                         a group, deleting for good (needed for --delete when\n"
+           "                         standard input is not a terminal)\n"
+           "                         A copy that changed since the search is never removed.\n"
            "  --help                 show this help\n"
            "  --version              show the version\n"
            "\n"
@@ -288,8 +375,9 @@ std::string usageText() {
            "JSON output: bytes that are not valid UTF-8 are written as \\udcXX escapes.\n"
            "Progress goes to standard error when it is a terminal.\n"
            "\n"
-           "Exit status: 0 when the search ran, 2 for a bad option or folder, 130 when\n"
-           "interrupted.\n";
+           "Exit status: 0 when the search (and any removal) ran, 1 when a removal\n"
+           "failed or was refused, or a question was answered no, 2 for a bad option,\n"
+           "folder or rule file, 130 when interrupted.\n";
 }
 
 } // namespace twinsweep::cli

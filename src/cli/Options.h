@@ -9,6 +9,8 @@ namespace twinsweep::cli {
 
 enum class OutputFormat { Text, Json };
 enum class Locations { PlatformDefault, MacLayoutUnder, Anywhere };
+// What happens to the marked copies: listed only, moved to the Trash, deleted.
+enum class Removal { DryRun, Trash, Delete };
 
 struct Options {
     std::vector<std::string> folders; // absolute, as given otherwise
@@ -20,9 +22,22 @@ struct Options {
     Locations locations = Locations::PlatformDefault;
     std::string locationRoot;
     OutputFormat format = OutputFormat::Text;
+    // Marking: a keep option (0 to 3) or a rule-text file, for every group.
+    std::optional<std::int64_t> keepOption;
+    std::string rulesFile;
+    std::int64_t keepOne = 1; // with --rules: 1 oldest, 2 newest, 3 no
+    bool keepOneGiven = false;
+    Removal removal = Removal::DryRun;
+    bool removalGiven = false;
+    bool yes = false;
     bool help = false;
     bool version = false;
 };
+
+// True when the options mark copies, so the run acts instead of reporting.
+inline bool marks(const Options& o) {
+    return o.keepOption.has_value() || !o.rulesFile.empty();
+}
 
 struct ParseResult {
     Options options;

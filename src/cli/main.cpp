@@ -8,11 +8,13 @@
 #include <memory>
 #include <unistd.h>
 
+#include "cli/Acting.h"
 #include "cli/Options.h"
 #include "cli/Output.h"
 #include "cli/Progress.h"
 #include "engine/FileTools.h"
 #include "engine/SearchJob.h"
+#include "platform/PlatformRemover.h"
 #include "settings/SettingsManager.h"
 
 using namespace twinsweep;
@@ -85,6 +87,21 @@ int main(int argc, char** argv) {
     }
 
     const std::shared_ptr<SettingsManager> settings = SettingsManager::shared();
+    if (cli::marks(options)) {
+        // Refuse before searching, not after.
+        if (!options.rulesFile.empty()) {
+            if (const std::string err = cli::loadRulesFile(options.rulesFile, *settings);
+                !err.empty()) {
+                std::fprintf(stderr, "twinsweep-cli: %s\n", err.c_str());
+                return kExitBadUsage;
+            }
+        }
+        if (options.removal == cli::Removal::Delete && !options.yes && !::isatty(STDIN_FILENO)) {
+            std::fprintf(stderr, "twinsweep-cli: --delete needs --yes when standard input is not a "
+                                 "terminal\n");
+            return kExitBadUsage;
+        }
+    }
     settings->listFolderPaths = options.folders;
     settings->minimumFileSize = options.minimumSize;
     settings->maximumFileSize = options.maximumSize;
@@ -128,6 +145,19 @@ int main(int argc, char** argv) {
     if (!completed || settings->searchCanceledByUser.load()) {
         std::fprintf(stderr, "twinsweep-cli: interrupted\n");
         return kExitInterrupted;
+    }
+
+    if (cli::marks(options)) {
+        PlatformRemover remover;
+        cli::CommandLinePrompt prompt(options.yes, options.removal == cli::Removal::DryRun,
+                                      STDIN_FILENO, stderr);
+        const cli::ActResult acted = cli::markAndClean(options, *settings, prompt, remover);
+        if (!writeAll(reportFd, acted.report)) {
+            std::fprintf(stderr, "twinsweep-cli: cannot write the report: %s\n",
+                         std::strerror(errno));
+            return 1;
+        }
+        return acted.exitCode;
     }
 
     const FileTools tools;

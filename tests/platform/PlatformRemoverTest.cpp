@@ -120,3 +120,17 @@ TEST_F(PlatformRemoval, PermanentRemovalTakesFoldersButNeverFollowsLinks) {
     EXPECT_TRUE(exists(outside));
     (void)pkg;
 }
+
+TEST_F(PlatformRemoval, AFolderTheUserCannotChangeKeepsItsFiles) {
+    const std::string file = tree.write("locked/copy.txt", "x");
+    tree.openToEveryone();
+    ASSERT_EQ(::chmod(tree.path("locked").c_str(), 0555), 0);
+    const int removed = runUnprivileged([&] {
+        const RemovalResult trashed = remover.moveToTrash(file);
+        const RemovalResult deleted = remover.removeForGood(file);
+        return (trashed.ok ? 1 : 0) + (deleted.ok ? 2 : 0) +
+               (trashed.error.empty() || deleted.error.empty() ? 4 : 0);
+    });
+    EXPECT_EQ(removed, 0);
+    EXPECT_TRUE(exists(file));
+}

@@ -68,19 +68,6 @@ struct Cleaning : ::testing::Test {
 
 } // namespace
 
-TEST_F(Cleaning, AlertTextsAreExact) {
-    EXPECT_EQ(alertText(CleaningAlert::NothingMarked).informativeText,
-              "You did not select any duplicate files. Please select at least one duplicate file "
-              "and try again.");
-    EXPECT_EQ(alertText(CleaningAlert::WholeGroups).buttons,
-              (std::vector<std::string>{"Yes", "No"}));
-    EXPECT_EQ(alertText(CleaningAlert::PermanentDeletion).informativeText,
-              "You are about to permanently remove the selected duplicate files. Continue?");
-    EXPECT_EQ(alertText(CleaningAlert::Done).informativeText,
-              "Duplicate files cleaned successfully. ");
-    EXPECT_EQ(alertText(CleaningAlert::Done).buttons, (std::vector<std::string>{"OK"}));
-}
-
 TEST_F(Cleaning, NothingMarkedAmongTheListedGroups) {
     EXPECT_EQ(run({}).outcome, CleaningOutcome::NothingMarked);
     EXPECT_EQ(run({three, two}).outcome, CleaningOutcome::NothingMarked);

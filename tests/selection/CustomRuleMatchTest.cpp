@@ -174,9 +174,3 @@ TEST_F(CustomRuleMatch, AllRulesTogetherAndDontMatch) {
     EXPECT_FALSE(match(in, 1000, "jpg"));
     EXPECT_TRUE(match(in, 1000, "png"));
 }
-
-TEST(ParentFolderPath, AsAFileAddressGivesIt) {
-    EXPECT_EQ(parentFolderPath("/a/b/c.jpg"), "/a/b");
-    EXPECT_EQ(parentFolderPath("/c.jpg"), "/");
-    EXPECT_EQ(parentFolderPath("/a/pkg.app/"), "/a");
-}

@@ -1,0 +1,208 @@
+// Runs the real twinsweep-cli with the options that mark and remove copies.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "selection/CustomSettingsText.h"
+#include "settings/SettingsManager.h"
+#include "support/TempTree.h"
+
+using twinsweep::testing::TempTree;
+
+namespace {
+
+struct Outcome {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream ss;
+    ss << in.rdbuf();
+    return ss.str();
+}
+
+bool exists(const std::string& path) {
+    struct stat st {};
+    return ::lstat(path.c_str(), &st) == 0;
+}
+
+// Three copies (a, b, c) of one file and two (a, b) of another, in a tree whose
+// data home (and so its Trash) is the tree's own "data" folder.
+struct Acting : ::testing::Test {
+    TempTree tree;
+    TempTree scratch;
+    std::string root = tree.mkdir("files");
+    std::string trash = tree.path("data/Trash");
+
+    void SetUp() override {
+        tree.mkdir("data");
+        tree.write("files/a/one.jpg", "one");
+        tree.write("files/b/one.jpg", "one");
+        tree.write("files/c/one.jpg", "one");
+        tree.write("files/a/two.txt", "two!");
+        tree.write("files/b/two.txt", "two!");
+    }
+
+    // stdinFd: what the program reads as standard input (-1: /dev/null).
+    Outcome run(std::vector<std::string> args, int stdinFd = -1) {
+        const std::string out = scratch.path("stdout");
+        const std::string err = scratch.path("stderr");
+        args.insert(args.begin(), "--any-location");
+        args.push_back(root);
+        const pid_t pid = ::fork();
+        if (pid == 0) {
+            ::setenv("XDG_DATA_HOME", tree.path("data").c_str(), 1);
+            const int in = stdinFd >= 0 ? stdinFd : ::open("/dev/null", O_RDONLY);
+            ::dup2(in, 0);
+            ::dup2(::open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), 1);
+            ::dup2(::open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), 2);
+            std::vector<char*> argv{const_cast<char*>(TWINSWEEP_CLI_PATH)};
+            for (std::string& a : args) {
+                argv.push_back(a.data());
+            }
+            argv.push_back(nullptr);
+            ::execv(TWINSWEEP_CLI_PATH, argv.data());
+            ::_exit(127);
+        }
+        int raw = 0;
+        ::waitpid(pid, &raw, 0);
+        return {WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw), slurp(out), slurp(err)};
+    }
+
+    int filesLeft() {
+        int n = 0;
+        for (const char* f : {"a/one.jpg", "b/one.jpg", "c/one.jpg", "a/two.txt", "b/two.txt"}) {
+            n += exists(tree.path("files/") + f) ? 1 : 0;
+        }
+        return n;
+    }
+};
+
+} // namespace
+
+TEST_F(Acting, DryRunIsTheDefaultAndRemovesNothing) {
+    for (const auto& args : {std::vector<std::string>{"--keep", "newest"},
+                             std::vector<std::string>{"--keep", "newest", "--dry-run"}}) {
+        const Outcome r = run(args);
+        EXPECT_EQ(r.status, 0) << r.err;
+        // Equal creation times: the first copy of each group is kept.
+        EXPECT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), 4) << r.out;
+        EXPECT_NE(r.out.find("would remove: " + tree.path("files/")), std::string::npos);
+        EXPECT_NE(r.out.find("would free 10 B (10 bytes) from 3 files\n"), std::string::npos)
+            << r.out;
+        EXPECT_EQ(filesLeft(), 5);
+    }
+    const Outcome all = run({"--keep", "all"});
+    EXPECT_EQ(all.out, "would free 0 B (0 bytes) from 0 files\n");
+    EXPECT_NE(all.err.find("no copy is marked"), std::string::npos);
+    EXPECT_FALSE(exists(trash));
+}
+
+TEST_F(Acting, TrashMovesTheMarkedCopiesWithTheirTrashInfo) {
+    const Outcome r = run({"--keep", "oldest", "--trash", "--format", "json"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(filesLeft(), 2);
+    EXPECT_NE(r.out.find("\"dryRun\":false"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("\"bytesFreed\":10,\"failed\":0"), std::string::npos) << r.out;
+    // Each trashed copy has its .trashinfo naming where it came from.
+    int infos = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(trash + "/info")) {
+        ++infos;
+        const std::string info = slurp(entry.path());
+        EXPECT_EQ(info.rfind("[Trash Info]\n", 0), 0u) << info;
+        EXPECT_NE(info.find("\nPath=" + tree.path("files/")), std::string::npos) << info;
+        EXPECT_TRUE(exists(trash + "/files/" + entry.path().stem().string()));
+    }
+    EXPECT_EQ(infos, 3);
+}
+
+TEST_F(Acting, QuestionsNeedYesOrATerminal) {
+    // Every copy of every group marked: refused without --yes, before or after the search.
+    Outcome r = run({"--keep", "none", "--trash"});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.err.find("add --yes"), std::string::npos) << r.err;
+    r = run({"--keep", "oldest", "--delete"});
+    EXPECT_EQ(r.status, 2);
+    EXPECT_NE(r.err.find("--delete needs --yes"), std::string::npos) << r.err;
+    EXPECT_EQ(filesLeft(), 5);
+
+    // A terminal is asked: "n" keeps everything, "y" goes on.
+    const int master = ::posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_GE(master, 0);
+    ASSERT_EQ(::grantpt(master), 0);
+    ASSERT_EQ(::unlockpt(master), 0);
+    const int slave = ::open(::ptsname(master), O_RDWR | O_NOCTTY);
+    ASSERT_GE(slave, 0);
+    ASSERT_EQ(::write(master, "n\n", 2), 2);
+    r = run({"--keep", "oldest", "--delete"}, slave);
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.err.find("permanently remove the selected duplicate files. Continue? [y/N]"),
+              std::string::npos)
+        << r.err;
+    EXPECT_EQ(filesLeft(), 5);
+    ASSERT_EQ(::write(master, "y\n", 2), 2);
+    r = run({"--keep", "oldest", "--delete"}, slave);
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(filesLeft(), 2);
+    EXPECT_FALSE(exists(trash));
+    ::close(slave);
+    ::close(master);
+
+    SetUp(); // all five files again
+    r = run({"--keep", "none", "--delete", "--yes"});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(filesLeft(), 0);
+}
+
+TEST_F(Acting, RulesFileMarksWithTheKeepOneAnswer) {
+    twinsweep::SettingsManager rules;
+    rules.customFilePathState = 1;
+    rules.customFilePath = tree.path("files/");
+    const std::string file = tree.write("rules.txt", twinsweep::customSettingsText(rules));
+
+    // Every copy passes: "no" marks all, "oldest" spares one per group.
+    Outcome r = run({"--rules", file, "--keep-one", "no"});
+    EXPECT_NE(r.out.find("from 5 files"), std::string::npos) << r.out << r.err;
+    r = run({"--rules", file});
+    EXPECT_NE(r.out.find("from 3 files"), std::string::npos) << r.out << r.err;
+
+    rules.customFilePath = tree.path("files/b");
+    tree.write("rules.txt", twinsweep::customSettingsText(rules));
+    r = run({"--rules", file, "--trash", "--keep-one", "newest"});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_FALSE(exists(tree.path("files/b/one.jpg")));
+    EXPECT_FALSE(exists(tree.path("files/b/two.txt")));
+    EXPECT_EQ(filesLeft(), 3);
+}
+
+TEST_F(Acting, BadCombinationsAndRuleFilesStopBeforeAnything) {
+    const std::string bad = tree.write("bad-rules.txt", "0\n0\nsoon\n");
+    const std::vector<std::vector<std::string>> cases = {
+        {"--keep", "some"},
+        {"--keep", "all", "--rules", bad},
+        {"--keep-one", "oldest"},
+        {"--trash"},
+        {"--yes"},
+        {"--keep", "none", "--trash", "--delete"},
+        {"--rules", bad},
+        {"--rules", tree.path("missing.txt")},
+        {"--rules", tree.write("ok.txt", twinsweep::defaultRuleText()), "--keep-one", "maybe"},
+    };
+    for (const auto& args : cases) {
+        const Outcome r = run(args);
+        EXPECT_EQ(r.status, 2) << args.back();
+        EXPECT_EQ(r.out, "");
+        EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
+    }
+    EXPECT_EQ(filesLeft(), 5);
+}
