@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -22,6 +23,29 @@ struct FileIdentity {
     bool operator==(const FileIdentity&) const = default;
 };
 
+// A signed 64-bit value that the results window's background job may write
+// while the window's tables read it. Relaxed atomic access costs nothing more
+// than a plain one here and keeps the sharing well defined.
+class SharedInt {
+  public:
+    SharedInt(std::int64_t value = 0) : value_(value) {}
+    SharedInt(const SharedInt& other) : value_(other.load()) {}
+    SharedInt& operator=(const SharedInt& other) {
+        store(other.load());
+        return *this;
+    }
+    SharedInt& operator=(std::int64_t value) {
+        store(value);
+        return *this;
+    }
+    operator std::int64_t() const { return load(); }
+    std::int64_t load() const { return value_.load(std::memory_order_relaxed); }
+    void store(std::int64_t value) { value_.store(value, std::memory_order_relaxed); }
+
+  private:
+    std::atomic<std::int64_t> value_;
+};
+
 // Reads the identity of the item at path without following a final link.
 // Returns an identity with known == false when the item can't be read.
 FileIdentity identityOf(const std::string& path);
@@ -32,7 +56,7 @@ class DuplicateFile {
 
     std::string path;
     std::string date;
-    std::int64_t checkState = 0;
+    SharedInt checkState = 0;
 
     // What the search saw of this member (filled by the engine).
     FileIdentity seen;
@@ -49,7 +73,7 @@ class File {
     std::uint64_t size = 0;
     std::vector<DuplicateFilePtr> duplicates;
     bool wasFound = false;
-    std::int64_t keepOption = 0;
+    SharedInt keepOption = 0;
     RuleText customSettings;
     std::string MD5Hash;
 
