@@ -41,7 +41,7 @@ DevIno devIno(const struct stat& st) {
 
 FileIdentity identityFromStat(const struct stat& st) {
     FileIdentity id;
-    id.device = static_cast<std::uint64_t>(st.st_dev);
+    id.device = static_cast<std::uint32_t>(st.st_dev);
     id.inode = static_cast<std::uint64_t>(st.st_ino);
     id.size = static_cast<std::uint64_t>(st.st_size);
 #ifdef __APPLE__

@@ -96,6 +96,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             std::abort();
         }
     }
+    // Removal needs a marking, and only one way of marking is taken.
+    if ((o.keepOption && !o.rulesFile.empty()) || ((o.removalGiven || o.yes) && !marks(o)) ||
+        (o.keepOneGiven && o.rulesFile.empty()) ||
+        (o.keepOption && (*o.keepOption < 0 || *o.keepOption > 3))) {
+        std::abort();
+    }
     for (const std::string& e : o.extensions) {
         for (const char c : e) {
             if (c >= 'A' && c <= 'Z') {
