@@ -1,9 +1,22 @@
 #!/usr/bin/env bash
-# The one test command: installs what the project needs, builds, runs every test.
-set -euo pipefail
+# The one test command: installs what the project needs, builds, runs every
+# test, then the sanitizer stage (scripts/test-sanitizers.sh; skip it locally
+# with TWINSWEEP_SKIP_SANITIZERS=1). Ends with the test runner's summary line.
+set -uo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/install-deps.sh
-bash scripts/build.sh
+bash scripts/install-deps.sh || exit 1
+bash scripts/build.sh || exit 1
 export QT_QPA_PLATFORM=offscreen
-cd "${BUILD_DIR:-build}"
-ctest --output-on-failure --parallel "$(nproc)" --timeout 600
+log=$(mktemp)
+(cd "${BUILD_DIR:-build}" && ctest --output-on-failure --parallel "$(nproc)" --timeout 600) 2>&1 | tee "$log"
+main_rc=${PIPESTATUS[0]}
+san_rc=0
+if [ "${TWINSWEEP_SKIP_SANITIZERS:-0}" != 1 ]; then
+  bash scripts/test-sanitizers.sh
+  san_rc=$?
+  [ $san_rc -eq 0 ] && echo "sanitizer stage: passed" || echo "sanitizer stage: FAILED"
+fi
+summary=$(grep -E 'tests passed' "$log" | tail -n 1)
+rm -f "$log"
+echo "${summary:-ctest printed no summary}"
+[ $main_rc -eq 0 ] && [ $san_rc -eq 0 ]

@@ -17,7 +17,7 @@ FileIdentity identityFromStat(const struct stat& st) {
     id.inode = static_cast<std::uint64_t>(st.st_ino);
     id.size = static_cast<std::uint64_t>(st.st_size);
     id.mtimeSec = static_cast<std::int64_t>(st.st_mtim.tv_sec);
-    id.mtimeNsec = static_cast<std::int64_t>(st.st_mtim.tv_nsec);
+    id.mtimeNsec = static_cast<std::int32_t>(st.st_mtim.tv_nsec);
     id.known = true;
     return id;
 }
@@ -74,7 +74,7 @@ File::File(std::string p) : path(std::move(p)) {
     customSettings = RuleText(sharedDefaultRuleText());
 }
 
-File::File(std::string p, const FileIdentity& identity, Prestat)
+File::File(std::string p, const FileIdentity& identity, Seen)
     : path(std::move(p)), size(identity.size), customSettings(sharedDefaultRuleText()),
       seen(identity) {
     ext = extensionOf(path);

@@ -16,7 +16,7 @@ struct FileIdentity {
     std::uint64_t inode = 0;
     std::uint64_t size = 0;
     std::int64_t mtimeSec = 0;
-    std::int64_t mtimeNsec = 0;
+    std::int32_t mtimeNsec = 0;
     bool known = false;
 
     bool operator==(const FileIdentity&) const = default;
@@ -56,11 +56,10 @@ class File {
     // What the walk saw of this file; copied into its own member entry.
     FileIdentity seen;
 
-  private:
-    friend class FileTools;
-    struct Prestat {};
-    // Used by the walk, which has already read the attributes.
-    File(std::string path, const FileIdentity& identity, Prestat);
+    // For the walk, which has already read the attributes: the same record as
+    // the path constructor makes, without reading them again.
+    struct Seen {};
+    File(std::string path, const FileIdentity& identity, Seen);
 };
 
 using FilePtr = std::shared_ptr<File>;

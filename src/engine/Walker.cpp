@@ -46,10 +46,10 @@ FileIdentity identityFromStat(const struct stat& st) {
     id.size = static_cast<std::uint64_t>(st.st_size);
 #ifdef __APPLE__
     id.mtimeSec = st.st_mtimespec.tv_sec;
-    id.mtimeNsec = st.st_mtimespec.tv_nsec;
+    id.mtimeNsec = static_cast<std::int32_t>(st.st_mtimespec.tv_nsec);
 #else
     id.mtimeSec = st.st_mtim.tv_sec;
-    id.mtimeNsec = st.st_mtim.tv_nsec;
+    id.mtimeNsec = static_cast<std::int32_t>(st.st_mtim.tv_nsec);
 #endif
     id.known = true;
     return id;
@@ -253,8 +253,7 @@ void FileTools::walkFolders(const std::vector<Folder>& folders, const WalkFilter
             if (::fstatat(dirFd, e.name.c_str(), &own, AT_SYMLINK_NOFOLLOW) != 0) {
                 continue;
             }
-            auto file = std::shared_ptr<File>(
-                new File(std::move(p), identityFromStat(own), File::Prestat{}));
+            auto file = std::make_shared<File>(std::move(p), identityFromStat(own), File::Seen{});
             file->size = packageSize(file->path);
             if (file->size >= filter.minimum && file->size <= filter.maximum) {
                 fileList.push_back(std::move(file));
@@ -275,7 +274,7 @@ void FileTools::walkFolders(const std::vector<Folder>& folders, const WalkFilter
             continue; // the same file under a second name
         }
         fileList.push_back(
-            std::shared_ptr<File>(new File(std::move(p), identityFromStat(st), File::Prestat{})));
+            std::make_shared<File>(std::move(p), identityFromStat(st), File::Seen{}));
     }
     closeAll();
 }

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -63,6 +64,37 @@ std::string TempTree::symlink(const std::string& target, const std::string& rel)
     fs::create_directories(fs::path(p).parent_path());
     fs::create_symlink(target, p);
     return p;
+}
+
+void TempTree::openToEveryone() const {
+    ::chmod(root_.c_str(), 0777);
+    for (const auto& e : fs::recursive_directory_iterator(root_)) {
+        if (!e.is_symlink()) {
+            ::chmod(e.path().c_str(), e.is_directory() ? 0777 : 0666);
+        }
+    }
+}
+
+int runUnprivileged(const std::function<int()>& body) {
+    if (::geteuid() != 0) {
+        return body();
+    }
+    std::fflush(stdout);
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        if (::setgid(65534) != 0 || ::setuid(65534) != 0) {
+            ::_exit(255);
+        }
+        const int result = body();
+        std::fflush(stdout);
+        ::_exit(result & 0xff);
+    }
+    int status = 0;
+    if (pid < 0 || ::waitpid(pid, &status, 0) != pid || !WIFEXITED(status) ||
+        WEXITSTATUS(status) == 255) {
+        return -1;
+    }
+    return WEXITSTATUS(status);
 }
 
 void removeTree(const std::string& path) {

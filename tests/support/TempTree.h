@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,8 @@ class TempTree {
     // Makes a sparse file of size bytes (nothing written).
     std::string sparse(const std::string& rel, std::uint64_t size) const;
     std::string symlink(const std::string& target, const std::string& rel) const;
+    // Lets every user read and walk the tree (for runUnprivileged).
+    void openToEveryone() const;
 
   private:
     std::string root_;
@@ -49,5 +52,11 @@ class StdoutCapture {
 };
 
 std::vector<std::string> lines(const std::string& text);
+
+// Runs body in a child process with the rights of an ordinary user (nobody)
+// when the tests run as root, so that permission checks really apply; runs it
+// directly otherwise. The tree must be reachable by that user (see
+// TempTree::openToEveryone). Returns body's result, or -1 if the child failed.
+int runUnprivileged(const std::function<int()>& body);
 
 } // namespace twinsweep::testing

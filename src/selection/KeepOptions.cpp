@@ -1,0 +1,135 @@
+#include "selection/KeepOptions.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace twinsweep {
+
+void resetKeepOptions(const FileList& groups) {
+    for (const FilePtr& g : groups) {
+        g->keepOption = kKeepAll;
+        for (const DuplicateFilePtr& m : g->duplicates) {
+            m->checkState = 0;
+        }
+    }
+}
+
+std::int64_t markedCount(const File& group) {
+    return std::count_if(group.duplicates.begin(), group.duplicates.end(),
+                         [](const DuplicateFilePtr& m) { return m->checkState == 1; });
+}
+
+std::optional<std::time_t> parseMemberDate(const std::string& text) {
+    std::tm tm{};
+    // %I reads 01..12 as the writer's %I wrote them: with no day half, 12 is
+    // taken as 0, so 00:30 and 12:30 read alike, just as they were written.
+    const char* end = ::strptime(text.c_str(), "%y-%m-%d %I:%M:%S", &tm);
+    if (end == nullptr || *end != '\0') {
+        return std::nullopt;
+    }
+    tm.tm_isdst = -1;
+    const std::time_t t = std::mktime(&tm);
+    if (t == static_cast<std::time_t>(-1)) {
+        return std::nullopt;
+    }
+    return t;
+}
+
+namespace {
+
+template <typename Better>
+const DuplicateFilePtr& pickCopy(const std::vector<DuplicateFilePtr>& members, Better better) {
+    std::size_t pick = 0;
+    std::optional<std::time_t> pickTime = parseMemberDate(members[0]->date);
+    for (std::size_t i = 1; i < members.size(); ++i) {
+        if (!pickTime) {
+            continue; // an unreadable pick stays the pick
+        }
+        const auto t = parseMemberDate(members[i]->date);
+        if (t && better(*t, *pickTime)) {
+            pick = i;
+            pickTime = t;
+        }
+    }
+    return members[pick];
+}
+
+void markKeeping(File& group, std::int64_t option, const std::string* keptPath) {
+    group.keepOption = option;
+    for (const DuplicateFilePtr& m : group.duplicates) {
+        if (option == kKeepAll) {
+            m->checkState = 0;
+        } else if (option == kRemoveAll) {
+            m->checkState = 1;
+        } else {
+            m->checkState = m->path == *keptPath ? 0 : 1;
+        }
+    }
+}
+
+template <typename SamePath>
+bool applyTo(File& group, std::int64_t option, SamePath&& forEachSamePath) {
+    if (option < kKeepAll || option > kRemoveAll) {
+        return false;
+    }
+    std::string keptPath;
+    if ((option == kKeepOldest || option == kKeepNewest) && !group.duplicates.empty()) {
+        keptPath = option == kKeepOldest ? oldestCopy(group.duplicates)->path
+                                         : newestCopy(group.duplicates)->path;
+    }
+    markKeeping(group, option, &keptPath);
+    forEachSamePath([&](File& other) {
+        if (&other != &group) {
+            markKeeping(other, option, &keptPath);
+        }
+    });
+    return true;
+}
+
+} // namespace
+
+const DuplicateFilePtr& oldestCopy(const std::vector<DuplicateFilePtr>& members) {
+    return pickCopy(members, [](std::time_t a, std::time_t b) { return a < b; });
+}
+
+const DuplicateFilePtr& newestCopy(const std::vector<DuplicateFilePtr>& members) {
+    return pickCopy(members, [](std::time_t a, std::time_t b) { return a > b; });
+}
+
+struct SamePathIndex::Impl {
+    std::unordered_map<std::string_view, std::vector<File*>> byPath;
+};
+
+SamePathIndex::SamePathIndex(const FileList& groups) {
+    auto impl = std::make_shared<Impl>();
+    for (const FilePtr& g : groups) {
+        impl->byPath[g->path].push_back(g.get());
+    }
+    impl_ = std::move(impl);
+}
+
+const std::vector<File*>& SamePathIndex::groupsAt(const std::string& path) const {
+    static const std::vector<File*> none;
+    const auto it = impl_->byPath.find(path);
+    return it == impl_->byPath.end() ? none : it->second;
+}
+
+bool applyKeepOption(File& group, std::int64_t option, const FileList& duplicateFileList) {
+    return applyTo(group, option, [&](auto&& mark) {
+        for (const FilePtr& f : duplicateFileList) {
+            if (f->path == group.path) {
+                mark(*f);
+            }
+        }
+    });
+}
+
+bool applyKeepOption(File& group, std::int64_t option, const SamePathIndex& duplicateFileList) {
+    return applyTo(group, option, [&](auto&& mark) {
+        for (File* f : duplicateFileList.groupsAt(group.path)) {
+            mark(*f);
+        }
+    });
+}
+
+} // namespace twinsweep

@@ -1,0 +1,182 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include "selection/CustomRuleMatch.h"
+#include "support/TempTree.h"
+
+using namespace twinsweep;
+using namespace twinsweep::testing;
+
+namespace {
+
+DateTime day(const char* text) {
+    DateTime t = 0;
+    EXPECT_TRUE(parseDayText(text, t)) << text;
+    return t;
+}
+
+void setModified(const std::string& path, DateTime when) {
+    const timespec times[2] = {{static_cast<time_t>(when), 0}, {static_cast<time_t>(when), 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW), 0);
+}
+
+struct CustomRuleMatch : ::testing::Test {
+    TempTree tree;
+    SettingsManager s;
+
+    bool match(const std::string& path, std::uint64_t size = 1000, const std::string& ext = "jpg") {
+        return matchCustomRules(s, DuplicateFile(path, "", 0), size, ext);
+    }
+};
+
+} // namespace
+
+TEST(SizeInBytes, UnitsAndTheEndsOfTheRange) {
+    EXPECT_EQ(sizeInBytes(200, 0), 200);
+    EXPECT_EQ(sizeInBytes(200, 1), 204800);
+    EXPECT_EQ(sizeInBytes(3, 2), 3 * 1048576);
+    EXPECT_EQ(sizeInBytes(100, 3), 107374182400);
+    EXPECT_EQ(sizeInBytes(1, 99), 1073741824); // any other unit is GB
+    EXPECT_EQ(sizeInBytes(-2, 1), -2048);
+    EXPECT_EQ(sizeInBytes(INT64_MAX, 3), INT64_MAX);
+    EXPECT_EQ(sizeInBytes(INT64_MIN, 1), INT64_MIN);
+    EXPECT_EQ(sizeInBytes(INT64_MAX, 0), INT64_MAX);
+}
+
+TEST_F(CustomRuleMatch, NoRuleOnMarksNothingWhateverTheMatchChoice) {
+    const std::string p = tree.write("a.jpg", "x");
+    EXPECT_FALSE(match(p));
+    s.matchState = 1;
+    EXPECT_FALSE(match(p));
+    s.firstDateState = 2; // only 1 counts as on
+    EXPECT_FALSE(match(p));
+}
+
+TEST_F(CustomRuleMatch, FileTypeRuleLooksAtTheGroupsExtension) {
+    const std::string p = tree.write("b.jpeg", "x");
+    s.customFileTypesState = 1;
+    EXPECT_TRUE(match(p)); // an empty list is met
+    s.customFileExtensions = {"png", "jpg"};
+    EXPECT_TRUE(match(p, 1000, "jpg")); // the member's own name plays no part
+    EXPECT_FALSE(match(p, 1000, "jpeg"));
+    s.matchState = 1;
+    EXPECT_TRUE(match(p, 1000, "jpeg"));
+    // Canonically equivalent extensions are equal: composed and decomposed "é".
+    s.matchState = 0;
+    s.customFileExtensions = {"caf\xC3\xA9"};
+    EXPECT_TRUE(match(p, 1000, "cafe\xCC\x81"));
+}
+
+TEST_F(CustomRuleMatch, SizeRulesIncludeTheLimitAndCombine) {
+    const std::string p = tree.write("c.jpg", "x");
+    s.firstFileSizeState = 1; // Smaller than 200 KB
+    EXPECT_TRUE(match(p, 204800));
+    EXPECT_FALSE(match(p, 204801));
+    s.firstFileSizeComparisonItem = 0; // Larger
+    EXPECT_TRUE(match(p, 204800));
+    EXPECT_FALSE(match(p, 204799));
+
+    s.secondFileSizeState = 1; // and larger than 100 GB: both can't hold
+    EXPECT_FALSE(match(p, 204800));
+    s.secondFileSizeComparisonItem = 1; // and smaller than 100 GB
+    EXPECT_TRUE(match(p, 204800));
+    EXPECT_TRUE(match(p, 107374182400ULL));
+    EXPECT_FALSE(match(p, 107374182401ULL));
+
+    // A negative limit: every size is larger, none smaller.
+    s.secondFileSizeState = 0;
+    s.firstFileSize = -1;
+    EXPECT_TRUE(match(p, 0));
+    s.firstFileSizeComparisonItem = 1;
+    EXPECT_FALSE(match(p, 0));
+}
+
+TEST_F(CustomRuleMatch, DateRulesCompareDaysOnly) {
+    const std::string p = tree.write("d.jpg", "x");
+    setModified(p, day("01/01/2017") + 23 * 3600 + 59 * 60);
+    s.firstDateState = 1;
+    s.firstDateSelectedItem = 1;   // modification date
+    s.firstDateComparisonItem = 0; // Earlier than 01/01/2017: the same day passes
+    EXPECT_TRUE(match(p));
+    s.firstDateComparisonItem = 1; // Later passes too
+    EXPECT_TRUE(match(p));
+    s.firstDate = day("02/01/2017");
+    EXPECT_FALSE(match(p));
+    EXPECT_EQ(fileDay(DuplicateFile(p, "", 0), DateKind::Modification), day("01/01/2017"));
+
+    // The creation date of a file made now is later than 2017.
+    s.firstDate = day("01/01/2017");
+    s.firstDateSelectedItem = 0;
+    EXPECT_TRUE(match(p));
+    s.firstDateComparisonItem = 0;
+    EXPECT_FALSE(match(p));
+
+    // A second date rule narrows further; a file that can't be read meets both.
+    s.firstDateComparisonItem = 1;
+    s.secondDateState = 1;
+    s.secondDateComparisonItem = 0;
+    s.secondDate = day("01/01/2000");
+    EXPECT_FALSE(match(p));
+    EXPECT_TRUE(match(tree.path("gone.jpg")));
+    EXPECT_FALSE(fileDay(DuplicateFile(tree.path("gone.jpg"), "", 0), DateKind::Creation));
+}
+
+TEST_F(CustomRuleMatch, FolderRuleWithAndWithoutSubfolders) {
+    s.customFilePathState = 1;
+    s.customFilePath = "";
+    EXPECT_FALSE(match("/Users/a/x.jpg"));
+    s.matchState = 1; // an empty folder fails every member, so don't-match marks all
+    EXPECT_TRUE(match("/Users/a/x.jpg"));
+    s.matchState = 0;
+
+    s.customFilePath = "/Users/a/Doc"; // a plain text prefix
+    EXPECT_TRUE(match("/Users/a/Documents/x.jpg"));
+    EXPECT_FALSE(match("/Users/b/Doc/x.jpg"));
+    s.subfoldersState = 0;
+    EXPECT_FALSE(match("/Users/a/Documents/x.jpg"));
+    EXPECT_TRUE(match("/Users/a/Doc/x.jpg"));
+    EXPECT_FALSE(match("/Users/a/Doc/sub/x.jpg"));
+    s.customFilePath = "/Users/a/Doc/";
+    EXPECT_FALSE(match("/Users/a/Doc/x.jpg"));
+    s.customFilePath = "/";
+    EXPECT_TRUE(match("/x.jpg"));
+
+    // Decomposed on disk, composed in the rule; and names that are not UTF-8.
+    s.customFilePath = "/m/\xC3\xA9t\xC3\xA9";
+    EXPECT_TRUE(match("/m/e\xCC\x81te\xCC\x81/x.jpg"));
+    s.customFilePath = "/m/\xFF\xFE";
+    EXPECT_TRUE(match("/m/\xFF\xFE/x.jpg"));
+    s.subfoldersState = 1;
+    EXPECT_TRUE(match("/m/\xFF\xFE\n/x.jpg"));
+    EXPECT_FALSE(match("/m/\xFF/x.jpg"));
+}
+
+TEST_F(CustomRuleMatch, AllRulesTogetherAndDontMatch) {
+    const std::string in = tree.write("pics/e.jpg", "x");
+    setModified(in, day("10/06/2015"));
+    s.firstDateState = 1;
+    s.firstDateSelectedItem = 1;
+    s.firstDateComparisonItem = 0; // modified on or before 01/01/2017
+    s.firstFileSizeState = 1;      // at most 200 KB
+    s.customFileTypesState = 1;
+    s.customFileExtensions = {"jpg"};
+    s.customFilePathState = 1;
+    s.customFilePath = tree.path("pics");
+    s.subfoldersState = 0;
+    EXPECT_TRUE(match(in, 1000, "jpg"));
+    EXPECT_FALSE(match(in, 300000, "jpg"));
+    EXPECT_FALSE(match(in, 1000, "png"));
+    s.matchState = 1;
+    EXPECT_FALSE(match(in, 1000, "jpg"));
+    EXPECT_TRUE(match(in, 1000, "png"));
+}
+
+TEST(ParentFolderPath, AsAFileAddressGivesIt) {
+    EXPECT_EQ(parentFolderPath("/a/b/c.jpg"), "/a/b");
+    EXPECT_EQ(parentFolderPath("/c.jpg"), "/");
+    EXPECT_EQ(parentFolderPath("/a/pkg.app/"), "/a");
+}

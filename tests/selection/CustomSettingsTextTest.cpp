@@ -1,0 +1,159 @@
+#include <gtest/gtest.h>
+
+#include "engine/File.h"
+#include "selection/CustomSettingsText.h"
+#include "settings/SettingsManager.h"
+
+using namespace twinsweep;
+
+namespace {
+
+DateTime day(const char* text) {
+    DateTime t = 0;
+    EXPECT_TRUE(parseDayText(text, t)) << text;
+    return t;
+}
+
+// Every rule field away from its initial value.
+void setEverything(SettingsManager& s) {
+    s.firstDateState = 1;
+    s.firstDateSelectedItem = 1;
+    s.firstDateComparisonItem = 0;
+    s.firstDate = day("29/02/2024") + 15 * 3600 + 7; // the time of day is not kept
+    s.secondDateState = 1;
+    s.secondDateSelectedItem = 1;
+    s.secondDateComparisonItem = 1;
+    s.secondDate = day("05/03/0217");
+    s.firstFileSizeState = 1;
+    s.firstFileSizeComparisonItem = 0;
+    s.firstFileSize = 100000;
+    s.firstFileSizeUnit = 0;
+    s.secondFileSizeState = 1;
+    s.secondFileSizeComparisonItem = 1;
+    s.secondFileSize = -3;
+    s.secondFileSizeUnit = 2;
+    s.customFileTypesState = 1;
+    s.customFileType = "tar gz";
+    s.customFilePathState = 1;
+    s.customFilePath = "/home/me/My Pictures/été";
+    s.subfoldersState = 0;
+    s.matchState = 1;
+    s.customFileExtensions = {"jpg", "my ext", ""};
+}
+
+void expectSameRules(const SettingsManager& a, const SettingsManager& b) {
+    EXPECT_EQ(customSettingsText(a), customSettingsText(b));
+    EXPECT_EQ(a.firstDate, b.firstDate);
+    EXPECT_EQ(a.secondDate, b.secondDate);
+    EXPECT_EQ(a.customFilePath, b.customFilePath);
+    EXPECT_EQ(a.customFileExtensions, b.customFileExtensions);
+}
+
+} // namespace
+
+TEST(CustomSettingsText, DefaultsWriteTheDefaultText) {
+    const SettingsManager s;
+    EXPECT_EQ(customSettingsText(s), defaultRuleText());
+
+    SettingsManager loaded;
+    loaded.customFilePath = "/elsewhere";
+    ASSERT_TRUE(loadCustomSettings(loaded, defaultRuleText()));
+    EXPECT_EQ(loaded.customFilePath, " "); // the placeholder comes back
+    expectSameRules(loaded, s);
+}
+
+TEST(CustomSettingsText, RoundTripKeepsEveryFieldAndDatesToTheDay) {
+    SettingsManager written;
+    setEverything(written);
+    const std::string text = customSettingsText(written);
+    EXPECT_NE(text.find("\n29/02/2024\n"), std::string::npos);
+    EXPECT_NE(text.find("\n3\njpg\nmy ext\n\n"), std::string::npos);
+
+    SettingsManager read;
+    read.customSettingsOption = "OK";
+    read.customMessageRespone = 2;
+    ASSERT_TRUE(loadCustomSettings(read, text));
+    EXPECT_EQ(read.firstDate, day("29/02/2024"));
+    written.firstDate = day("29/02/2024");
+    expectSameRules(read, written);
+    EXPECT_EQ(read.secondFileSize, -3);
+    EXPECT_EQ(read.matchState, 1);
+    // Not part of the text.
+    EXPECT_EQ(read.customSettingsOption, "OK");
+    EXPECT_EQ(read.customMessageRespone, 2);
+}
+
+TEST(CustomSettingsText, ReaderSplitsAtEveryLineBreakCharacter) {
+    std::string text = defaultRuleText();
+    text.replace(text.find('\n'), 1, "\r");           // carriage return
+    text.replace(text.find('\n'), 1, "\xE2\x80\xA8"); // line separator
+    text.replace(text.find('\n'), 1, "\xC2\x85");     // next line
+    text.pop_back();                                  // no final line feed
+    text += "\n2\n+5\n-0\n";                          // extra lines are not read
+    SettingsManager s;
+    ASSERT_TRUE(loadCustomSettings(s, text));
+    expectSameRules(s, SettingsManager());
+}
+
+TEST(CustomSettingsText, MalformedTextChangesNothing) {
+    SettingsManager good;
+    setEverything(good);
+    const std::string base = customSettingsText(good);
+    auto withLine = [&](int index, const std::string& value) {
+        std::string t = base;
+        std::size_t start = 0;
+        for (int i = 0; i < index; ++i) {
+            start = t.find('\n', start) + 1;
+        }
+        t.replace(start, t.find('\n', start) - start, value);
+        return t;
+    };
+    const std::vector<std::string> bad = {
+        "",
+        "0\n0\n1\n",
+        withLine(0, "1.0"),
+        withLine(0, " 1"),
+        withLine(1, ""),
+        withLine(2, "+"),
+        withLine(2, "0x1"),
+        withLine(10, "9223372036854775808"),
+        withLine(3, "1/1/2017"),
+        withLine(3, "31/02/2017"),
+        withLine(7, "01-01-2017"),
+        withLine(22, "4"),  // announces more extensions than there are lines
+        withLine(22, "-1"), // a negative count
+        base.substr(0, base.find("my ext")),
+    };
+    SettingsManager s;
+    setEverything(s);
+    s.customFilePath = "untouched";
+    const std::string before = customSettingsText(s);
+    for (const std::string& text : bad) {
+        EXPECT_FALSE(loadCustomSettings(s, text)) << text;
+        EXPECT_EQ(customSettingsText(s), before) << text;
+    }
+    // The extreme integers are read.
+    SettingsManager edge;
+    EXPECT_TRUE(loadCustomSettings(edge, withLine(10, "-9223372036854775808")));
+    EXPECT_EQ(edge.firstFileSize, INT64_MIN);
+}
+
+TEST(CustomSettingsText, ResetGivesInitialValuesWithAnEmptyFolder) {
+    SettingsManager s;
+    setEverything(s);
+    s.customSettingsOption = "OK";
+    s.customMessageRespone = 3;
+    auto group = std::make_shared<File>("/nowhere/a.jpg");
+    group->customSettings = customSettingsText(s);
+    const std::string stored = group->customSettings;
+
+    resetCustomSettings(s);
+    SettingsManager fresh;
+    fresh.customFilePath = "";
+    expectSameRules(s, fresh);
+    EXPECT_EQ(s.customFileType, "jpg");
+    EXPECT_EQ(s.subfoldersState, 1);
+    EXPECT_EQ(s.customSettingsOption, "Cancel");
+    EXPECT_EQ(s.customMessageRespone, 3);
+    EXPECT_EQ(group->customSettings.str(), stored);
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/File.h"
+
+namespace twinsweep::testing {
+
+// A group made from real files: the head's record, then one member per path
+// (the head's own entry first) with the given date texts and what the search
+// would have seen of each.
+inline FilePtr makeGroup(const std::vector<std::pair<std::string, std::string>>& pathsAndDates) {
+    auto group = std::make_shared<File>(pathsAndDates.front().first);
+    for (const auto& [path, date] : pathsAndDates) {
+        auto member = std::make_shared<DuplicateFile>(path, date, 0);
+        member->seen = identityOf(path);
+        group->duplicates.push_back(member);
+    }
+    return group;
+}
+
+inline std::vector<std::int64_t> marks(const File& group) {
+    std::vector<std::int64_t> out;
+    for (const auto& m : group.duplicates) {
+        out.push_back(m->checkState);
+    }
+    return out;
+}
+
+} // namespace twinsweep::testing

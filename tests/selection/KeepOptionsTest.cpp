@@ -1,0 +1,108 @@
+#include <gtest/gtest.h>
+
+#include "Groups.h"
+#include "selection/KeepOptions.h"
+#include "support/TempTree.h"
+
+using namespace twinsweep;
+using namespace twinsweep::testing;
+using Marks = std::vector<std::int64_t>;
+
+namespace {
+
+struct KeepOptions : ::testing::Test {
+    TempTree tree;
+    // Head dated in the middle, then the oldest, then the newest.
+    FilePtr group = makeGroup({{tree.write("a/head.jpg", "x"), "17-03-05 03:04:09"},
+                               {tree.write("b/old.jpg", "x"), "16-01-01 11:00:00"},
+                               {tree.write("c/new.jpg", "x"), "18-12-31 09:00:00"}});
+    FileList all{group};
+};
+
+} // namespace
+
+TEST_F(KeepOptions, EachOptionMarksAsItSaysAndOverridesHandMarks) {
+    group->duplicates[0]->checkState = 1; // a hand mark on the head
+    ASSERT_TRUE(applyKeepOption(*group, kKeepOldest, all));
+    EXPECT_EQ(group->keepOption, 1);
+    EXPECT_EQ(marks(*group), (Marks{1, 0, 1}));
+
+    ASSERT_TRUE(applyKeepOption(*group, kKeepNewest, all));
+    EXPECT_EQ(group->keepOption, 2);
+    EXPECT_EQ(marks(*group), (Marks{1, 1, 0}));
+    EXPECT_EQ(markedCount(*group), 2);
+
+    ASSERT_TRUE(applyKeepOption(*group, kRemoveAll, all));
+    EXPECT_EQ(marks(*group), (Marks{1, 1, 1}));
+    EXPECT_EQ(markedCount(*group), 3);
+
+    ASSERT_TRUE(applyKeepOption(*group, kKeepAll, all));
+    EXPECT_EQ(group->keepOption, 0);
+    EXPECT_EQ(marks(*group), (Marks{0, 0, 0}));
+    EXPECT_EQ(markedCount(*group), 0);
+
+    // The custom option is not a plain keep option; out-of-range values are ignored.
+    EXPECT_FALSE(applyKeepOption(*group, kKeepCustom, all));
+    EXPECT_FALSE(applyKeepOption(*group, -1, all));
+    EXPECT_EQ(group->keepOption, 0);
+}
+
+TEST_F(KeepOptions, TiesKeepTheFirstMemberOnTheTwelveHourClock) {
+    // 13:05 and 01:05 of one day are written alike and compare equal.
+    for (auto& m : group->duplicates) {
+        m->date = "17-03-05 01:05:00";
+    }
+    EXPECT_EQ(oldestCopy(group->duplicates), group->duplicates[0]);
+    EXPECT_EQ(newestCopy(group->duplicates), group->duplicates[0]);
+    applyKeepOption(*group, kKeepNewest, all);
+    EXPECT_EQ(marks(*group), (Marks{0, 1, 1}));
+
+    // Read back, 12 o'clock comes before 1 o'clock, as the texts were written.
+    group->duplicates[0]->date = "17-03-05 01:00:00";
+    group->duplicates[1]->date = "17-03-05 12:30:00";
+    group->duplicates[2]->date = "17-03-05 11:59:59";
+    EXPECT_EQ(oldestCopy(group->duplicates), group->duplicates[1]);
+    EXPECT_EQ(newestCopy(group->duplicates), group->duplicates[2]);
+    EXPECT_EQ(parseMemberDate("17-03-05 12:30:00").value() + 3600,
+              parseMemberDate("17-03-05 01:30:00").value());
+}
+
+TEST_F(KeepOptions, UnreadableDatesNeverWinAndAnUnreadablePickStays) {
+    group->duplicates[1]->date = ""; // the oldest can't be read: passed over
+    EXPECT_EQ(oldestCopy(group->duplicates), group->duplicates[0]);
+    EXPECT_EQ(newestCopy(group->duplicates), group->duplicates[2]);
+
+    group->duplicates[0]->date = "17-03-05 3:04"; // an unreadable head stays the pick
+    group->duplicates[1]->date = "16-01-01 11:00:00";
+    EXPECT_EQ(oldestCopy(group->duplicates), group->duplicates[0]);
+    EXPECT_EQ(newestCopy(group->duplicates), group->duplicates[0]);
+
+    EXPECT_FALSE(parseMemberDate("17-03-05 13:04:09"));
+    EXPECT_FALSE(parseMemberDate("17-03-05 03:04:09 "));
+    EXPECT_FALSE(parseMemberDate(""));
+}
+
+TEST_F(KeepOptions, GroupsWithTheSamePathGetTheSameMarks) {
+    // A second record of the same head (same path, its own member objects).
+    auto twin = makeGroup({{group->path, "18-12-31 09:00:00"},
+                           {group->duplicates[1]->path, "10-01-01 01:00:00"},
+                           {group->duplicates[2]->path, "10-01-01 01:00:00"}});
+    auto other = makeGroup({{tree.write("d/x.txt", "y"), "17-01-01 01:00:00"},
+                            {tree.write("e/x.txt", "y"), "17-01-01 01:00:00"}});
+    FileList list{group, twin, other};
+
+    applyKeepOption(*group, kKeepOldest, list);
+    // The twin follows the group's own pick, not its own dates.
+    EXPECT_EQ(twin->keepOption, 1);
+    EXPECT_EQ(marks(*twin), (Marks{1, 0, 1}));
+    EXPECT_EQ(other->keepOption, 0);
+    EXPECT_EQ(marks(*other), (Marks{0, 0}));
+
+    const SamePathIndex index(list);
+    applyKeepOption(*group, kRemoveAll, index);
+    EXPECT_EQ(marks(*twin), (Marks{1, 1, 1}));
+    EXPECT_EQ(twin->keepOption, 3);
+    EXPECT_EQ(marks(*other), (Marks{0, 0}));
+    EXPECT_EQ(index.groupsAt(other->path).size(), 1u);
+    EXPECT_TRUE(index.groupsAt("/nowhere").empty());
+}
