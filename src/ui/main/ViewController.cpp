@@ -12,6 +12,7 @@
 #include <QSlider>
 #include <QTableView>
 #include <algorithm>
+#include <sys/stat.h>
 
 #include "engine/FileTools.h"
 #include "settings/SettingsManager.h"
@@ -58,23 +59,30 @@ void ViewController::OnAddFolder() {
     if (!chosen) {
         return;
     }
-    if (chosen->isEmpty()) {
+    // A folder that vanished meanwhile, or whose name did not survive the
+    // dialog, is reported the same way as an empty choice.
+    if (chosen->isEmpty() || addFolders(*chosen) > 0) {
         showInformation(this, QStringLiteral("The selected folder(s) could not be added."));
-        return;
     }
-    addFolders(*chosen);
 }
 
-void ViewController::addFolders(const QStringList& folders) {
+int ViewController::addFolders(const QStringList& folders) {
     auto& list = settingsManager->listFolderPaths;
+    int notFolders = 0;
     for (const QString& folder : folders) {
         const std::string path = QFile::encodeName(folder).toStdString();
         if (path.empty() || std::find(list.begin(), list.end(), path) != list.end()) {
             continue;
         }
+        struct stat info {};
+        if (::stat(path.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
+            ++notFolders;
+            continue;
+        }
         list.push_back(path);
     }
     folderModel_->reload();
+    return notFolders;
 }
 
 void ViewController::OnRemoveSelected() {

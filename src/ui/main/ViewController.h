@@ -74,8 +74,9 @@ class ViewController : public QMainWindow {
     void OnRemoveDuplicatesFromMac();
     void OnCustomSelectDuplicates();
 
-    // Adds folders by path (bytes), in order, skipping empty and listed ones.
-    void addFolders(const QStringList& folders);
+    // Adds folders by path, in order, skipping empty and listed ones.
+    // Returns how many were left out because no folder is there.
+    int addFolders(const QStringList& folders);
     void ResetSettings();
     void UpdateSettings();
     void ShowDuplicatesWindow();
