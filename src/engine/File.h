@@ -6,19 +6,22 @@
 #include <string>
 #include <vector>
 
+#include "engine/DigestText.h"
 #include "engine/RuleText.h"
 
 namespace twinsweep {
 
 // What the search saw of a file, so that cleaning can tell whether the file at
-// a path is still the one that was compared.
+// a path is still the one that was compared. Every record carries one, so it
+// is packed into 32 bytes: device numbers fit in 32 bits (the kernel keeps 12
+// bits of major and 20 of minor number), nanoseconds in 30.
 struct FileIdentity {
-    std::uint64_t device = 0;
     std::uint64_t inode = 0;
     std::uint64_t size = 0;
     std::int64_t mtimeSec = 0;
-    std::int32_t mtimeNsec = 0;
-    bool known = false;
+    std::uint32_t device = 0;
+    std::int32_t mtimeNsec : 31 = 0;
+    bool known : 1 = false;
 
     bool operator==(const FileIdentity&) const = default;
 };
@@ -75,7 +78,7 @@ class File {
     bool wasFound = false;
     SharedInt keepOption = 0;
     RuleText customSettings;
-    std::string MD5Hash;
+    DigestText MD5Hash;
 
     // What the walk saw of this file; copied into its own member entry.
     FileIdentity seen;
