@@ -44,6 +44,8 @@ int main(int argc, char** argv) {
 
     QElapsedTimer clock;
     qint64 lastTick = 0;
+    qint64 longestSoFar = -1;
+    qint64 longestEndsAt = 0;
     std::vector<qint64> gaps;
     gaps.reserve(1 << 16);
     QTimer ticker;
@@ -51,6 +53,10 @@ int main(int argc, char** argv) {
     ticker.setInterval(10);
     QObject::connect(&ticker, &QTimer::timeout, [&] {
         const qint64 now = clock.elapsed();
+        if (now - lastTick > longestSoFar) {
+            longestSoFar = now - lastTick;
+            longestEndsAt = now;
+        }
         gaps.push_back(now - lastTick);
         lastTick = now;
     });
@@ -104,10 +110,10 @@ int main(int argc, char** argv) {
     const qint64 longest = sorted.empty() ? 0 : sorted.back();
     const qint64 p99 = sorted.empty() ? 0 : sorted[sorted.size() * 99 / 100];
     const auto over = std::count_if(gaps.begin(), gaps.end(), [](qint64 g) { return g > 100; });
-    std::printf("%.3f s, %zu ticks, longest gap %lld ms, p99 gap %lld ms, %ld gaps over 100 ms, "
-                "%d repaints of the counts\n",
+    std::printf("%.3f s, %zu ticks, longest gap %lld ms (ending %.3f s in), p99 gap %lld ms, "
+                "%ld gaps over 100 ms, %d repaints of the counts\n",
                 static_cast<double>(elapsedMs) / 1000.0, gaps.size(),
-                static_cast<long long>(longest), static_cast<long long>(p99),
-                static_cast<long>(over), repaints);
+                static_cast<long long>(longest), static_cast<double>(longestEndsAt) / 1000.0,
+                static_cast<long long>(p99), static_cast<long>(over), repaints);
     return 0;
 }
