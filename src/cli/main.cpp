@@ -159,9 +159,12 @@ int main(int argc, char** argv) {
         if (!writeAll(reportFd, acted.report)) {
             std::fprintf(stderr, "twinsweep-cli: cannot write the report: %s\n",
                          std::strerror(errno));
-            return 1;
+            std::fflush(nullptr);
+            ::_exit(1);
         }
-        return acted.exitCode;
+        // Like the report below: the engine is left to the process's end.
+        std::fflush(nullptr);
+        ::_exit(acted.exitCode);
     }
 
     const cli::ReportSink sink = [&](std::string_view piece) { return writeAll(reportFd, piece); };

@@ -87,7 +87,9 @@ class ShortText {
     }
     void setInline(std::string_view text) {
         std::memset(bytes_, 0, sizeof bytes_);
-        std::memcpy(bytes_, text.data(), text.size());
+        if (!text.empty()) { // an empty view may have no data at all
+            std::memcpy(bytes_, text.data(), text.size());
+        }
         bytes_[kLast] = static_cast<char>(text.size());
     }
     void set(std::string_view text) {
