@@ -10,7 +10,7 @@ namespace twinsweep::cli {
 
 namespace {
 
-struct Spec {
+struct OptionRule {
     const char* name;
     bool takesValue;
     // Applies the option; returns an error text, or "" when fine.
@@ -36,8 +36,8 @@ std::string removal(Options& o, Removal r) {
     return {};
 }
 
-const std::vector<Spec>& specs() {
-    static const std::vector<Spec> table = {
+const std::vector<OptionRule>& optionRules() {
+    static const std::vector<OptionRule> table = {
         {"--min-size", true,
          [](Options& o, const std::string& v) {
              return sizeOption("--min-size", v, o.minimumSize);
@@ -263,14 +263,14 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
         }
         const std::size_t eq = arg.find('=');
         const std::string name = arg.substr(0, eq);
-        const auto spec = std::find_if(specs().begin(), specs().end(),
-                                       [&](const Spec& s) { return name == s.name; });
-        if (spec == specs().end()) {
+        const auto rule = std::find_if(optionRules().begin(), optionRules().end(),
+                                       [&](const OptionRule& s) { return name == s.name; });
+        if (rule == optionRules().end()) {
             result.error = "unknown option '" + name + "' (see --help)";
             return result;
         }
         std::string value;
-        if (spec->takesValue) {
+        if (rule->takesValue) {
             if (eq != std::string::npos) {
                 value = arg.substr(eq + 1);
             } else if (k + 1 < args.size()) {
@@ -283,7 +283,7 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
             result.error = "option " + name + " takes no value";
             return result;
         }
-        if (std::string err = spec->apply(o, value); !err.empty()) {
+        if (std::string err = rule->apply(o, value); !err.empty()) {
             result.error = err;
             return result;
         }

@@ -134,24 +134,52 @@ std::string jsonString(std::string_view bytes) {
     return out;
 }
 
-std::string textReport(const FileList& groups) {
-    std::string out;
+namespace {
+
+// Collects output and hands it on in pieces of bounded size, so that a large
+// report never sits whole in memory.
+class Chunked {
+  public:
+    explicit Chunked(const ReportSink& sink) : sink_(sink) {}
+    std::string& text() { return text_; }
+    bool maybeFlush() { return text_.size() < kChunk || flush(); }
+    bool flush() {
+        const bool ok = sink_(text_);
+        text_.clear();
+        return ok;
+    }
+
+  private:
+    static constexpr std::size_t kChunk = 64 * 1024;
+    const ReportSink& sink_;
+    std::string text_;
+};
+
+} // namespace
+
+bool writeTextReport(const FileList& groups, const ReportSink& sink) {
+    Chunked out(sink);
     bool first = true;
     for (const FilePtr& group : groups) {
         if (!first) {
-            out.push_back('\n');
+            out.text().push_back('\n');
         }
         first = false;
         for (const DuplicateFilePtr& member : group->duplicates) {
-            out += textEscaped(member->path);
-            out.push_back('\n');
+            out.text() += textEscaped(member->path);
+            out.text().push_back('\n');
+        }
+        if (!out.maybeFlush()) {
+            return false;
         }
     }
-    return out;
+    return out.flush();
 }
 
-std::string jsonReport(const FileList& groups, const FileTools& tools) {
-    std::string out = "{\"groups\":[";
+bool writeJsonReport(const FileList& groups, const FileTools& tools, const ReportSink& sink) {
+    Chunked chunked(sink);
+    std::string& out = chunked.text();
+    out = "{\"groups\":[";
     for (std::size_t g = 0; g < groups.size(); ++g) {
         const File& head = *groups[g];
         if (g > 0) {
@@ -175,9 +203,30 @@ std::string jsonReport(const FileList& groups, const FileTools& tools) {
                    "}";
         }
         out += "]}";
+        if (!chunked.maybeFlush()) {
+            return false;
+        }
     }
     out += groups.empty() ? "]}\n" : "\n]}\n";
-    return out;
+    return chunked.flush();
+}
+
+std::string textReport(const FileList& groups) {
+    std::string all;
+    writeTextReport(groups, [&](std::string_view piece) {
+        all.append(piece);
+        return true;
+    });
+    return all;
+}
+
+std::string jsonReport(const FileList& groups, const FileTools& tools) {
+    std::string all;
+    writeJsonReport(groups, tools, [&](std::string_view piece) {
+        all.append(piece);
+        return true;
+    });
+    return all;
 }
 
 } // namespace twinsweep::cli

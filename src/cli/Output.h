@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -7,9 +8,16 @@
 
 namespace twinsweep::cli {
 
+// Receives the report piece by piece; false stops the writing.
+using ReportSink = std::function<bool(std::string_view)>;
+
 // One path per line, head first, a blank line between groups.
-std::string textReport(const FileList& groups);
+bool writeTextReport(const FileList& groups, const ReportSink& sink);
 // {"groups":[{"path","size","ext","category","md5","members":[{"path","date"}]}]}
+bool writeJsonReport(const FileList& groups, const FileTools& tools, const ReportSink& sink);
+
+// The same, as one text.
+std::string textReport(const FileList& groups);
 std::string jsonReport(const FileList& groups, const FileTools& tools);
 
 // Control characters and backslashes as C escapes, every other byte as is,

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits.h>
 #include <memory>
+#include <string_view>
 #include <unistd.h>
 
 #include "cli/Acting.h"
@@ -33,7 +34,7 @@ extern "C" void onInterrupt(int) {
     }
 }
 
-bool writeAll(int fd, const std::string& text) {
+bool writeAll(int fd, std::string_view text) {
     const char* data = text.data();
     std::size_t left = text.size();
     while (left > 0) {
@@ -126,14 +127,16 @@ int main(int argc, char** argv) {
     const int reportFd = ::dup(STDOUT_FILENO);
     ::dup2(STDERR_FILENO, STDOUT_FILENO);
 
+    // The engine lives until the process ends: tearing down a million
+    // records only to exit would cost time for nothing.
+    auto* tools = new FileTools;
     bool completed = false;
     {
         std::unique_ptr<cli::TerminalProgress> progress;
         if (::isatty(STDERR_FILENO)) {
             progress = std::make_unique<cli::TerminalProgress>(STDERR_FILENO);
         }
-        FileTools tools;
-        completed = runSearchJob(*settings, tools);
+        completed = runSearchJob(*settings, *tools);
     }
 
     // From here on an interrupt can't cut the report short.
@@ -144,7 +147,8 @@ int main(int argc, char** argv) {
     ::sigprocmask(SIG_BLOCK, &block, nullptr);
     if (!completed || settings->searchCanceledByUser.load()) {
         std::fprintf(stderr, "twinsweep-cli: interrupted\n");
-        return kExitInterrupted;
+        std::fflush(nullptr);
+        ::_exit(kExitInterrupted);
     }
 
     if (cli::marks(options)) {
@@ -160,13 +164,15 @@ int main(int argc, char** argv) {
         return acted.exitCode;
     }
 
-    const FileTools tools;
-    const std::string report = options.format == cli::OutputFormat::Json
-                                   ? cli::jsonReport(settings->duplicateFileList, tools)
-                                   : cli::textReport(settings->duplicateFileList);
-    if (!writeAll(reportFd, report)) {
+    const cli::ReportSink sink = [&](std::string_view piece) { return writeAll(reportFd, piece); };
+    const bool written = options.format == cli::OutputFormat::Json
+                             ? cli::writeJsonReport(settings->duplicateFileList, *tools, sink)
+                             : cli::writeTextReport(settings->duplicateFileList, sink);
+    if (!written) {
         std::fprintf(stderr, "twinsweep-cli: cannot write the report: %s\n", std::strerror(errno));
-        return 1;
+        std::fflush(nullptr);
+        ::_exit(1);
     }
-    return 0;
+    std::fflush(nullptr);
+    ::_exit(0);
 }

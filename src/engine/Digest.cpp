@@ -35,30 +35,13 @@ const EVP_MD* md5Algorithm() {
     return md;
 }
 
-// Opens path for reading without ever blocking on a FIFO or a device; only a
-// regular file is read. Returns -1 with errno set otherwise.
-int openRegular(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (fd < 0) {
-        return -1;
-    }
-    struct stat st {};
-    if (::fstat(fd, &st) != 0) {
-        const int err = errno;
-        ::close(fd);
-        errno = err;
-        return -1;
-    }
-    if (!S_ISREG(st.st_mode)) {
-        ::close(fd);
-        errno = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;
-        return -1;
-    }
-    return fd;
+} // namespace
+
+int openForReading(const std::string& path) {
+    return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
 }
 
-// Reads up to length bytes; returns the count, or -1 with errno set.
-ssize_t readFully(int fd, unsigned char* data, std::size_t length) {
+long readFully(int fd, unsigned char* data, std::size_t length) {
     std::size_t done = 0;
     while (done < length) {
         const ssize_t n = ::read(fd, data + done, length - done);
@@ -73,12 +56,10 @@ ssize_t readFully(int fd, unsigned char* data, std::size_t length) {
         }
         done += static_cast<std::size_t>(n);
     }
-    return static_cast<ssize_t>(done);
+    return static_cast<long>(done);
 }
 
-std::uint64_t prefixHash(const unsigned char* data, std::size_t length) {
-    // Only needs to separate different prefixes well; equal hashes are checked
-    // by the full digest.
+std::uint64_t quickHash(const unsigned char* data, std::size_t length) {
     std::uint64_t h = 0x9E3779B97F4A7C15ULL ^ length;
     std::size_t i = 0;
     for (; i + 8 <= length; i += 8) {
@@ -92,8 +73,6 @@ std::uint64_t prefixHash(const unsigned char* data, std::size_t length) {
     }
     return h ^ (h >> 29);
 }
-
-} // namespace
 
 std::string base64Text(const Md5& digest) {
     static const char* const kAlphabet =
@@ -126,6 +105,27 @@ Md5 md5Of(const void* data, std::size_t length) {
     return out;
 }
 
+// Only a regular file is read whole: a device could stream forever.
+static int openRegular(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (fd < 0) {
+        return -1;
+    }
+    struct stat st {};
+    if (::fstat(fd, &st) != 0) {
+        const int err = errno;
+        ::close(fd);
+        errno = err;
+        return -1;
+    }
+    if (!S_ISREG(st.st_mode)) {
+        ::close(fd);
+        errno = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;
+        return -1;
+    }
+    return fd;
+}
+
 Md5 streamDigest(const std::string& path) {
     thread_local std::vector<unsigned char> buffer(kBufferSize);
     const int fd = openRegular(path);
@@ -139,7 +139,7 @@ Md5 streamDigest(const std::string& path) {
     EVP_MD_CTX* ctx = threadContext();
     EVP_DigestInit_ex(ctx, md5Algorithm(), nullptr);
     for (;;) {
-        const ssize_t n = readFully(fd, buffer.data(), buffer.size());
+        const long n = readFully(fd, buffer.data(), buffer.size());
         if (n < 0) {
             // A failed read means the contents count as empty.
             printErrorLine(kOoops, path, errno);
@@ -156,30 +156,6 @@ Md5 streamDigest(const std::string& path) {
     unsigned int len = 0;
     EVP_DigestFinal_ex(ctx, out.data(), &len);
     return out;
-}
-
-void readPrefix(const std::string& path, std::uint64_t size, Prefix& out) {
-    out.length = 0;
-    out.complete = true;
-    const int fd = openRegular(path);
-    if (fd < 0) {
-        printErrorLine(kOoops, path, errno);
-        out.hash = prefixHash(nullptr, 0);
-        return;
-    }
-    const ssize_t n = readFully(fd, out.bytes.data(), out.bytes.size());
-    const int err = errno;
-    ::close(fd);
-    if (n < 0) {
-        printErrorLine(kOoops, path, err);
-        out.hash = prefixHash(nullptr, 0);
-        return;
-    }
-    out.length = static_cast<std::uint32_t>(n);
-    // A short read is the end of the file; a file no longer than the prefix
-    // was read whole.
-    out.complete = out.length < Prefix::kLength || size <= Prefix::kLength;
-    out.hash = prefixHash(out.bytes.data(), out.length);
 }
 
 } // namespace twinsweep

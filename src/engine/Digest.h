@@ -20,19 +20,15 @@ Md5 md5Of(const void* data, std::size_t length);
 // read is digested as empty, after its "Ooops! Something went wrong: " line.
 Md5 streamDigest(const std::string& path);
 
-// The first bytes of a file, enough to tell most same-size files apart
-// without reading them whole.
-struct Prefix {
-    static constexpr std::size_t kLength = 4096;
-    std::uint64_t hash = 0;
-    std::uint32_t length = 0;
-    // The whole contents were read (small file, or unreadable and so taken as
-    // empty): its digest needs no second read.
-    bool complete = false;
-    std::array<unsigned char, kLength> bytes{};
-};
+// Opens a file for reading without ever blocking on a FIFO or a device.
+// Returns -1 with errno set on failure.
+int openForReading(const std::string& path);
 
-// Reads the first bytes of the file at path, of which the walk saw size bytes.
-void readPrefix(const std::string& path, std::uint64_t size, Prefix& out);
+// Reads up to length bytes, retrying short reads; the count read (less only at
+// the end of the file), or -1 with errno set.
+long readFully(int fd, unsigned char* data, std::size_t length);
+
+// A fast hash of a few bytes, only to sort likely-equal byte strings together.
+std::uint64_t quickHash(const unsigned char* data, std::size_t length);
 
 } // namespace twinsweep

@@ -1,11 +1,9 @@
 #include "engine/DigestPipeline.h"
 
 #include <algorithm>
-#include <memory>
-#include <string_view>
 #include <unordered_map>
 
-#include "engine/Digest.h"
+#include "engine/RunContents.h"
 #include "settings/SettingsManager.h"
 
 namespace twinsweep {
@@ -97,68 +95,14 @@ void DigestPipeline::work() {
 bool DigestPipeline::digestRun(std::size_t r) {
     const Run run = runs_[r];
     const std::size_t count = run.end - run.begin;
-    const std::uint64_t size = list_[run.begin]->size;
     std::vector<std::uint32_t>& next = next_[r];
     next.assign(count, 0);
 
-    // Split by the first bytes.
-    auto prefixes = std::make_unique<Prefix[]>(count);
-    for (std::size_t k = 0; k < count; ++k) {
-        if (cancel_.load()) {
-            return false;
-        }
-        readPrefix(list_[run.begin + k]->path, size, prefixes[k]);
+    if (!digestRunContents(list_, run.begin, run.end, cancel_)) {
+        return false;
     }
-    std::vector<std::uint32_t> order(count);
-    for (std::size_t k = 0; k < count; ++k) {
-        order[k] = static_cast<std::uint32_t>(k);
-    }
-    auto key = [&](std::uint32_t k) {
-        const Prefix& p = prefixes[k];
-        return std::string_view(reinterpret_cast<const char*>(p.bytes.data()), p.length);
-    };
-    auto sameKey = [&](std::uint32_t a, std::uint32_t b) {
-        const Prefix& pa = prefixes[a];
-        const Prefix& pb = prefixes[b];
-        return pa.hash == pb.hash && pa.complete == pb.complete && key(a) == key(b);
-    };
-    std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-        const Prefix& pa = prefixes[a];
-        const Prefix& pb = prefixes[b];
-        if (pa.hash != pb.hash) {
-            return pa.hash < pb.hash;
-        }
-        if (pa.complete != pb.complete) {
-            return pa.complete < pb.complete;
-        }
-        if (key(a) != key(b)) {
-            return key(a) < key(b);
-        }
-        return a < b;
-    });
 
-    // Digest every file that shares its first bytes with another.
     std::unordered_map<std::string, std::uint32_t> lastWithDigest;
-    for (std::size_t s = 0; s < count;) {
-        std::size_t e = s + 1;
-        while (e < count && sameKey(order[s], order[e])) {
-            ++e;
-        }
-        if (e - s >= 2) {
-            for (std::size_t m = s; m < e; ++m) {
-                if (cancel_.load()) {
-                    return false;
-                }
-                const std::uint32_t k = order[m];
-                File& file = *list_[run.begin + k];
-                const Prefix& p = prefixes[k];
-                file.MD5Hash = base64Text(p.complete ? md5Of(p.bytes.data(), p.length)
-                                                     : streamDigest(file.path));
-            }
-        }
-        s = e;
-    }
-
     // Link each digested member to the next one with the same digest.
     for (std::size_t k = count; k-- > 0;) {
         const File& file = *list_[run.begin + k];

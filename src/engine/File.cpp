@@ -9,11 +9,15 @@
 
 namespace twinsweep {
 
+// A million records are held at once: keep what each one carries small.
+static_assert(sizeof(FileIdentity) == 32);
+static_assert(sizeof(DigestText) == sizeof(void*));
+
 namespace {
 
 FileIdentity identityFromStat(const struct stat& st) {
     FileIdentity id;
-    id.device = static_cast<std::uint64_t>(st.st_dev);
+    id.device = static_cast<std::uint32_t>(st.st_dev);
     id.inode = static_cast<std::uint64_t>(st.st_ino);
     id.size = static_cast<std::uint64_t>(st.st_size);
     id.mtimeSec = static_cast<std::int64_t>(st.st_mtim.tv_sec);

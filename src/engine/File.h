@@ -1,25 +1,52 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "engine/DigestText.h"
 #include "engine/RuleText.h"
 
 namespace twinsweep {
 
 // What the search saw of a file, so that cleaning can tell whether the file at
-// a path is still the one that was compared.
+// a path is still the one that was compared. Every record carries one, so it
+// is packed into 32 bytes: device numbers fit in 32 bits (the kernel keeps 12
+// bits of major and 20 of minor number), nanoseconds in 30.
 struct FileIdentity {
-    std::uint64_t device = 0;
     std::uint64_t inode = 0;
     std::uint64_t size = 0;
     std::int64_t mtimeSec = 0;
-    std::int32_t mtimeNsec = 0;
-    bool known = false;
+    std::uint32_t device = 0;
+    std::int32_t mtimeNsec : 31 = 0;
+    bool known : 1 = false;
 
     bool operator==(const FileIdentity&) const = default;
+};
+
+// A signed 64-bit value that the results window's background job may write
+// while the window's tables read it. Relaxed atomic access costs nothing more
+// than a plain one here and keeps the sharing well defined.
+class SharedInt {
+  public:
+    SharedInt(std::int64_t value = 0) : value_(value) {}
+    SharedInt(const SharedInt& other) : value_(other.load()) {}
+    SharedInt& operator=(const SharedInt& other) {
+        store(other.load());
+        return *this;
+    }
+    SharedInt& operator=(std::int64_t value) {
+        store(value);
+        return *this;
+    }
+    operator std::int64_t() const { return load(); }
+    std::int64_t load() const { return value_.load(std::memory_order_relaxed); }
+    void store(std::int64_t value) { value_.store(value, std::memory_order_relaxed); }
+
+  private:
+    std::atomic<std::int64_t> value_;
 };
 
 // Reads the identity of the item at path without following a final link.
@@ -32,7 +59,7 @@ class DuplicateFile {
 
     std::string path;
     std::string date;
-    std::int64_t checkState = 0;
+    SharedInt checkState = 0;
 
     // What the search saw of this member (filled by the engine).
     FileIdentity seen;
@@ -49,9 +76,9 @@ class File {
     std::uint64_t size = 0;
     std::vector<DuplicateFilePtr> duplicates;
     bool wasFound = false;
-    std::int64_t keepOption = 0;
+    SharedInt keepOption = 0;
     RuleText customSettings;
-    std::string MD5Hash;
+    DigestText MD5Hash;
 
     // What the walk saw of this file; copied into its own member entry.
     FileIdentity seen;

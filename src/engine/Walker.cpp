@@ -41,7 +41,7 @@ DevIno devIno(const struct stat& st) {
 
 FileIdentity identityFromStat(const struct stat& st) {
     FileIdentity id;
-    id.device = static_cast<std::uint64_t>(st.st_dev);
+    id.device = static_cast<std::uint32_t>(st.st_dev);
     id.inode = static_cast<std::uint64_t>(st.st_ino);
     id.size = static_cast<std::uint64_t>(st.st_size);
 #ifdef __APPLE__
@@ -177,7 +177,12 @@ void FileTools::walkFolders(const std::vector<Folder>& folders, const WalkFilter
         struct stat st {};
         DIR* dir = openFolder(folders[k].parentFd, folders[k].nameInParent, st);
         if (dir == nullptr) {
-            printErrorLine(kOoops, folders[k].path, errno);
+            const int err = errno;
+            // A subfolder that vanished since its parent was listed is skipped
+            // silently, like a vanished file; a missing top folder is reported.
+            if (err != ENOENT || walk_->depth == 1) {
+                printErrorLine(kOoops, folders[k].path, err);
+            }
             closeAll();
             return;
         }

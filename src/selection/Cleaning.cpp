@@ -6,6 +6,7 @@
 
 #include "engine/Diagnostics.h"
 #include "selection/KeepOptions.h"
+#include "selection/SameContents.h"
 
 namespace twinsweep {
 
@@ -57,6 +58,32 @@ bool stillAsSeen(const DuplicateFile& member, std::string& reason) {
     return true;
 }
 
+bool sameAsAKeptCopy(const File& group, const DuplicateFile& member, std::string& reason) {
+    bool anyKept = false;
+    std::string keptReason;
+    for (const DuplicateFilePtr& k : group.duplicates) {
+        if (k->checkState == 1 || k->path == member.path) {
+            continue;
+        }
+        anyKept = true;
+        // Only a kept copy that is still what the search saw vouches for it.
+        if (!stillAsSeen(*k, keptReason)) {
+            continue;
+        }
+        if (sameContents(member.path, k->path, reason)) {
+            return true;
+        }
+        reason += ", not removed";
+        return false;
+    }
+    if (!anyKept) {
+        return true; // the user chose to remove the whole group
+    }
+    reason =
+        member.path + ": no kept copy is left to compare with (" + keptReason + "), not removed";
+    return false;
+}
+
 CleaningReport clean(const FileList& listed, SettingsManager& settings, CleaningPrompt& prompt,
                      FileRemover& remover) {
     CleaningReport report;
@@ -90,7 +117,7 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
             }
             std::string reason;
             RemovalResult result;
-            if (!stillAsSeen(*m, reason)) {
+            if (!stillAsSeen(*m, reason) || !sameAsAKeptCopy(*group, *m, reason)) {
                 result = {false, reason};
             } else {
                 result = toTrash ? remover.moveToTrash(m->path) : remover.removeForGood(m->path);

@@ -58,15 +58,21 @@ struct CleaningReport {
 // member, asks before whole groups go and before permanent deletion (as
 // settings.moveToTrash says), then removes every marked member of the listed
 // groups, in order. Just before each removal the file at the member's path
-// must still be the one the search saw (DuplicateFile::seen); if it is not,
-// it is left alone. A failed or refused removal writes "Error:  " and the
-// reason to standard output, and cleaning goes on. Every attempted member
-// leaves its group; a group left with fewer than two members leaves
+// must still be the one the search saw (DuplicateFile::seen), and, when the
+// group keeps a copy, byte for byte the same as a kept copy that is itself
+// still as seen (equal digests alone don't prove it); if not, it is left alone. A failed or refused
+// removal writes "Error:  " and the reason to standard output, and cleaning goes on. Every
+// attempted member leaves its group; a group left with fewer than two members leaves
 // settings.duplicateFileList (the listed groups are rebuilt by the update that
 // follows). Afterwards the caller runs a full results update, shows the Done
 // alert and closes the results when settings.duplicateFileList is empty.
 CleaningReport clean(const FileList& listed, SettingsManager& settings, CleaningPrompt& prompt,
                      FileRemover& remover);
+
+// Whether member is byte for byte the same as a kept member of group (one
+// that is not marked and is still as the search saw it). True when group
+// keeps no member. When not, reason says why.
+bool sameAsAKeptCopy(const File& group, const DuplicateFile& member, std::string& reason);
 
 // Whether the file at member.path is still what the search saw. When not,
 // reason says why, in the form of a platform error description.

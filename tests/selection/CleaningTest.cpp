@@ -198,7 +198,7 @@ TEST_F(Cleaning, AFileReplacedUnderTheSameNameIsNotRemoved) {
 TEST_F(Cleaning, AFailingRemovalIsReportedAndCleaningGoesOn) {
     // The member is a folder now seen as itself; unlink refuses folders.
     const std::string folder = tree.mkdir("pkg.app");
-    auto group = makeGroup({{tree.write("x.app", "q"), ""}, {folder, ""}});
+    auto group = makeGroup({{tree.mkdir("x.app"), ""}, {folder, ""}});
     group->duplicates[1]->checkState = 1;
     two->duplicates[1]->checkState = 1;
     s.duplicateFileList.push_back(group);

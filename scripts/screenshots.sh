@@ -1,0 +1,91 @@
+#!/usr/bin/env bash
+# Takes the screenshots in docs/ from the real application on a virtual
+# display: the main window with a folder added, the progress window during a
+# search, and the window that follows it. Needs root or sudo for packages and,
+# when run as root, a demo folder under /mnt (the search only looks under
+# /home, /opt, /media, /mnt and /run/media).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
+need=()
+for p in imagemagick xdotool xvfb; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || need+=("$p")
+done
+if [ "${#need[@]}" -gt 0 ]; then
+  $SUDO apt-get update -q
+  $SUDO DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${need[@]}"
+fi
+BUILD_DIR=${BUILD_DIR:-build}
+[ -f "$BUILD_DIR/CMakeCache.txt" ] || bash scripts/build.sh
+cmake --build "$BUILD_DIR" --target twinsweep
+APP=$PWD/$BUILD_DIR/src/ui/twinsweep
+
+case "$HOME" in
+  /home/*) demo="$HOME/twinsweep-demo" ;;
+  *) demo=/mnt/twinsweep-demo ;;
+esac
+rm -rf "$demo"
+# Enough data that the search is still running when the picture is taken:
+# large copies first, then many same-size files that must all be read.
+python3 - "$demo" <<'PY'
+import os, random, sys
+root = sys.argv[1]
+rng = random.Random(5)
+pool = rng.randbytes(48 * 1024 * 1024)
+def write(rel, size, seed):
+    path = os.path.join(root, rel)
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    start = (seed * 7919) % (len(pool) - size)
+    with open(path, "wb") as f:
+        f.write(pool[start:start + size])
+for i in range(4):
+    write(f"Videos/clip_{i}.mp4", 40 * 1024 * 1024, i)
+    write(f"Videos/Backup/clip_{i} copy.mp4", 40 * 1024 * 1024, i)
+for i in range(1600):
+    size = 300 * 1024 + i % 400
+    write(f"Music/Album {i % 40}/track_{i}.mp3", size, 1000 + i)
+    if i % 2 == 0:
+        write(f"Photos/Backup/{i % 10}/track_{i}.mp3", size, 1000 + i)
+PY
+sync
+
+display=:$((90 + RANDOM % 9))
+Xvfb "$display" -screen 0 1100x800x24 -nolisten tcp &
+xvfb=$!
+trap 'kill "$app" "$xvfb" 2>/dev/null || true; rm -rf "$demo"' EXIT
+export DISPLAY=$display
+sleep 1
+"$APP" &
+app=$!
+main=$(xdotool search --sync --onlyvisible --name '^Twinsweep$' | head -n 1)
+sleep 1
+
+# Add the demo folder through the folder dialog: its name field has the focus.
+xdotool mousemove --window "$main" 577 67 click 1
+picker=$(xdotool search --sync --onlyvisible --name '^Add Folders$' | head -n 1)
+sleep 0.5
+xdotool type --delay 5 "$demo"
+xdotool key Return
+sleep 1
+import -window "$main" docs/main-window.png
+
+# Start the search and catch the progress window while it works.
+xdotool mousemove --window "$main" 568 699 click 1
+progress=$(xdotool search --sync --onlyvisible --name '^Searching for Duplicate Files$' | head -n 1)
+# Frames while it runs; the last whole one shows it furthest along.
+frames=$(mktemp -d)
+n=0
+while xdotool search --onlyvisible --name '^Searching for Duplicate Files$' >/dev/null 2>&1; do
+  n=$((n + 1))
+  import -window "$progress" "$frames/$n.png" 2>/dev/null || break
+  sleep 0.4
+done
+[ "$n" -gt 2 ] && n=$((n - 1)) # the very last one may be of a closing window
+cp "$frames/$n.png" docs/progress-window.png
+rm -rf "$frames"
+
+results=$(xdotool search --sync --onlyvisible --name '^Duplicate Files$' | head -n 1)
+sleep 0.5
+import -window "$results" docs/results-window.png
+echo "screenshots written to docs/ (picker window $picker)"

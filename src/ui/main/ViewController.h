@@ -1,0 +1,100 @@
+#pragma once
+
+#include <QMainWindow>
+#include <memory>
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+class QSlider;
+class QTableView;
+
+namespace twinsweep {
+class SettingsManager;
+}
+
+namespace twinsweep::ui {
+
+class FolderTableView;
+class StringListModel;
+
+// The main window, where a search is set up: the folders, the size range,
+// the file types, what cleaning does with duplicates and whether packages
+// are skipped. Every control writes its option into the shared settings as
+// soon as it changes; the search reads them from there.
+class ViewController : public QMainWindow {
+    Q_OBJECT
+  public:
+    explicit ViewController(QWidget* parent = nullptr);
+    ~ViewController() override;
+
+    std::shared_ptr<SettingsManager> settingsManager;
+    FolderTableView* tableViewFolders = nullptr;
+    QPushButton* buttonAddFolder = nullptr;
+    QPushButton* buttonRemoveSelected = nullptr;
+    QPushButton* buttonRemoveAll = nullptr;
+    QSlider* sliderMinimumFileSize = nullptr;
+    QLabel* textFieldMinimumFileSize = nullptr;
+    QSlider* sliderMaximumFileSize = nullptr;
+    QLabel* textFieldMaximumFileSize = nullptr;
+    QRadioButton* radioScanAllFileTypes = nullptr;
+    QRadioButton* radioCustomFileTypes = nullptr;
+    QTableView* tableViewFileTypes = nullptr;
+    QPushButton* buttonCustomFileTypesAddFileExtension = nullptr;
+    QLineEdit* textFieldCustomFileTypesExtension = nullptr;
+    QPushButton* buttonCustomFileTypesRemoveSelected = nullptr;
+    QPushButton* buttonCustomFileTypesRemoveAll = nullptr;
+    QRadioButton* radioMoveDuplicateFilesToTrash = nullptr;
+    QRadioButton* radioRemoveDuplicateFilesPermanently = nullptr;
+    QCheckBox* checkIgnoreBundles = nullptr;
+    QCheckBox* checkCompareLargeFilesByContent = nullptr;
+    QPushButton* buttonFindDuplicateFiles = nullptr;
+
+  public slots:
+    void OnAddFolder();
+    void OnRemoveSelected();
+    void OnRemoveAll();
+    void OnMinimumFileSizeChanged();
+    void OnMaximumFileSizeChanged();
+    void OnScanAllFileTypesSelected();
+    void OnCustomFileTypesSelected();
+    void OncustomFileTypesAddFileExtension();
+    void OnCustomFileTypesRemoveSelected();
+    void OnCustomFileTypesRemoveAll();
+    void OnMoveDuplicateFilesToTrashSelected();
+    void OnRemoveDuplicateFilesPermanentlySelected();
+    void OnIgnoreBundlesChecked();
+    void OnCompareLargeFilesByContentChecked();
+    void OnFindDuplicateFiles();
+    void OnFileNew();
+    void OnMinimize();
+    void OnAppQuit();
+    void OnRemoveDuplicatesFromMac();
+    void OnCustomSelectDuplicates();
+
+    // Adds folders by path, in order, skipping empty and listed ones.
+    // Returns how many were left out because no folder is there.
+    int addFolders(const QStringList& folders);
+    void ResetSettings();
+    void UpdateSettings();
+    void ShowDuplicatesWindow();
+    // Whether the window may close; asks first when the title ends in "*".
+    bool windowShouldClose();
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    // Builds the controls and menus (ViewControllerLayout.cpp).
+    void buildLayout();
+    void buildMenus();
+    void setExtensionControlsEnabled(bool enabled);
+    int selectedRow(QTableView* table) const;
+
+    StringListModel* folderModel_ = nullptr;
+    StringListModel* extensionModel_ = nullptr;
+};
+
+} // namespace twinsweep::ui

@@ -1,0 +1,230 @@
+// The main window's controls and menus, kept apart from what they do.
+#include <QAction>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeySequence>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSlider>
+#include <QTableView>
+#include <QVBoxLayout>
+
+#include "ui/main/FolderTableView.h"
+#include "ui/main/SizeStops.h"
+#include "ui/main/StringListModel.h"
+#include "ui/main/ViewController.h"
+#include "ui/shell/WindowCommands.h"
+
+namespace twinsweep::ui {
+
+namespace {
+
+template <class Widget> Widget* named(Widget* widget, const char* name) {
+    widget->setObjectName(QString::fromLatin1(name));
+    return widget;
+}
+
+QSlider* sizeSlider(QWidget* parent, const char* name) {
+    auto* slider = named(new QSlider(Qt::Horizontal, parent), name);
+    slider->setRange(0, kSizeStopCount - 1);
+    slider->setSingleStep(1);
+    slider->setPageStep(1);
+    slider->setTickInterval(1);
+    slider->setTickPosition(QSlider::TicksBelow);
+    slider->setMinimumWidth(220);
+    return slider;
+}
+
+QLabel* sizeLabel(QWidget* parent, const char* name) {
+    auto* label = named(new QLabel(parent), name);
+    label->setMinimumWidth(80);
+    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    return label;
+}
+
+} // namespace
+
+void ViewController::buildLayout() {
+    auto* central = new QWidget(this);
+    auto* page = new QVBoxLayout(central);
+
+    // Folders to scan.
+    auto* folders = new QGroupBox(QStringLiteral("Folders to scan"), central);
+    auto* folderRow = new QHBoxLayout(folders);
+    tableViewFolders = named(new FolderTableView(folders), "TableViewFolderPaths");
+    tableViewFolders->setModel(folderModel_);
+    tableViewFolders->setToolTip(QStringLiteral("Add folders with the buttons, or drag them here "
+                                                "from your file manager."));
+    tableViewFolders->setMinimumHeight(150);
+    folderRow->addWidget(tableViewFolders, 1);
+    auto* folderButtons = new QVBoxLayout;
+    buttonAddFolder =
+        named(new QPushButton(QStringLiteral("Add Folder..."), folders), "buttonAddFolder");
+    buttonRemoveSelected =
+        named(new QPushButton(QStringLiteral("Remove"), folders), "buttonRemoveSelected");
+    buttonRemoveAll =
+        named(new QPushButton(QStringLiteral("Remove All"), folders), "buttonRemoveAll");
+    for (QPushButton* b : {buttonAddFolder, buttonRemoveSelected, buttonRemoveAll}) {
+        b->setAutoDefault(false);
+        folderButtons->addWidget(b);
+    }
+    folderButtons->addStretch(1);
+    folderRow->addLayout(folderButtons);
+    page->addWidget(folders, 1);
+
+    // File sizes.
+    auto* sizes = new QGroupBox(QStringLiteral("File size"), central);
+    auto* sizeGrid = new QGridLayout(sizes);
+    sliderMinimumFileSize = sizeSlider(sizes, "sliderMinimumFileSize");
+    textFieldMinimumFileSize = sizeLabel(sizes, "textFieldMinimumFileSize");
+    sliderMaximumFileSize = sizeSlider(sizes, "sliderMaximumFileSize");
+    textFieldMaximumFileSize = sizeLabel(sizes, "textFieldMaximumFileSize");
+    sizeGrid->addWidget(new QLabel(QStringLiteral("Smallest:"), sizes), 0, 0);
+    sizeGrid->addWidget(sliderMinimumFileSize, 0, 1);
+    sizeGrid->addWidget(textFieldMinimumFileSize, 0, 2);
+    sizeGrid->addWidget(new QLabel(QStringLiteral("Largest:"), sizes), 1, 0);
+    sizeGrid->addWidget(sliderMaximumFileSize, 1, 1);
+    sizeGrid->addWidget(textFieldMaximumFileSize, 1, 2);
+    sizeGrid->setColumnStretch(1, 1);
+    page->addWidget(sizes);
+
+    // File types.
+    auto* types = new QGroupBox(QStringLiteral("File types"), central);
+    auto* typeGrid = new QGridLayout(types);
+    radioScanAllFileTypes =
+        named(new QRadioButton(QStringLiteral("All file types"), types), "radioScanAllFileTypes");
+    radioCustomFileTypes = named(new QRadioButton(QStringLiteral("Only these extensions:"), types),
+                                 "radioCustomFileTypes");
+    auto* typeGroup = new QButtonGroup(types);
+    typeGroup->addButton(radioScanAllFileTypes);
+    typeGroup->addButton(radioCustomFileTypes);
+    tableViewFileTypes = named(new QTableView(types), "TableViewFileTypes");
+    tableViewFileTypes->setModel(extensionModel_);
+    tableViewFileTypes->setSelectionBehavior(QAbstractItemView::SelectRows);
+    tableViewFileTypes->setSelectionMode(QAbstractItemView::SingleSelection);
+    tableViewFileTypes->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    tableViewFileTypes->horizontalHeader()->setStretchLastSection(true);
+    tableViewFileTypes->verticalHeader()->setVisible(false);
+    tableViewFileTypes->setShowGrid(false);
+    tableViewFileTypes->setMaximumHeight(110);
+    textFieldCustomFileTypesExtension =
+        named(new QLineEdit(types), "textFieldCustomFileTypesExtension");
+    textFieldCustomFileTypesExtension->setPlaceholderText(QStringLiteral("extension, e.g. jpg"));
+    buttonCustomFileTypesAddFileExtension = named(new QPushButton(QStringLiteral("Add"), types),
+                                                  "buttonCustomFileTypesAddFileExtension");
+    buttonCustomFileTypesRemoveSelected = named(new QPushButton(QStringLiteral("Remove"), types),
+                                                "buttonCustomFileTypesRemoveSelected");
+    buttonCustomFileTypesRemoveAll = named(new QPushButton(QStringLiteral("Remove All"), types),
+                                           "buttonCustomFileTypesRemoveAll");
+    typeGrid->addWidget(radioScanAllFileTypes, 0, 0, 1, 2);
+    typeGrid->addWidget(radioCustomFileTypes, 1, 0, 1, 2);
+    typeGrid->addWidget(tableViewFileTypes, 2, 0, 4, 1);
+    auto* addRow = new QHBoxLayout;
+    addRow->addWidget(textFieldCustomFileTypesExtension);
+    addRow->addWidget(buttonCustomFileTypesAddFileExtension);
+    typeGrid->addLayout(addRow, 2, 1);
+    typeGrid->addWidget(buttonCustomFileTypesRemoveSelected, 3, 1);
+    typeGrid->addWidget(buttonCustomFileTypesRemoveAll, 4, 1);
+    typeGrid->setRowStretch(5, 1);
+    typeGrid->setColumnStretch(0, 1);
+    for (QPushButton* b : {buttonCustomFileTypesAddFileExtension,
+                           buttonCustomFileTypesRemoveSelected, buttonCustomFileTypesRemoveAll}) {
+        b->setAutoDefault(false);
+    }
+    page->addWidget(types);
+
+    // What cleaning does, and the search options.
+    auto* options = new QGroupBox(QStringLiteral("Options"), central);
+    auto* optionRows = new QVBoxLayout(options);
+    radioMoveDuplicateFilesToTrash =
+        named(new QRadioButton(QStringLiteral("Move duplicate files to the Trash"), options),
+              "radioMoveDuplicateFilesToTrash");
+    radioRemoveDuplicateFilesPermanently =
+        named(new QRadioButton(QStringLiteral("Delete duplicate files permanently"), options),
+              "radioRemoveDuplicateFilesPermanently");
+    auto* removalGroup = new QButtonGroup(options);
+    removalGroup->addButton(radioMoveDuplicateFilesToTrash);
+    removalGroup->addButton(radioRemoveDuplicateFilesPermanently);
+    checkIgnoreBundles =
+        named(new QCheckBox(QStringLiteral("Skip packages (treat application bundles as one item)"),
+                            options),
+              "checkIgnoreBundles");
+    checkCompareLargeFilesByContent =
+        named(new QCheckBox(QStringLiteral("Compare large files by content"), options),
+              "checkCompareLargeFilesByContent");
+    checkCompareLargeFilesByContent->setToolTip(
+        QStringLiteral("Files of 100 MB and more are otherwise matched by size alone."));
+    for (QWidget* w : std::initializer_list<QWidget*>{
+             radioMoveDuplicateFilesToTrash, radioRemoveDuplicateFilesPermanently,
+             checkIgnoreBundles, checkCompareLargeFilesByContent}) {
+        optionRows->addWidget(w);
+    }
+    page->addWidget(options);
+
+    auto* bottom = new QHBoxLayout;
+    bottom->addStretch(1);
+    buttonFindDuplicateFiles =
+        named(new QPushButton(QStringLiteral("Find Duplicate Files"), central),
+              "buttonFindDuplicateFiles");
+    buttonFindDuplicateFiles->setDefault(true);
+    bottom->addWidget(buttonFindDuplicateFiles);
+    page->addLayout(bottom);
+    setCentralWidget(central);
+    resize(640, 720);
+
+    connect(buttonAddFolder, &QPushButton::clicked, this, &ViewController::OnAddFolder);
+    connect(buttonRemoveSelected, &QPushButton::clicked, this, &ViewController::OnRemoveSelected);
+    connect(buttonRemoveAll, &QPushButton::clicked, this, &ViewController::OnRemoveAll);
+    connect(sliderMinimumFileSize, &QSlider::valueChanged, this,
+            &ViewController::OnMinimumFileSizeChanged);
+    connect(sliderMaximumFileSize, &QSlider::valueChanged, this,
+            &ViewController::OnMaximumFileSizeChanged);
+    connect(radioScanAllFileTypes, &QRadioButton::clicked, this,
+            &ViewController::OnScanAllFileTypesSelected);
+    connect(radioCustomFileTypes, &QRadioButton::clicked, this,
+            &ViewController::OnCustomFileTypesSelected);
+    connect(buttonCustomFileTypesAddFileExtension, &QPushButton::clicked, this,
+            &ViewController::OncustomFileTypesAddFileExtension);
+    connect(textFieldCustomFileTypesExtension, &QLineEdit::returnPressed, this,
+            &ViewController::OncustomFileTypesAddFileExtension);
+    connect(buttonCustomFileTypesRemoveSelected, &QPushButton::clicked, this,
+            &ViewController::OnCustomFileTypesRemoveSelected);
+    connect(buttonCustomFileTypesRemoveAll, &QPushButton::clicked, this,
+            &ViewController::OnCustomFileTypesRemoveAll);
+    connect(radioMoveDuplicateFilesToTrash, &QRadioButton::clicked, this,
+            &ViewController::OnMoveDuplicateFilesToTrashSelected);
+    connect(radioRemoveDuplicateFilesPermanently, &QRadioButton::clicked, this,
+            &ViewController::OnRemoveDuplicateFilesPermanentlySelected);
+    connect(checkIgnoreBundles, &QCheckBox::clicked, this, &ViewController::OnIgnoreBundlesChecked);
+    connect(checkCompareLargeFilesByContent, &QCheckBox::clicked, this,
+            &ViewController::OnCompareLargeFilesByContentChecked);
+    connect(buttonFindDuplicateFiles, &QPushButton::clicked, this,
+            &ViewController::OnFindDuplicateFiles);
+}
+
+void ViewController::buildMenus() {
+    QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+    QAction* fileNew = file->addAction(QStringLiteral("&New"));
+    fileNew->setObjectName(QStringLiteral("actionFileNew"));
+    fileNew->setShortcut(QKeySequence::New);
+    connect(fileNew, &QAction::triggered, this, &ViewController::OnFileNew);
+    file->addSeparator();
+    QAction* quit = file->addAction(QStringLiteral("&Quit"));
+    quit->setObjectName(QStringLiteral("actionQuit"));
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    quit->setMenuRole(QAction::QuitRole);
+    connect(quit, &QAction::triggered, this, &ViewController::OnAppQuit);
+    addWindowMenu(menuBar(), [this] { OnMinimize(); });
+    addHelpMenu(
+        menuBar(), [this] { OnRemoveDuplicatesFromMac(); }, [this] { OnCustomSelectDuplicates(); });
+}
+
+} // namespace twinsweep::ui

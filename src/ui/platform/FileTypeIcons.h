@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QIcon>
+#include <QString>
+#include <string>
+
+namespace twinsweep::ui {
+
+// The icon the desktop shows for files with this extension (lower-case, no
+// dot; empty for none). Looked up by media type in the icon theme, falling
+// back to the toolkit's generic file icon. Cached per extension.
+QIcon iconForExtension(const QString& extension);
+
+// The icon for the type of the file at path, from its extension only; the
+// file itself is not read.
+QIcon fileIcon(const std::string& path);
+
+} // namespace twinsweep::ui

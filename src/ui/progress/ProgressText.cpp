@@ -1,0 +1,22 @@
+#include "ui/progress/ProgressText.h"
+
+namespace twinsweep::ui {
+
+ProgressTexts progressTexts(std::int64_t total, std::int64_t checked) {
+    ProgressTexts texts;
+    if (total < 1) {
+        texts.filesScanned = QStringLiteral("0/0 Files Scanned");
+        texts.percents = QString::asprintf("%.1f", 0.0) + QLatin1Char('%');
+        return texts;
+    }
+    // Single precision on purpose: the texts must match the counts exactly
+    // as the user has always seen them, rounding included.
+    texts.percent = static_cast<float>(checked) / static_cast<float>(total) * 100.0f;
+    texts.filesScanned = QString::number(checked) + QLatin1Char('/') + QString::number(total) +
+                         QStringLiteral(" Files Scaned");
+    texts.percents =
+        QString::asprintf("%.1f", static_cast<double>(texts.percent)) + QLatin1Char('%');
+    return texts;
+}
+
+} // namespace twinsweep::ui

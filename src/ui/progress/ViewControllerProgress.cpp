@@ -1,0 +1,167 @@
+#include "ui/progress/ViewControllerProgress.h"
+
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "engine/FileTools.h"
+#include "engine/SearchJob.h"
+#include "settings/SettingsManager.h"
+#include "ui/platform/MainQueue.h"
+#include "ui/progress/ProgressText.h"
+#include "ui/shell/Alert.h"
+
+namespace twinsweep::ui {
+
+ViewControllerProgress::ViewControllerProgress(QWidget* opener)
+    : ModalWindow(opener), settingsManager(SettingsManager::shared()) {
+    setObjectName(QStringLiteral("WindowControllerProgress"));
+    setWindowTitle(QStringLiteral("Searching for Duplicate Files"));
+    buildLayout();
+    ShowProgress(0, 0);
+
+    // The observers run on the search thread: they only note the latest
+    // counts, and the repaint timer shows them on the GUI thread.
+    updateProgressObserver_ =
+        ScopedObserver(kUpdateProgress, [this](const std::string&, const UserInfo& info) {
+            const auto total = info.find(kTotalFiles);
+            const auto checked = info.find(kCheckedFiles);
+            if (total == info.end() || checked == info.end()) {
+                return;
+            }
+            latestChecked_.store(checked->second, std::memory_order_relaxed);
+            latestTotal_.store(total->second, std::memory_order_relaxed);
+            fresh_.store(true, std::memory_order_release);
+        });
+    searchFinishedObserver_ =
+        ScopedObserver(kSearchThreadFinished, [this](const std::string&, const UserInfo&) {
+            submitToMain(this, [this] { CloseProgressWindow(); });
+        });
+    repaintTimer_.setInterval(kRepaintIntervalMs);
+    connect(&repaintTimer_, &QTimer::timeout, this, &ViewControllerProgress::repaintLatest);
+    repaintTimer_.start();
+
+    job_ = std::thread([this] { RunSearch(); });
+}
+
+ViewControllerProgress::~ViewControllerProgress() {
+    if (job_.joinable()) {
+        // Only reached early when the application goes away mid-search.
+        settingsManager->searchCanceledByUser = true;
+        job_.join();
+    }
+}
+
+void ViewControllerProgress::buildLayout() {
+    auto* contents = new QWidget(this);
+    auto* layout = new QVBoxLayout(contents);
+    auto* title = new QLabel(QStringLiteral("Looking for duplicate files..."), contents);
+    QFont bold = title->font();
+    bold.setBold(true);
+    title->setFont(bold);
+    layout->addWidget(title);
+
+    progressIndicator = new QProgressBar(contents);
+    progressIndicator->setObjectName(QStringLiteral("progressIndicator"));
+    progressIndicator->setRange(0, 100);
+    progressIndicator->setTextVisible(false);
+    progressIndicator->setMinimumWidth(380);
+    layout->addWidget(progressIndicator);
+
+    auto* counts = new QHBoxLayout;
+    textFieldFilesScanned = new QLabel(contents);
+    textFieldFilesScanned->setObjectName(QStringLiteral("textFieldFilesScanned"));
+    textFieldPercents = new QLabel(contents);
+    textFieldPercents->setObjectName(QStringLiteral("textFieldPercents"));
+    textFieldPercents->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    counts->addWidget(textFieldFilesScanned, 1);
+    counts->addWidget(textFieldPercents);
+    layout->addLayout(counts);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttonCancelSearch = new QPushButton(QStringLiteral("Cancel"), contents);
+    buttonCancelSearch->setObjectName(QStringLiteral("buttonCancelSearch"));
+    buttonCancelSearch->setAutoDefault(false);
+    connect(buttonCancelSearch, &QPushButton::clicked, this, &ViewControllerProgress::OnCancel);
+    buttons->addWidget(buttonCancelSearch);
+    layout->addLayout(buttons);
+    setContents(contents);
+}
+
+void ViewControllerProgress::RunSearch() {
+    FileTools tools;
+    runSearchJob(*settingsManager, tools);
+    submitToMain(this, [this] { SearchDone(); });
+}
+
+void ViewControllerProgress::repaintLatest() {
+    if (!fresh_.exchange(false, std::memory_order_acquire)) {
+        return;
+    }
+    ShowProgress(latestTotal_.load(std::memory_order_relaxed),
+                 latestChecked_.load(std::memory_order_relaxed));
+}
+
+void ViewControllerProgress::ShowProgress(std::int64_t total, std::int64_t checked) {
+    const ProgressTexts texts = progressTexts(total, checked);
+    textFieldFilesScanned->setText(texts.filesScanned);
+    textFieldPercents->setText(texts.percents);
+    progressIndicator->setValue(static_cast<int>(texts.percent));
+}
+
+void ViewControllerProgress::SearchDone() {
+    repaintTimer_.stop();
+    if (job_.joinable()) {
+        job_.join(); // it has queued this call as its very last step
+    }
+    if (settingsManager->searchCanceledByUser) {
+        CloseProgressWindow();
+        return;
+    }
+    CloseProgressWindow();
+    if (settingsManager->duplicateFileList.empty()) {
+        showInformation(parentWidget(), QStringLiteral("No duplicate files found."));
+        return;
+    }
+    settingsManager->openDuplicatesWindow = true;
+}
+
+void ViewControllerProgress::CloseProgressWindow() {
+    if (closed_) {
+        return;
+    }
+    closed_ = true;
+    repaintTimer_.stop();
+    // A minimised window that closes would keep its session; restore it first.
+    if (isMinimized()) {
+        showNormal();
+    }
+    done(QDialog::Accepted);
+}
+
+void ViewControllerProgress::OnCancel() {
+    buttonCancelSearch->setText(QStringLiteral("Cancelling..."));
+    buttonCancelSearch->setEnabled(false);
+    settingsManager->searchCanceledByUser = true;
+}
+
+void ViewControllerProgress::closeEvent(QCloseEvent* event) {
+    // The close button cancels; the window closes once the search has stopped.
+    event->ignore();
+    if (!closed_) {
+        OnCancel();
+    }
+}
+
+void ViewControllerProgress::reject() {
+    // Escape, like the close button, cancels instead of closing.
+    if (!closed_) {
+        OnCancel();
+    }
+}
+
+} // namespace twinsweep::ui

@@ -1,0 +1,114 @@
+// Different files that the comparison may take as copies: a published MD5
+// collision pair, and large files grouped by size alone. Cleaning must never
+// remove one unless it is byte for byte the same as a kept copy.
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "CoreSupport.h"
+#include "FaultSupport.h"
+#include "engine/Digest.h"
+#include "support/TempTree.h"
+
+using namespace twinsweep;
+using namespace twinsweep::testing;
+using Groups = std::set<std::set<std::string>>;
+
+namespace {
+
+std::string fromHex(const char* hex) {
+    std::string out;
+    for (const char* p = hex; p[0] != '\0' && p[1] != '\0'; p += 2) {
+        out.push_back(static_cast<char>(std::stoi(std::string(p, 2), nullptr, 16)));
+    }
+    return out;
+}
+
+// The two 128-byte messages of the first published MD5 collision.
+const std::string kFirst =
+    fromHex("d131dd02c5e6eec4693d9a0698aff95c2fcab58712467eab4004583eb8fb7f89"
+            "55ad340609f4b30283e488832571415a085125e8f7cdc99fd91dbdf280373c5b"
+            "d8823e3156348f5bae6dacd436c919c6dd53e2b487da03fd02396306d248cda0"
+            "e99f33420f577ee8ce54b67080a80d1ec69821bcb6a8839396f9652b6ff72a70");
+const std::string kSecond =
+    fromHex("d131dd02c5e6eec4693d9a0698aff95c2fcab50712467eab4004583eb8fb7f89"
+            "55ad340609f4b30283e4888325f1415a085125e8f7cdc99fd91dbd7280373c5b"
+            "d8823e3156348f5bae6dacd436c919c6dd53e23487da03fd02396306d248cda0"
+            "e99f33420f577ee8ce54b67080280d1ec69821bcb6a8839396f965ab6ff72a70");
+
+void markAllButFirst(const FileList& groups) {
+    for (const FilePtr& g : groups) {
+        for (std::size_t k = 1; k < g->duplicates.size(); ++k) {
+            g->duplicates[k]->checkState = 1;
+        }
+    }
+}
+
+} // namespace
+
+TEST(Faults, CollidingDigestsGroupAsSpecifiedButOnlyTrueCopiesAreRemoved) {
+    ASSERT_NE(kFirst, kSecond);
+    ASSERT_EQ(md5Of(kFirst.data(), kFirst.size()), md5Of(kSecond.data(), kSecond.size()));
+    TempTree tree;
+    // In the size order "c" heads the group, then "a", then "b".
+    tree.write("a-collision", kSecond);
+    tree.write("b-original", kFirst);
+    tree.write("c-copy", kFirst);
+    const Snapshot before = snapshot(tree.root());
+
+    // The comparison loop goes by digest alone: one group of three.
+    const FileList groups = searchJob(tree.root(), 0);
+    ASSERT_EQ(groupSets(groups, tree.root()), (Groups{{"a-collision", "b-original", "c-copy"}}));
+    EXPECT_EQ(groups[0]->MD5Hash, "eQVAJSVfsaJuS8QirvVOtA==");
+    ASSERT_EQ(groups[0]->duplicates[0]->path, tree.path("c-copy"));
+    markAllButFirst(groups);
+
+    StdoutCapture out;
+    const CleaningReport report = cleanForGood();
+    EXPECT_EQ(lines(out.finish()),
+              (std::vector<std::string>{"Error:  " + tree.path("a-collision") +
+                                        ": not byte for byte the same as " + tree.path("c-copy") +
+                                        ", not removed"}));
+    EXPECT_EQ(report.removed, 1);
+    EXPECT_EQ(report.failed, 1);
+    EXPECT_TRUE(nothingLost(before, snapshot(tree.root()), {"b-original"}));
+
+    // With read-ahead the contents themselves are compared, so the colliding
+    // file is never offered as a copy at all.
+    tree.write("b-original", kFirst);
+    EXPECT_EQ(groupSets(searchJob(tree.root(), 2), tree.root()),
+              (Groups{{"b-original", "c-copy"}}));
+    const CliOutcome r = runCli({"--any-location", tree.root()});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, tree.path("c-copy") + "\n" + tree.path("b-original") + "\n");
+}
+
+TEST(Faults, LargeFilesGroupedBySizeAloneAreRemovedOnlyWhenIdentical) {
+    TempTree tree;
+    const std::uint64_t size = kLargeFileThreshold;
+    // In the size order "x2" heads the group.
+    tree.sparse("a-diff", size);
+    rewriteInPlace(tree.path("a-diff"), "a different first line");
+    tree.sparse("x1", size);
+    tree.sparse("x2", size);
+    const Snapshot before = snapshot(tree.root());
+    for (const unsigned threads : {0U, 2U}) {
+        SCOPED_TRACE(threads);
+        const FileList groups = searchJob(tree.root(), threads);
+        ASSERT_EQ(groupSets(groups, tree.root()), (Groups{{"a-diff", "x1", "x2"}}));
+        const std::string head = groups[0]->duplicates[0]->path;
+        ASSERT_EQ(head, tree.path("x2"));
+        markAllButFirst(groups);
+
+        StdoutCapture out;
+        const CleaningReport report = cleanForGood();
+        EXPECT_EQ(lines(out.finish()),
+                  (std::vector<std::string>{"Error:  " + tree.path("a-diff") +
+                                            ": not byte for byte the same as " + head +
+                                            ", not removed"}));
+        EXPECT_EQ(report.removed, 1);
+        EXPECT_TRUE(nothingLost(before, snapshot(tree.root()), {"x1"}));
+        tree.sparse("x1", size);
+    }
+}

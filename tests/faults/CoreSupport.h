@@ -1,0 +1,61 @@
+#pragma once
+
+#include <algorithm>
+#include <set>
+#include <string>
+
+#include "engine/FileTools.h"
+#include "engine/SearchJob.h"
+#include "platform/PlatformRemover.h"
+#include "selection/Cleaning.h"
+#include "settings/SettingsManager.h"
+
+namespace twinsweep::testing {
+
+// A full search job over root, as the progress window runs it, with the given
+// number of digest threads (0: the plain comparison loop). Returns the groups.
+inline FileList searchJob(const std::string& root, unsigned threads,
+                          const LocationGate& gate = LocationGate::anywhere()) {
+    const auto settings = SettingsManager::shared();
+    settings->duplicateFileList.clear();
+    settings->fileList.clear();
+    settings->listFolderPaths = {root};
+    settings->minimumFileSize = 0;
+    settings->maximumFileSize = UINT64_MAX;
+    settings->customFileTypes = false;
+    settings->ignorePackages = true;
+    settings->searchCanceledByUser = false;
+    FileTools tools;
+    tools.locationGate = gate;
+    tools.digestThreads = threads;
+    runSearchJob(*settings, tools);
+    return settings->duplicateFileList;
+}
+
+// Each group as the set of its members' paths relative to root.
+inline std::set<std::set<std::string>> groupSets(const FileList& groups, const std::string& root) {
+    std::set<std::set<std::string>> out;
+    for (const FilePtr& g : groups) {
+        std::set<std::string> members;
+        for (const DuplicateFilePtr& m : g->duplicates) {
+            members.insert(m->path.substr(std::min(m->path.size(), root.size() + 1)));
+        }
+        out.insert(members);
+    }
+    return out;
+}
+
+struct SayYes : CleaningPrompt {
+    bool ask(CleaningAlert) override { return true; }
+};
+
+// Cleans every group of the shared results for good, answering yes.
+inline CleaningReport cleanForGood() {
+    const auto settings = SettingsManager::shared();
+    settings->moveToTrash = false;
+    SayYes yes;
+    PlatformRemover remover;
+    return clean(settings->duplicateFileList, *settings, yes, remover);
+}
+
+} // namespace twinsweep::testing

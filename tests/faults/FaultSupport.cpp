@@ -1,0 +1,217 @@
+#include "FaultSupport.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <fstream>
+#include <limits.h>
+#include <sstream>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+#include "engine/Digest.h"
+#include "support/TempTree.h"
+
+namespace twinsweep::testing {
+
+namespace {
+
+std::string slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream ss;
+    ss << in.rdbuf();
+    return ss.str();
+}
+
+void walkInto(const std::string& root, const std::string& rel, Snapshot& out) {
+    const std::string dirPath = rel.empty() ? root : root + "/" + rel;
+    DIR* dir = ::opendir(dirPath.c_str());
+    if (dir == nullptr) {
+        out[rel + "/"] = "unlistable";
+        return;
+    }
+    std::vector<std::string> names;
+    while (const dirent* de = ::readdir(dir)) {
+        const std::string n = de->d_name;
+        if (n != "." && n != "..") {
+            names.push_back(n);
+        }
+    }
+    ::closedir(dir);
+    for (const std::string& n : names) {
+        const std::string r = rel.empty() ? n : rel + "/" + n;
+        const std::string p = root + "/" + r;
+        struct stat st {};
+        if (::lstat(p.c_str(), &st) != 0) {
+            continue;
+        }
+        if (S_ISDIR(st.st_mode)) {
+            out[r] = "folder";
+            walkInto(root, r, out);
+        } else if (S_ISLNK(st.st_mode)) {
+            char buf[PATH_MAX];
+            const ssize_t len = ::readlink(p.c_str(), buf, sizeof buf);
+            out[r] = "link:" + std::string(buf, len > 0 ? static_cast<std::size_t>(len) : 0);
+        } else if (S_ISREG(st.st_mode)) {
+            out[r] = (st.st_mode & S_IRUSR) != 0 || ::geteuid() == 0
+                         ? "file:" + std::to_string(st.st_size) + ":" + base64Text(streamDigest(p))
+                         : "file (unreadable)";
+        } else {
+            out[r] = "special";
+        }
+    }
+}
+
+} // namespace
+
+Snapshot snapshot(const std::string& root) {
+    Snapshot out;
+    walkInto(root, "", out);
+    return out;
+}
+
+::testing::AssertionResult nothingLost(const Snapshot& before, const Snapshot& after,
+                                       const std::set<std::string>& gone) {
+    std::string problems;
+    for (const auto& [rel, what] : before) {
+        const auto it = after.find(rel);
+        if (gone.count(rel) != 0) {
+            if (it != after.end()) {
+                problems += "\n  still there: " + rel;
+            }
+            continue;
+        }
+        if (it == after.end()) {
+            problems += "\n  lost: " + rel;
+        } else if (it->second != what) {
+            problems += "\n  changed: " + rel;
+        }
+    }
+    if (problems.empty()) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << problems;
+}
+
+CliOutcome runCli(const CliRun& run) {
+    TempTree scratch;
+    const std::string outPath = scratch.path("stdout");
+    const std::string errPath = scratch.path("stderr");
+    int master = -1;
+    std::string slaveName;
+    if (!run.prompt.empty()) {
+        master = ::posix_openpt(O_RDWR | O_NOCTTY);
+        if (master < 0 || ::grantpt(master) != 0 || ::unlockpt(master) != 0) {
+            ADD_FAILURE() << "no pseudo-terminal: " << std::strerror(errno);
+            return {};
+        }
+        slaveName = ::ptsname(master);
+    }
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        if (master >= 0) {
+            ::setsid();
+            const int slave = ::open(slaveName.c_str(), O_RDWR);
+            ::dup2(slave, 0);
+            ::close(master);
+        } else {
+            const int null = ::open("/dev/null", O_RDONLY);
+            ::dup2(null, 0);
+        }
+        const int o = ::open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        const int e = ::open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        ::dup2(o, 1);
+        ::dup2(e, 2);
+        if (run.unprivileged && ::geteuid() == 0 &&
+            (::setgid(65534) != 0 || ::setuid(65534) != 0)) {
+            ::_exit(126);
+        }
+        for (const std::string& kv : run.env) {
+            ::putenv(const_cast<char*>(kv.c_str()));
+        }
+        std::vector<char*> argv;
+        argv.push_back(const_cast<char*>(TWINSWEEP_CLI_PATH));
+        for (const std::string& a : run.args) {
+            argv.push_back(const_cast<char*>(a.c_str()));
+        }
+        argv.push_back(nullptr);
+        ::execv(TWINSWEEP_CLI_PATH, argv.data());
+        ::_exit(127);
+    }
+    if (master >= 0) {
+        // Wait for the question, act, then answer it.
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(120);
+        bool asked = false;
+        while (std::chrono::steady_clock::now() < deadline) {
+            if (slurp(errPath).find(run.prompt) != std::string::npos) {
+                asked = true;
+                break;
+            }
+            int raw = 0;
+            if (::waitpid(pid, &raw, WNOHANG) == pid) {
+                ADD_FAILURE() << "twinsweep-cli ended without asking";
+                ::close(master);
+                return {WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw), slurp(outPath),
+                        slurp(errPath)};
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        if (!asked) {
+            ADD_FAILURE() << "twinsweep-cli never asked: " << run.prompt;
+            ::kill(pid, SIGKILL);
+        } else {
+            if (run.between) {
+                run.between();
+            }
+            if (::write(master, run.answer.data(), run.answer.size()) < 0) {
+                ADD_FAILURE() << "cannot answer: " << std::strerror(errno);
+            }
+        }
+    }
+    int raw = 0;
+    ::waitpid(pid, &raw, 0);
+    if (master >= 0) {
+        ::close(master);
+    }
+    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw), slurp(outPath),
+            slurp(errPath)};
+}
+
+std::string fileEntry(const std::string& bytes) {
+    return "file:" + std::to_string(bytes.size()) + ":" +
+           base64Text(md5Of(bytes.data(), bytes.size()));
+}
+
+std::vector<std::string> nonEmptyLines(const std::string& text) {
+    std::vector<std::string> out;
+    for (const std::string& l : lines(text)) {
+        if (!l.empty()) {
+            out.push_back(l);
+        }
+    }
+    return out;
+}
+
+bool anyLineHas(const std::string& text, const std::string& needle) {
+    for (const std::string& l : lines(text)) {
+        if (l.find(needle) != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void rewriteInPlace(const std::string& path, const std::string& contents) {
+    const int fd = ::open(path.c_str(), O_WRONLY);
+    ASSERT_GE(fd, 0) << path;
+    ASSERT_EQ(::pwrite(fd, contents.data(), contents.size(), 0),
+              static_cast<ssize_t>(contents.size()));
+    ::close(fd);
+}
+
+} // namespace twinsweep::testing

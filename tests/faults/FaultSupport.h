@@ -1,0 +1,63 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace twinsweep::testing {
+
+// Everything under a folder, by path relative to it: a regular file's size and
+// digest, a link's target text, or the kind of a folder or special file. Links
+// are never followed.
+using Snapshot = std::map<std::string, std::string>;
+Snapshot snapshot(const std::string& root);
+
+// How a snapshot shows a regular file holding bytes.
+std::string fileEntry(const std::string& bytes);
+
+// Passes when every item of before is still in after, unchanged, apart from
+// the relative paths in gone (which must really be gone).
+::testing::AssertionResult nothingLost(const Snapshot& before, const Snapshot& after,
+                                       const std::set<std::string>& gone = {});
+
+struct CliOutcome {
+    int status = -1; // exit code, or 128 + signal
+    std::string out;
+    std::string err;
+};
+
+// One run of the real twinsweep-cli.
+struct CliRun {
+    std::vector<std::string> args;
+    // When prompt is set, standard input is a terminal: once standard error
+    // shows prompt, between() runs and answer is typed.
+    std::string prompt;
+    std::function<void()> between;
+    std::string answer = "y\n";
+    // Extra environment settings, NAME=VALUE.
+    std::vector<std::string> env;
+    // Run as an ordinary user (nobody) when the tests run as root.
+    bool unprivileged = false;
+};
+
+CliOutcome runCli(const CliRun& run);
+inline CliOutcome runCli(std::vector<std::string> args) {
+    CliRun run;
+    run.args = std::move(args);
+    return runCli(run);
+}
+
+// The lines of a text that are not empty.
+std::vector<std::string> nonEmptyLines(const std::string& text);
+
+// Whether some line of text contains needle.
+bool anyLineHas(const std::string& text, const std::string& needle);
+
+// Overwrites path with contents of the same length, keeping its inode.
+void rewriteInPlace(const std::string& path, const std::string& contents);
+
+} // namespace twinsweep::testing

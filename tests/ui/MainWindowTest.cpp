@@ -1,0 +1,336 @@
+#include <QCheckBox>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSlider>
+#include <QTableView>
+#include <QTest>
+#include <QUrl>
+#include <memory>
+
+#include "MainWindowTest.h"
+#include "UiTestSupport.h"
+#include "settings/SettingsManager.h"
+#include "support/TempTree.h"
+#include "ui/main/FolderTableView.h"
+#include "ui/main/ViewController.h"
+
+using twinsweep::SettingsManager;
+using twinsweep::testing::alertText;
+using twinsweep::testing::ModalAnswers;
+using twinsweep::testing::pressAlertButton;
+using twinsweep::testing::TempTree;
+using twinsweep::ui::ViewController;
+
+namespace {
+
+std::vector<std::string> folders() {
+    return SettingsManager::shared()->listFolderPaths;
+}
+
+QList<QUrl> urls(std::initializer_list<std::string> paths) {
+    QList<QUrl> out;
+    for (const std::string& p : paths) {
+        out.push_back(QUrl::fromLocalFile(QString::fromStdString(p)));
+    }
+    return out;
+}
+
+// Sends a real drag-and-drop sequence to the folder table at pos.
+bool dropOnFolderTable(ViewController& window, const QList<QUrl>& dragged, QPoint pos) {
+    QMimeData mime;
+    mime.setUrls(dragged);
+    QWidget* target = window.tableViewFolders->viewport();
+    const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter(pos, offered, &mime, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &enter);
+    QDragMoveEvent move(pos, offered, &mime, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &move);
+    if (!move.isAccepted()) {
+        return false;
+    }
+    QDropEvent drop(pos, offered, &mime, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &drop);
+    // Taken as a copy, so a file manager never removes what was dragged.
+    return drop.isAccepted() && drop.dropAction() == Qt::CopyAction;
+}
+
+// Just inside the top edge of a row: a drop between that row and the one above.
+QPoint aboveRow(ViewController& window, int row) {
+    const QRect cell =
+        window.tableViewFolders->visualRect(window.tableViewFolders->model()->index(row, 0));
+    return {cell.center().x(), cell.top() + 1};
+}
+
+} // namespace
+
+void MainWindowTest::init() {
+    window_ = std::make_unique<ViewController>();
+    window_->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
+}
+
+void MainWindowTest::cleanup() {
+    window_.reset();
+}
+
+void MainWindowTest::folderPanelAddsEachFolderOnce() {
+    TempTree tree;
+    const std::string a = tree.mkdir("a");
+    const std::string b = tree.mkdir("b");
+    ModalAnswers answers;
+    const auto choose = [](QStringList paths) {
+        return [paths](QWidget* modal) {
+            auto* dialog = qobject_cast<QFileDialog*>(modal);
+            QVERIFY(dialog != nullptr);
+            QStringList quoted;
+            for (const QString& p : paths) {
+                quoted << QLatin1Char('"') + p + QLatin1Char('"');
+            }
+            dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+                ->setText(quoted.join(QLatin1Char(' ')));
+            QMetaObject::invokeMethod(dialog, "accept");
+        };
+    };
+    answers.then("QFileDialog", choose({QString::fromStdString(a), QString::fromStdString(b)}));
+    window_->OnAddFolder();
+    QCOMPARE(folders(), (std::vector<std::string>{a, b}));
+
+    answers.then("QFileDialog", choose({QString::fromStdString(b)}));
+    window_->OnAddFolder();
+    QCOMPARE(folders(), (std::vector<std::string>{a, b}));
+
+    // Cancelling the panel changes nothing and says nothing.
+    answers.then("QFileDialog", [](QWidget* modal) { qobject_cast<QDialog*>(modal)->reject(); });
+    window_->OnAddFolder();
+    QCOMPARE(folders(), (std::vector<std::string>{a, b}));
+    QVERIFY(answers.allAnswered());
+    QCOMPARE(window_->tableViewFolders->model()->rowCount(), 2);
+}
+
+void MainWindowTest::droppedFoldersGoBetweenRowsInOrder() {
+    TempTree tree;
+    const std::string a = tree.mkdir("a"), b = tree.mkdir("b");
+    const std::string x = tree.mkdir("x"), y = tree.mkdir("y"), z = tree.mkdir("z");
+    const std::string file = tree.write("note.txt", "not a folder");
+    window_->addFolders({QString::fromStdString(a), QString::fromStdString(b)});
+
+    // Three folders and a file dropped above row 1: the folders take rows
+    // 1 to 3 in the dragged order, the file is ignored.
+    QVERIFY(dropOnFolderTable(*window_, urls({x, file, y, z}), aboveRow(*window_, 1)));
+    QCOMPARE(folders(), (std::vector<std::string>{a, x, y, z, b}));
+    QCOMPARE(window_->tableViewFolders->model()->rowCount(), 5);
+
+    // A folder already listed, one that is gone and the file: nothing new.
+    const std::string gone = tree.path("gone");
+    QVERIFY(dropOnFolderTable(*window_, urls({y, gone, file}), aboveRow(*window_, 0)));
+    QCOMPARE(folders().size(), std::size_t{5});
+
+    // Only files: the drop is refused outright.
+    QVERIFY(!dropOnFolderTable(*window_, urls({file}), aboveRow(*window_, 0)));
+
+    // Below the last row appends.
+    const std::string w = tree.mkdir("w");
+    const QPoint empty(10, window_->tableViewFolders->viewport()->height() - 3);
+    QVERIFY(dropOnFolderTable(*window_, urls({w}), empty));
+    QCOMPARE(folders().back(), w);
+}
+
+void MainWindowTest::folderRemovalAsksOnlyForAll() {
+    TempTree tree;
+    window_->addFolders({QString::fromStdString(tree.mkdir("a")),
+                         QString::fromStdString(tree.mkdir("b")),
+                         QString::fromStdString(tree.mkdir("c"))});
+    // No selection: nothing is removed.
+    window_->OnRemoveSelected();
+    QCOMPARE(folders().size(), std::size_t{3});
+    window_->tableViewFolders->selectRow(1);
+    window_->OnRemoveSelected();
+    QCOMPARE(folders(), (std::vector<std::string>{tree.path("a"), tree.path("c")}));
+
+    ModalAnswers answers;
+    QString asked;
+    answers.then("QMessageBox", [&](QWidget* modal) {
+        asked = alertText(modal);
+        QVERIFY(pressAlertButton(modal, QStringLiteral("No")));
+    });
+    window_->OnRemoveAll();
+    QCOMPARE(asked, QStringLiteral("Are you sure you want to remove all folders from the list?"));
+    QCOMPARE(folders().size(), std::size_t{2});
+
+    answers.then("QMessageBox",
+                 [](QWidget* modal) { QVERIFY(pressAlertButton(modal, QStringLiteral("Yes"))); });
+    window_->OnRemoveAll();
+    QVERIFY(folders().empty());
+    QCOMPARE(window_->tableViewFolders->model()->rowCount(), 0);
+
+    // An empty list asks nothing: an unexpected question would stay unanswered.
+    window_->OnRemoveAll();
+    QCOMPARE(answers.answered(), 2);
+}
+
+void MainWindowTest::extensionsAreLowerCasedAndUnique() {
+    QVERIFY(!window_->textFieldCustomFileTypesExtension->isEnabled());
+    QTest::mouseClick(window_->radioCustomFileTypes, Qt::LeftButton, {},
+                      QPoint(8, window_->radioCustomFileTypes->height() / 2));
+    QVERIFY(window_->radioCustomFileTypes->isChecked());
+    QVERIFY(!window_->radioScanAllFileTypes->isChecked());
+    QVERIFY(SettingsManager::shared()->customFileTypes);
+    for (QWidget* w : std::initializer_list<QWidget*>{
+             window_->tableViewFileTypes, window_->textFieldCustomFileTypesExtension,
+             window_->buttonCustomFileTypesAddFileExtension,
+             window_->buttonCustomFileTypesRemoveSelected,
+             window_->buttonCustomFileTypesRemoveAll}) {
+        QVERIFY(w->isEnabled());
+    }
+
+    auto add = [this](const QString& typed) {
+        window_->textFieldCustomFileTypesExtension->setText(typed);
+        window_->buttonCustomFileTypesAddFileExtension->click();
+        QCOMPARE(window_->textFieldCustomFileTypesExtension->text(), typed);
+    };
+    const auto& list = SettingsManager::shared()->listFileExtensions;
+    add(QStringLiteral("Jpg"));
+    QCOMPARE(list, (std::vector<std::string>{"jpg"}));
+    add(QStringLiteral("JPG"));
+    add(QString());
+    QCOMPARE(list, (std::vector<std::string>{"jpg"}));
+    add(QStringLiteral("ÉPS"));
+    add(QStringLiteral(".PNG"));
+    QCOMPARE(list, (std::vector<std::string>{"jpg", "éps", ".png"}));
+    QCOMPARE(window_->tableViewFileTypes->model()->rowCount(), 3);
+
+    window_->OnCustomFileTypesRemoveSelected();
+    QCOMPARE(list.size(), std::size_t{3});
+    window_->tableViewFileTypes->selectRow(0);
+    window_->buttonCustomFileTypesRemoveSelected->click();
+    QCOMPARE(list, (std::vector<std::string>{"éps", ".png"}));
+    window_->buttonCustomFileTypesRemoveAll->click();
+    QVERIFY(list.empty());
+
+    window_->radioScanAllFileTypes->click();
+    QVERIFY(!SettingsManager::shared()->customFileTypes);
+    QVERIFY(!window_->buttonCustomFileTypesRemoveAll->isEnabled());
+}
+
+void MainWindowTest::slidersStopOnTheTenSizes() {
+    const auto settings = SettingsManager::shared();
+    const std::vector<std::pair<std::uint64_t, QString>> minimum = {{1, "1 B"},
+                                                                    {51200, "50.0 KB"},
+                                                                    {204800, "200.0 KB"},
+                                                                    {512000, "500.0 KB"},
+                                                                    {1048576, "1.0 MB"},
+                                                                    {5242880, "5.0 MB"},
+                                                                    {10485760, "10.0 MB"},
+                                                                    {20971520, "20.0 MB"},
+                                                                    {52428800, "50.0 MB"},
+                                                                    {104857600, "100.0 MB"}};
+    const std::vector<std::pair<std::uint64_t, QString>> maximum = {
+        {1048576, "1.0 MB"},         {5242880, "5.0 MB"},         {10485760, "10.0 MB"},
+        {52428800, "50.0 MB"},       {104857600, "100.0 MB"},     {524288000, "500.0 MB"},
+        {1073741824, "1.0 GB"},      {10737418240ULL, "10.0 GB"}, {107374182400ULL, "100.0 GB"},
+        {1099511627776ULL, "1.0 TB"}};
+    QCOMPARE(window_->sliderMinimumFileSize->maximum(), 9);
+    for (int stop = 9; stop >= 0; --stop) {
+        window_->sliderMinimumFileSize->setValue(stop);
+        window_->sliderMaximumFileSize->setValue(stop);
+        const auto at = static_cast<std::size_t>(stop);
+        QCOMPARE(settings->minimumFileSize, minimum[at].first);
+        QCOMPARE(window_->textFieldMinimumFileSize->text(), minimum[at].second);
+        QCOMPARE(settings->maximumFileSize, maximum[at].first);
+        QCOMPARE(window_->textFieldMaximumFileSize->text(), maximum[at].second);
+    }
+    // The keyboard moves one stop at a time.
+    window_->sliderMaximumFileSize->setFocus();
+    QTest::keyClick(window_->sliderMaximumFileSize, Qt::Key_Right);
+    QCOMPARE(settings->maximumFileSize, std::uint64_t{5242880});
+}
+
+void MainWindowTest::fileNewPutsEveryOptionBack() {
+    TempTree tree;
+    const auto settings = SettingsManager::shared();
+    window_->addFolders({QString::fromStdString(tree.mkdir("a"))});
+    window_->sliderMinimumFileSize->setValue(0);
+    window_->sliderMaximumFileSize->setValue(9);
+    window_->radioCustomFileTypes->click();
+    window_->buttonCustomFileTypesAddFileExtension->click();
+    window_->textFieldCustomFileTypesExtension->setText(QStringLiteral("png"));
+    window_->radioRemoveDuplicateFilesPermanently->click();
+    window_->checkIgnoreBundles->click();
+    window_->checkCompareLargeFilesByContent->click();
+    QVERIFY(!settings->moveToTrash);
+    QVERIFY(!settings->ignorePackages);
+    QVERIFY(settings->compareLargeFilesByContent);
+    QVERIFY(!window_->radioMoveDuplicateFilesToTrash->isChecked());
+
+    QAction* fileNew = window_->findChild<QAction*>(QStringLiteral("actionFileNew"));
+    QVERIFY(fileNew != nullptr);
+    QCOMPARE(fileNew->shortcut(), QKeySequence(QKeySequence::New));
+    fileNew->trigger();
+
+    QVERIFY(settings->listFolderPaths.empty());
+    QVERIFY(settings->listFileExtensions.empty());
+    QCOMPARE(settings->minimumFileSize, std::uint64_t{204800});
+    QCOMPARE(settings->maximumFileSize, std::uint64_t{107374182400ULL});
+    QVERIFY(!settings->customFileTypes);
+    QVERIFY(settings->moveToTrash);
+    QVERIFY(settings->ignorePackages);
+    QVERIFY(!settings->compareLargeFilesByContent);
+    QCOMPARE(window_->sliderMinimumFileSize->value(), 2);
+    QCOMPARE(window_->sliderMaximumFileSize->value(), 8);
+    QCOMPARE(window_->textFieldMinimumFileSize->text(), QStringLiteral("200.0 KB"));
+    QCOMPARE(window_->textFieldMaximumFileSize->text(), QStringLiteral("100.0 GB"));
+    QVERIFY(window_->radioScanAllFileTypes->isChecked());
+    QVERIFY(!window_->radioCustomFileTypes->isChecked());
+    QVERIFY(!window_->textFieldCustomFileTypesExtension->isEnabled());
+    QCOMPARE(window_->textFieldCustomFileTypesExtension->text(), QStringLiteral("jpg"));
+    QVERIFY(window_->radioMoveDuplicateFilesToTrash->isChecked());
+    QVERIFY(!window_->radioRemoveDuplicateFilesPermanently->isChecked());
+    QVERIFY(window_->checkIgnoreBundles->isChecked());
+    QVERIFY(!window_->checkCompareLargeFilesByContent->isChecked());
+    QCOMPARE(window_->tableViewFolders->model()->rowCount(), 0);
+}
+
+void MainWindowTest::findWithoutFoldersOnlyWarns() {
+    ModalAnswers answers;
+    QString said;
+    QString kind;
+    answers.then("QMessageBox", [&](QWidget* modal) {
+        said = alertText(modal);
+        kind = QString::fromLatin1(modal->metaObject()->className());
+        QCOMPARE(qobject_cast<QMessageBox*>(modal)->icon(), QMessageBox::Warning);
+        QCOMPARE(qobject_cast<QMessageBox*>(modal)->text(), QString());
+        QVERIFY(pressAlertButton(modal, QStringLiteral("OK")));
+    });
+    window_->buttonFindDuplicateFiles->click();
+    QCOMPARE(said, QStringLiteral("There are no folders to scan. Please add at least one folder "
+                                  "and try again."));
+    QCOMPARE(kind, QStringLiteral("QMessageBox"));
+    QCOMPARE(answers.answered(), 1);
+}
+
+void MainWindowTest::closingAsksOnlyWithUnsavedMark() {
+    ModalAnswers answers;
+    QString asked;
+    window_->setWindowTitle(QStringLiteral("Twinsweep*"));
+    answers.then("QMessageBox", [&](QWidget* modal) {
+        asked = alertText(modal);
+        QVERIFY(pressAlertButton(modal, QStringLiteral("No")));
+    });
+    QVERIFY(!window_->close());
+    QVERIFY(window_->isVisible());
+    QCOMPARE(asked, QStringLiteral("You have unsaved changes that will be lost. Are you sure you "
+                                   "want to exit the application?"));
+
+    answers.then("QMessageBox",
+                 [](QWidget* modal) { QVERIFY(pressAlertButton(modal, QStringLiteral("Yes"))); });
+    QVERIFY(window_->close());
+
+    window_->show();
+    window_->setWindowTitle(QString());
+    QVERIFY(window_->close());
+    QCOMPARE(answers.answered(), 2);
+}

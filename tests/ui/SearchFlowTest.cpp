@@ -1,0 +1,257 @@
+#include "SearchFlowTest.h"
+
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSlider>
+#include <QTest>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+#include "UiTestSupport.h"
+#include "engine/LocationGate.h"
+#include "engine/NotificationCenter.h"
+#include "settings/SettingsManager.h"
+#include "support/TempTree.h"
+#include "ui/main/ViewController.h"
+#include "ui/progress/ProgressText.h"
+#include "ui/progress/ViewControllerProgress.h"
+
+using twinsweep::LocationGate;
+using twinsweep::SettingsManager;
+using twinsweep::testing::alertText;
+using twinsweep::testing::ModalAnswers;
+using twinsweep::testing::pressAlertButton;
+using twinsweep::testing::TempTree;
+using twinsweep::testing::waitUntil;
+using twinsweep::ui::progressTexts;
+using twinsweep::ui::ViewController;
+using twinsweep::ui::ViewControllerProgress;
+
+namespace {
+
+// Holds the search thread at its first progress post until released, so a
+// test can act on a search that is certainly still running.
+class SearchGate {
+  public:
+    SearchGate()
+        : observer_(twinsweep::kUpdateProgress,
+                    [this](const std::string&, const twinsweep::UserInfo&) { hold(); }) {}
+    ~SearchGate() { release(); }
+    void release() {
+        std::lock_guard guard(lock_);
+        open_ = true;
+        wake_.notify_all();
+    }
+    bool reached() const { return reached_.load(); }
+
+  private:
+    void hold() {
+        reached_ = true;
+        std::unique_lock guard(lock_);
+        wake_.wait_for(guard, std::chrono::seconds(30), [this] { return open_; });
+    }
+    std::mutex lock_;
+    std::condition_variable wake_;
+    bool open_ = false;
+    std::atomic<bool> reached_{false};
+    twinsweep::ScopedObserver observer_;
+};
+
+// A home folder under a temporary prefix that the search is allowed to see.
+struct SearchTree {
+    TempTree tree;
+    std::string home;
+    SearchTree() {
+        LocationGate::setProcessDefault(LocationGate::macLayoutUnder(tree.root()));
+        home = tree.mkdir("Users/me");
+    }
+    ~SearchTree() { LocationGate::setProcessDefault(LocationGate::platformDefault()); }
+};
+
+ViewControllerProgress* progressWindow(QWidget* modal) {
+    return qobject_cast<ViewControllerProgress*>(modal);
+}
+
+} // namespace
+
+void SearchFlowTest::init() {
+    SettingsManager::shared()->duplicateFileList.clear();
+}
+
+void SearchFlowTest::cleanup() {
+    QVERIFY(SettingsManager::shared()->duplicateFileList.empty());
+}
+
+void SearchFlowTest::progressTextsFollowTheCounts() {
+    auto t = progressTexts(0, 0);
+    QCOMPARE(t.filesScanned, QStringLiteral("0/0 Files Scanned"));
+    QCOMPARE(t.percents, QStringLiteral("0.0%"));
+    QCOMPARE(t.percent, 0.0f);
+    t = progressTexts(3, 1);
+    QCOMPARE(t.filesScanned, QStringLiteral("1/3 Files Scaned"));
+    QCOMPARE(t.percents, QStringLiteral("33.3%"));
+    QVERIFY(qAbs(t.percent - 33.333f) < 0.01f);
+    t = progressTexts(4500, 120);
+    QCOMPARE(t.filesScanned, QStringLiteral("120/4500 Files Scaned"));
+    QCOMPARE(t.percents, QStringLiteral("2.7%"));
+    t = progressTexts(1234567, 1234567);
+    QCOMPARE(t.filesScanned, QStringLiteral("1234567/1234567 Files Scaned"));
+    QCOMPARE(t.percents, QStringLiteral("100.0%"));
+    // During the walk the total grows while nothing is checked yet.
+    QCOMPARE(progressTexts(250, 0).percents, QStringLiteral("0.0%"));
+}
+
+void SearchFlowTest::searchHandsGroupsToResultsWindow() {
+    SearchTree where;
+    const std::string a = where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
+    const std::string b = where.tree.write("Users/me/sub/b.txt", std::string(3000, 'a'));
+    where.tree.write("Users/me/c.txt", std::string(3000, 'c'));
+    where.tree.write("Users/me/.hidden", std::string(3000, 'a'));
+
+    ViewController window;
+    window.show();
+    window.addFolders({QString::fromStdString(where.home)});
+    window.sliderMinimumFileSize->setValue(0);
+    const auto settings = SettingsManager::shared();
+
+    ModalAnswers answers;
+    std::vector<std::string> members;
+    std::vector<std::int64_t> marks;
+    QString resultsTitle;
+    answers.then("twinsweep::ui::PlaceholderWindow", [&](QWidget* modal) {
+        // The results window: the search's groups are waiting in the settings.
+        resultsTitle = modal->windowTitle();
+        QVERIFY(settings->openDuplicatesWindow);
+        QCOMPARE(settings->duplicateFileList.size(), std::size_t{1});
+        QVERIFY(settings->fileList.empty());
+        for (const auto& member : settings->duplicateFileList.front()->duplicates) {
+            members.push_back(member->path);
+            marks.push_back(member->checkState);
+        }
+        modal->close();
+    });
+    window.buttonFindDuplicateFiles->click();
+
+    QCOMPARE(resultsTitle, QStringLiteral("Duplicate Files"));
+    QCOMPARE(members.size(), std::size_t{2});
+    // The group's own file comes first, unmarked, then its copy.
+    QVERIFY((members == std::vector<std::string>{a, b}) ||
+            (members == std::vector<std::string>{b, a}));
+    QCOMPARE(marks, (std::vector<std::int64_t>{0, 0}));
+    // Closing the results window hands the lists back empty.
+    QVERIFY(settings->duplicateFileList.empty());
+    QVERIFY(!settings->searchCanceledByUser);
+}
+
+void SearchFlowTest::searchWithoutDuplicatesSaysSoAfterClosing() {
+    SearchTree where;
+    where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
+    where.tree.write("Users/me/b.txt", std::string(3000, 'b'));
+    // Outside the allowed roots: never looked at, so no group.
+    where.tree.write("elsewhere/a.txt", std::string(3000, 'a'));
+
+    ViewController window;
+    window.show();
+    window.addFolders(
+        {QString::fromStdString(where.home), QString::fromStdString(where.tree.path("elsewhere"))});
+    window.sliderMinimumFileSize->setValue(0);
+
+    ModalAnswers answers;
+    QString said;
+    bool progressStillUp = true;
+    answers.then("QMessageBox", [&](QWidget* modal) {
+        said = alertText(modal);
+        progressStillUp = false;
+        for (QWidget* w : QApplication::topLevelWidgets()) {
+            progressStillUp = progressStillUp || (progressWindow(w) != nullptr && w->isVisible());
+        }
+        QVERIFY(pressAlertButton(modal, QStringLiteral("OK")));
+    });
+    window.buttonFindDuplicateFiles->click();
+
+    QCOMPARE(said, QStringLiteral("No duplicate files found."));
+    QVERIFY(!progressStillUp);
+    QVERIFY(!SettingsManager::shared()->openDuplicatesWindow);
+    QCOMPARE(answers.answered(), 1);
+}
+
+void SearchFlowTest::cancelStopsSearchWithoutResults() {
+    SearchTree where;
+    where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
+    where.tree.write("Users/me/b.txt", std::string(3000, 'a'));
+
+    ViewController window;
+    window.show();
+    window.addFolders({QString::fromStdString(where.home)});
+    window.sliderMinimumFileSize->setValue(0);
+
+    SearchGate gate;
+    ModalAnswers answers;
+    QString buttonAfterCancel;
+    bool buttonEnabled = true;
+    bool stayedOpen = false;
+    answers.then("twinsweep::ui::ViewControllerProgress", [&](QWidget* modal) {
+        ViewControllerProgress* progress = progressWindow(modal);
+        QVERIFY(progress != nullptr);
+        QVERIFY(waitUntil([&] { return gate.reached(); }));
+        progress->buttonCancelSearch->click();
+        buttonAfterCancel = progress->buttonCancelSearch->text();
+        buttonEnabled = progress->buttonCancelSearch->isEnabled();
+        QVERIFY(SettingsManager::shared()->searchCanceledByUser);
+        // The close button cancels too, but the window waits for the search.
+        progress->close();
+        QTest::keyClick(progress, Qt::Key_Escape);
+        QApplication::processEvents();
+        stayedOpen = progress->isVisible();
+        gate.release();
+    });
+    window.buttonFindDuplicateFiles->click();
+
+    QCOMPARE(buttonAfterCancel, QStringLiteral("Cancelling..."));
+    QVERIFY(!buttonEnabled);
+    QVERIFY(stayedOpen);
+    // No alert and no results window: only the progress window was answered.
+    QCOMPARE(answers.answered(), 1);
+    QVERIFY(!SettingsManager::shared()->openDuplicatesWindow);
+    QVERIFY(SettingsManager::shared()->duplicateFileList.empty());
+}
+
+void SearchFlowTest::minimisedProgressKeepsItsSession() {
+    SearchTree where;
+    where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
+    where.tree.write("Users/me/b.txt", std::string(3000, 'a'));
+
+    ViewController window;
+    window.show();
+    window.addFolders({QString::fromStdString(where.home)});
+    window.sliderMinimumFileSize->setValue(0);
+
+    auto gate = std::make_unique<SearchGate>();
+    ModalAnswers answers;
+    bool minimisedAndRunning = false;
+    bool restoredOnClosing = false;
+    answers.then("twinsweep::ui::ViewControllerProgress", [&](QWidget* modal) {
+        ViewControllerProgress* progress = progressWindow(modal);
+        QVERIFY(progress != nullptr);
+        QObject::connect(progress, &QDialog::finished, progress,
+                         [&, progress] { restoredOnClosing = !progress->isMinimized(); });
+        QVERIFY(waitUntil([&] { return gate->reached(); }));
+        QAction* minimise = progress->findChild<QAction*>(QStringLiteral("actionMinimize"));
+        minimise->trigger();
+        QTest::qWait(50);
+        minimisedAndRunning = progress->isMinimized() &&
+                              QApplication::activeModalWidget() == progress &&
+                              progress->isVisible();
+        gate->release();
+    });
+    // The results window comes up: the minimised window's session ended.
+    answers.then("twinsweep::ui::PlaceholderWindow", [](QWidget* modal) { modal->close(); });
+    window.buttonFindDuplicateFiles->click();
+
+    QVERIFY(minimisedAndRunning);
+    QVERIFY(restoredOnClosing);
+    QCOMPARE(answers.answered(), 2);
+}

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMessageBox>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QTimer>
+#include <QWidget>
+#include <functional>
+
+namespace twinsweep::testing {
+
+// Answers modal windows as they come up: a timer looks for the active modal
+// window and hands each new one to the next handler, in order, when it is of
+// the class that handler expects (others are left to run their course).
+// Handlers run inside the modal window's own event loop, as a user's clicks
+// would.
+class ModalAnswers : public QObject {
+  public:
+    using Handler = std::function<void(QWidget* modal)>;
+
+    ModalAnswers() {
+        connect(&timer_, &QTimer::timeout, this, [this] { poll(); });
+        timer_.start(5);
+    }
+    void then(const char* className, Handler handler) {
+        handlers_.push_back({className, std::move(handler)});
+    }
+    int answered() const { return answered_; }
+    bool allAnswered() const { return handlers_.isEmpty(); }
+
+  private:
+    void poll() {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (modal == nullptr || modal == last_ || !modal->isVisible() || handlers_.isEmpty() ||
+            !modal->inherits(handlers_.front().first)) {
+            return;
+        }
+        last_ = modal;
+        Handler handler = handlers_.takeFirst().second;
+        ++answered_;
+        handler(modal);
+    }
+
+    QTimer timer_;
+    QList<std::pair<const char*, Handler>> handlers_;
+    QPointer<QWidget> last_;
+    int answered_ = 0;
+};
+
+// The informative text of a message box, or "" if modal is something else.
+inline QString alertText(QWidget* modal) {
+    auto* box = qobject_cast<QMessageBox*>(modal);
+    return box == nullptr ? QString() : box->informativeText();
+}
+
+// Presses the button with this title on a message box.
+inline bool pressAlertButton(QWidget* modal, const QString& title) {
+    auto* box = qobject_cast<QMessageBox*>(modal);
+    if (box == nullptr) {
+        return false;
+    }
+    for (QAbstractButton* button : box->buttons()) {
+        if (button->text() == title) {
+            button->click();
+            return true;
+        }
+    }
+    return false;
+}
+
+// Lets the event loop run until done() holds or the time runs out.
+inline bool waitUntil(const std::function<bool()>& done, int timeoutMs = 20000) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!done()) {
+        if (clock.elapsed() > timeoutMs) {
+            return false;
+        }
+        QApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    return true;
+}
+
+} // namespace twinsweep::testing

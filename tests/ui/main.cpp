@@ -1,0 +1,31 @@
+#include <QApplication>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "MainWindowTest.h"
+#include "SearchFlowTest.h"
+#include "ShellTest.h"
+
+int main(int argc, char** argv) {
+    // Help pages are written to the cache folder; keep the user's untouched.
+    QTemporaryDir cache;
+    qputenv("XDG_CACHE_HOME", cache.path().toLocal8Bit());
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("twinsweep-tests"));
+    // The tests open and close main windows one after another.
+    QApplication::setQuitOnLastWindowClosed(false);
+    int failed = 0;
+    {
+        ShellTest shell;
+        failed += QTest::qExec(&shell, argc, argv);
+    }
+    {
+        MainWindowTest mainWindow;
+        failed += QTest::qExec(&mainWindow, argc, argv);
+    }
+    {
+        SearchFlowTest search;
+        failed += QTest::qExec(&search, argc, argv);
+    }
+    return failed == 0 ? 0 : 1;
+}
