@@ -16,6 +16,7 @@
 #include "ui/customkeep/Stepper.h"
 #include "ui/customkeep/ViewControllerCustomKeep.h"
 #include "ui/info/ViewControllerInfo.h"
+#include "ui/shell/WindowFactory.h"
 
 using twinsweep::FileTools;
 using twinsweep::SettingsManager;
@@ -55,6 +56,13 @@ QString writePicture(const TempTree& tree, const std::string& rel, const char* f
 }
 
 } // namespace
+
+void DetailWindowsTest::initTestCase() {
+    // Earlier tests may have put a stand-in under the information window's name.
+    twinsweep::ui::WindowFactory::registerWindow(
+        twinsweep::ui::kWindowControllerInfo,
+        [](QWidget* opener) { return std::make_unique<ViewControllerInfo>(opener); });
+}
 
 void DetailWindowsTest::cleanup() {
     SettingsManager::shared()->duplicateFileList.clear();
@@ -140,7 +148,7 @@ void DetailWindowsTest::okChecksTheFolderOnlyWhenItsRuleIsOn() {
     ModalAnswers answers;
     QStringList said;
     for (int i = 0; i < 2; ++i) {
-        answers.then([&](QWidget* modal) {
+        answers.then("QMessageBox", [&](QWidget* modal) {
             said << alertText(modal);
             QVERIFY(pressAlertButton(modal, QStringLiteral("OK")));
         });
@@ -266,7 +274,7 @@ void DetailWindowsTest::infoOpensFromTheResultsWindow() {
     ModalAnswers answers;
     QString name;
     bool picture = false;
-    answers.then([&](QWidget* modal) {
+    answers.then("twinsweep::ui::ViewControllerInfo", [&](QWidget* modal) {
         auto* info = qobject_cast<ViewControllerInfo*>(modal);
         QVERIFY(info != nullptr);
         name = info->labelFileName->text() + "." + info->labelExtension->text();

@@ -6,6 +6,7 @@
 class DetailWindowsTest : public QObject {
     Q_OBJECT
   private slots:
+    void initTestCase();
     void cleanup();
     void sizeFieldsAreCheckedAndSteppersFollow();
     void extensionListCommands();

@@ -328,7 +328,7 @@ void DuplicatesWindowTest::customWindowOkCancelAndTheKeepOneQuestion() {
 
     ModalAnswers answers;
     QString shownFolder;
-    answers.then([&](QWidget* modal) {
+    answers.then("twinsweep::ui::ViewControllerCustomKeep", [&](QWidget* modal) {
         auto* custom = qobject_cast<ViewControllerCustomKeep*>(modal);
         QVERIFY(custom != nullptr);
         shownFolder = custom->textFieldCustomFilePath->text();
@@ -342,7 +342,7 @@ void DuplicatesWindowTest::customWindowOkCancelAndTheKeepOneQuestion() {
     QCOMPARE(marksOf(found.photos), (Marks{1, 0, 1}));
 
     // OK with the type rule on: every photo matches, none is spared.
-    answers.then([&](QWidget* modal) {
+    answers.then("twinsweep::ui::ViewControllerCustomKeep", [&](QWidget* modal) {
         auto* custom = qobject_cast<ViewControllerCustomKeep*>(modal);
         QVERIFY(custom != nullptr);
         custom->checkCustomFileTypes->setChecked(true);
@@ -360,14 +360,14 @@ void DuplicatesWindowTest::customWindowOkCancelAndTheKeepOneQuestion() {
     // For every group the question comes once, after OK, before the update.
     w.checkApplyForAll->click();
     QString question;
-    answers.then([](QWidget* modal) {
+    answers.then("twinsweep::ui::ViewControllerCustomKeep", [](QWidget* modal) {
         auto* custom = qobject_cast<ViewControllerCustomKeep*>(modal);
         QVERIFY(custom != nullptr);
         // The group's stored rules come back into the window.
         QCOMPARE(custom->tableViewCustomFileTypes->count(), 1);
         custom->buttonOk->click();
     });
-    answers.then([&](QWidget* modal) {
+    answers.then("QMessageBox", [&](QWidget* modal) {
         question = alertText(modal);
         QVERIFY(pressAlertButton(modal, QStringLiteral("Yes, keep the oldest file")));
     });
@@ -391,7 +391,7 @@ void DuplicatesWindowTest::cleaningAsksFirstAndMovesToTheTrash() {
     ModalAnswers answers;
     QStringList said;
     const auto answer = [&](const QString& button) {
-        answers.then([&said, button](QWidget* modal) {
+        answers.then("QMessageBox", [&said, button](QWidget* modal) {
             said << alertText(modal);
             QVERIFY(pressAlertButton(modal, button));
         });
@@ -460,7 +460,7 @@ void DuplicatesWindowTest::cleaningForGoodAndClosingAfterTheLastGroup() {
     ModalAnswers answers;
     QStringList said;
     const auto answer = [&](const QString& button) {
-        answers.then([&said, button](QWidget* modal) {
+        answers.then("QMessageBox", [&said, button](QWidget* modal) {
             said << alertText(modal);
             QVERIFY(pressAlertButton(modal, button));
         });

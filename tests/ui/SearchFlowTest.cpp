@@ -121,7 +121,7 @@ void SearchFlowTest::searchHandsGroupsToResultsWindow() {
     std::vector<std::string> members;
     std::vector<std::int64_t> marks;
     QString resultsTitle;
-    answers.then("twinsweep::ui::PlaceholderWindow", [&](QWidget* modal) {
+    answers.then("twinsweep::ui::ViewControllerDuplicates", [&](QWidget* modal) {
         // The results window: the search's groups are waiting in the settings.
         resultsTitle = modal->windowTitle();
         QVERIFY(settings->openDuplicatesWindow);
@@ -248,7 +248,7 @@ void SearchFlowTest::minimisedProgressKeepsItsSession() {
         gate->release();
     });
     // The results window comes up: the minimised window's session ended.
-    answers.then("twinsweep::ui::PlaceholderWindow", [](QWidget* modal) { modal->close(); });
+    answers.then("twinsweep::ui::ViewControllerDuplicates", [](QWidget* modal) { modal->close(); });
     window.buttonFindDuplicateFiles->click();
 
     QVERIFY(minimisedAndRunning);
