@@ -160,6 +160,9 @@ void DuplicatesWindowTest::opensOnTheSearchResult() {
     QCOMPARE(GroupsModel::countColour(3, 3), QColor(249, 183, 27));
     QCOMPARE(GroupsModel::countColour(3, 1), QColor(Qt::red));
     QCOMPARE(GroupsModel::countColour(3, 0), QColor(Qt::red));
+    // Escape would drop the results: only closing the window does.
+    QTest::keyClick(&w, Qt::Key_Escape);
+    QVERIFY(w.isVisible());
     w.close();
     QVERIFY(SettingsManager::shared()->duplicateFileList.empty());
 }
@@ -172,7 +175,8 @@ void DuplicatesWindowTest::keepOptionsOnOneGroupAndOnAll() {
     selectGroup(w, found.photos);
     const int row = rowOf(w, found.photos);
 
-    chooseSegment(w, 1); // keep the oldest: the second photo stays
+    chooseSegment(w, 1);                        // keep the oldest: the second photo stays
+    QVERIFY(!w.progressIndicator->isVisible()); // one group: no busy indicator
     QVERIFY(settled(w));
     QCOMPARE(marksOf(found.photos), (Marks{1, 0, 1}));
     QCOMPARE(marksOf(found.docs), (Marks{0, 0}));
@@ -195,7 +199,9 @@ void DuplicatesWindowTest::keepOptionsOnOneGroupAndOnAll() {
     QVERIFY(settled(w));
     QCOMPARE(marksOf(found.docs), (Marks{0, 0}));
     chooseSegment(w, 3);
+    QVERIFY(w.progressIndicator->isVisible()); // every group: busy until shown
     QVERIFY(settled(w));
+    QVERIFY(!w.progressIndicator->isVisible());
     for (const FilePtr& g : {found.photos, found.docs, found.songs}) {
         QCOMPARE(twinsweep::markedCount(*g), static_cast<std::int64_t>(g->duplicates.size()));
         QCOMPARE(g->keepOption, std::int64_t{3});

@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
@@ -155,6 +156,15 @@ void ViewControllerDuplicates::viewDidDisappear() {
     settingsManager->fileList.clear();
     settingsManager->duplicateFileList.clear();
     ModalWindow::viewDidDisappear();
+}
+
+void ViewControllerDuplicates::keyPressEvent(QKeyEvent* event) {
+    // Closing drops the results; a stray Escape must not do that.
+    if (event->key() == Qt::Key_Escape) {
+        event->ignore();
+        return;
+    }
+    ModalWindow::keyPressEvent(event);
 }
 
 void ViewControllerDuplicates::waitForBackgroundJobs() {

@@ -75,6 +75,7 @@ class ViewControllerDuplicates : public ModalWindow {
 
   protected:
     void viewDidDisappear() override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void viewDidLoad();
