@@ -26,16 +26,28 @@ case "$HOME" in
   *) demo=/mnt/twinsweep-demo ;;
 esac
 rm -rf "$demo"
-mkdir -p "$demo/Photos/2023" "$demo/Photos/Backup" "$demo/Music" "$demo/Downloads"
-# Enough data that the search is still running when the picture is taken.
-for i in $(seq 1 12); do
-  head -c $((40 * 1024 * 1024)) /dev/urandom > "$demo/Photos/2023/IMG_$i.jpg"
-  cp "$demo/Photos/2023/IMG_$i.jpg" "$demo/Photos/Backup/IMG_$i copy.jpg"
-done
-for i in $(seq 1 400); do
-  head -c $((300 * 1024 + i)) /dev/urandom > "$demo/Music/track_$i.mp3"
-done
-cp "$demo/Music/track_7.mp3" "$demo/Downloads/track_7 (1).mp3"
+# Enough data that the search is still running when the picture is taken:
+# large copies first, then many same-size files that must all be read.
+python3 - "$demo" <<'PY'
+import os, random, sys
+root = sys.argv[1]
+rng = random.Random(5)
+pool = rng.randbytes(48 * 1024 * 1024)
+def write(rel, size, seed):
+    path = os.path.join(root, rel)
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    start = (seed * 7919) % (len(pool) - size)
+    with open(path, "wb") as f:
+        f.write(pool[start:start + size])
+for i in range(4):
+    write(f"Videos/clip_{i}.mp4", 40 * 1024 * 1024, i)
+    write(f"Videos/Backup/clip_{i} copy.mp4", 40 * 1024 * 1024, i)
+for i in range(1600):
+    size = 300 * 1024 + i % 400
+    write(f"Music/Album {i % 40}/track_{i}.mp3", size, 1000 + i)
+    if i % 2 == 0:
+        write(f"Photos/Backup/{i % 10}/track_{i}.mp3", size, 1000 + i)
+PY
 sync
 
 display=:$((90 + RANDOM % 9))
@@ -61,8 +73,17 @@ import -window "$main" docs/main-window.png
 # Start the search and catch the progress window while it works.
 xdotool mousemove --window "$main" 568 699 click 1
 progress=$(xdotool search --sync --onlyvisible --name '^Searching for Duplicate Files$' | head -n 1)
-sleep 0.8
-import -window "$progress" docs/progress-window.png
+# Frames while it runs; the last whole one shows it furthest along.
+frames=$(mktemp -d)
+n=0
+while xdotool search --onlyvisible --name '^Searching for Duplicate Files$' >/dev/null 2>&1; do
+  n=$((n + 1))
+  import -window "$progress" "$frames/$n.png" 2>/dev/null || break
+  sleep 0.4
+done
+[ "$n" -gt 2 ] && n=$((n - 1)) # the very last one may be of a closing window
+cp "$frames/$n.png" docs/progress-window.png
+rm -rf "$frames"
 
 results=$(xdotool search --sync --onlyvisible --name '^Duplicate Files$' | head -n 1)
 sleep 0.5

@@ -156,15 +156,15 @@ int main(int argc, char** argv) {
         cli::CommandLinePrompt prompt(options.yes, options.removal == cli::Removal::DryRun,
                                       STDIN_FILENO, stderr);
         const cli::ActResult acted = cli::markAndClean(options, *settings, prompt, remover);
+        int code = acted.exitCode;
         if (!writeAll(reportFd, acted.report)) {
             std::fprintf(stderr, "twinsweep-cli: cannot write the report: %s\n",
                          std::strerror(errno));
-            std::fflush(nullptr);
-            ::_exit(1);
+            code = 1;
         }
-        // Like the report below: the engine is left to the process's end.
+        // Like the plain report below: leave without taking the records apart.
         std::fflush(nullptr);
-        ::_exit(acted.exitCode);
+        ::_exit(code);
     }
 
     const cli::ReportSink sink = [&](std::string_view piece) { return writeAll(reportFd, piece); };

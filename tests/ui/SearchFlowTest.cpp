@@ -69,7 +69,20 @@ struct SearchTree {
         home = tree.mkdir("Users/me");
     }
     ~SearchTree() { LocationGate::setProcessDefault(LocationGate::platformDefault()); }
+    void writeCopies() const {
+        tree.write("Users/me/a.txt", std::string(3000, 'a'));
+        tree.write("Users/me/b.txt", std::string(3000, 'a'));
+    }
 };
+
+// A shown main window set to search these folders, small files included.
+std::unique_ptr<ViewController> searchWindow(const QStringList& folders) {
+    auto window = std::make_unique<ViewController>();
+    window->show();
+    window->addFolders(folders);
+    window->sliderMinimumFileSize->setValue(0);
+    return window;
+}
 
 ViewControllerProgress* progressWindow(QWidget* modal) {
     return qobject_cast<ViewControllerProgress*>(modal);
@@ -110,18 +123,14 @@ void SearchFlowTest::searchHandsGroupsToResultsWindow() {
     const std::string b = where.tree.write("Users/me/sub/b.txt", std::string(3000, 'a'));
     where.tree.write("Users/me/c.txt", std::string(3000, 'c'));
     where.tree.write("Users/me/.hidden", std::string(3000, 'a'));
-
-    ViewController window;
-    window.show();
-    window.addFolders({QString::fromStdString(where.home)});
-    window.sliderMinimumFileSize->setValue(0);
+    auto window = searchWindow({QString::fromStdString(where.home)});
     const auto settings = SettingsManager::shared();
 
     ModalAnswers answers;
     std::vector<std::string> members;
     std::vector<std::int64_t> marks;
     QString resultsTitle;
-    answers.then("twinsweep::ui::PlaceholderWindow", [&](QWidget* modal) {
+    answers.then("twinsweep::ui::ViewControllerDuplicates", [&](QWidget* modal) {
         // The results window: the search's groups are waiting in the settings.
         resultsTitle = modal->windowTitle();
         QVERIFY(settings->openDuplicatesWindow);
@@ -133,7 +142,7 @@ void SearchFlowTest::searchHandsGroupsToResultsWindow() {
         }
         modal->close();
     });
-    window.buttonFindDuplicateFiles->click();
+    window->buttonFindDuplicateFiles->click();
 
     QCOMPARE(resultsTitle, QStringLiteral("Duplicate Files"));
     QCOMPARE(members.size(), std::size_t{2});
@@ -152,12 +161,8 @@ void SearchFlowTest::searchWithoutDuplicatesSaysSoAfterClosing() {
     where.tree.write("Users/me/b.txt", std::string(3000, 'b'));
     // Outside the allowed roots: never looked at, so no group.
     where.tree.write("elsewhere/a.txt", std::string(3000, 'a'));
-
-    ViewController window;
-    window.show();
-    window.addFolders(
+    auto window = searchWindow(
         {QString::fromStdString(where.home), QString::fromStdString(where.tree.path("elsewhere"))});
-    window.sliderMinimumFileSize->setValue(0);
 
     ModalAnswers answers;
     QString said;
@@ -170,7 +175,7 @@ void SearchFlowTest::searchWithoutDuplicatesSaysSoAfterClosing() {
         }
         QVERIFY(pressAlertButton(modal, QStringLiteral("OK")));
     });
-    window.buttonFindDuplicateFiles->click();
+    window->buttonFindDuplicateFiles->click();
 
     QCOMPARE(said, QStringLiteral("No duplicate files found."));
     QVERIFY(!progressStillUp);
@@ -180,13 +185,8 @@ void SearchFlowTest::searchWithoutDuplicatesSaysSoAfterClosing() {
 
 void SearchFlowTest::cancelStopsSearchWithoutResults() {
     SearchTree where;
-    where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
-    where.tree.write("Users/me/b.txt", std::string(3000, 'a'));
-
-    ViewController window;
-    window.show();
-    window.addFolders({QString::fromStdString(where.home)});
-    window.sliderMinimumFileSize->setValue(0);
+    where.writeCopies();
+    auto window = searchWindow({QString::fromStdString(where.home)});
 
     SearchGate gate;
     ModalAnswers answers;
@@ -208,7 +208,7 @@ void SearchFlowTest::cancelStopsSearchWithoutResults() {
         stayedOpen = progress->isVisible();
         gate.release();
     });
-    window.buttonFindDuplicateFiles->click();
+    window->buttonFindDuplicateFiles->click();
 
     QCOMPARE(buttonAfterCancel, QStringLiteral("Cancelling..."));
     QVERIFY(!buttonEnabled);
@@ -221,13 +221,8 @@ void SearchFlowTest::cancelStopsSearchWithoutResults() {
 
 void SearchFlowTest::minimisedProgressKeepsItsSession() {
     SearchTree where;
-    where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
-    where.tree.write("Users/me/b.txt", std::string(3000, 'a'));
-
-    ViewController window;
-    window.show();
-    window.addFolders({QString::fromStdString(where.home)});
-    window.sliderMinimumFileSize->setValue(0);
+    where.writeCopies();
+    auto window = searchWindow({QString::fromStdString(where.home)});
 
     auto gate = std::make_unique<SearchGate>();
     ModalAnswers answers;
@@ -248,8 +243,8 @@ void SearchFlowTest::minimisedProgressKeepsItsSession() {
         gate->release();
     });
     // The results window comes up: the minimised window's session ended.
-    answers.then("twinsweep::ui::PlaceholderWindow", [](QWidget* modal) { modal->close(); });
-    window.buttonFindDuplicateFiles->click();
+    answers.then("twinsweep::ui::ViewControllerDuplicates", [](QWidget* modal) { modal->close(); });
+    window->buttonFindDuplicateFiles->click();
 
     QVERIFY(minimisedAndRunning);
     QVERIFY(restoredOnClosing);

@@ -12,6 +12,7 @@
 
 #include "UiTestSupport.h"
 #include "ui/main/ViewController.h"
+#include "ui/platform/FileTypeIcons.h"
 #include "ui/platform/HelpPages.h"
 #include "ui/shell/Alert.h"
 #include "ui/shell/AppDelegate.h"
@@ -137,4 +138,16 @@ void ShellTest::lastWindowClosedEndsTheApplication() {
         QVERIFY(QApplication::quitOnLastWindowClosed());
     }
     QApplication::setQuitOnLastWindowClosed(before);
+}
+
+void ShellTest::fileTypeIconsComeFromTheExtension() {
+    using twinsweep::ui::fileIcon;
+    using twinsweep::ui::iconForExtension;
+    QVERIFY(!iconForExtension(QStringLiteral("jpg")).isNull());
+    QVERIFY(!iconForExtension(QString()).isNull());
+    QVERIFY(!iconForExtension(QStringLiteral("no-such-type")).isNull());
+    // Only the name counts, lower-cased; the file need not exist.
+    QCOMPARE(fileIcon("/nowhere/Photo.JPG").cacheKey(),
+             iconForExtension(QStringLiteral("jpg")).cacheKey());
+    QCOMPARE(fileIcon("/nowhere/README").cacheKey(), iconForExtension(QString()).cacheKey());
 }

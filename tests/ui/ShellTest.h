@@ -17,6 +17,7 @@ class ShellTest : public QObject {
     void helpPagesOpenFromEveryWindow();
     void alertKeepsButtonOrderAndEscapeDeclines();
     void lastWindowClosedEndsTheApplication();
+    void fileTypeIconsComeFromTheExtension();
 
   private:
     QList<QUrl> opened_;

@@ -2,6 +2,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "DetailWindowsTest.h"
+#include "DuplicatesWindowTest.h"
 #include "MainWindowTest.h"
 #include "SearchFlowTest.h"
 #include "ShellTest.h"
@@ -26,6 +28,14 @@ int main(int argc, char** argv) {
     {
         SearchFlowTest search;
         failed += QTest::qExec(&search, argc, argv);
+    }
+    {
+        DuplicatesWindowTest results;
+        failed += QTest::qExec(&results, argc, argv);
+    }
+    {
+        DetailWindowsTest details;
+        failed += QTest::qExec(&details, argc, argv);
     }
     return failed == 0 ? 0 : 1;
 }

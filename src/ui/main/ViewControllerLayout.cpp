@@ -154,7 +154,7 @@ void ViewController::buildLayout() {
     removalGroup->addButton(radioMoveDuplicateFilesToTrash);
     removalGroup->addButton(radioRemoveDuplicateFilesPermanently);
     checkIgnoreBundles =
-        named(new QCheckBox(QStringLiteral("Skip packages (treat application bundles as one item)"),
+        named(new QCheckBox(QStringLiteral("Skip packages (application bundles and similar folders)"),
                             options),
               "checkIgnoreBundles");
     checkCompareLargeFilesByContent =

@@ -1,6 +1,7 @@
 #include "ui/shell/Alert.h"
 
 #include <QAbstractButton>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QVector>
@@ -23,6 +24,12 @@ int runAlert(QWidget* parent, const QString& informativeText, const QStringList&
     if (!made.isEmpty()) {
         box.setDefaultButton(qobject_cast<QPushButton*>(made.front()));
         box.setEscapeButton(made.back());
+    }
+    // An empty message text leaves the box as narrow as its buttons; give the
+    // sentence room so it reads in two or three lines, not six.
+    if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
+        grid->addItem(new QSpacerItem(380, 0, QSizePolicy::Minimum, QSizePolicy::Expanding),
+                      grid->rowCount(), 0, 1, grid->columnCount());
     }
     box.exec();
     const int index = static_cast<int>(made.indexOf(box.clickedButton()));

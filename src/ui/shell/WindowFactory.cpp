@@ -2,7 +2,10 @@
 
 #include <QHash>
 
-#include "ui/placeholder/PlaceholderWindow.h"
+#include "settings/SettingsManager.h"
+#include "ui/customkeep/ViewControllerCustomKeep.h"
+#include "ui/duplicates/ViewControllerDuplicates.h"
+#include "ui/info/ViewControllerInfo.h"
 #include "ui/progress/ViewControllerProgress.h"
 
 namespace twinsweep::ui {
@@ -15,15 +18,17 @@ QHash<QString, WindowFactory::Maker>& makers() {
         t.insert(kWindowControllerProgress,
                  [](QWidget* opener) { return std::make_unique<ViewControllerProgress>(opener); });
         t.insert(kWindowControllerDuplicates, [](QWidget* opener) {
-            return std::make_unique<PlaceholderWindow>(opener, QStringLiteral("Duplicate Files"),
-                                                       true);
+            return std::make_unique<ViewControllerDuplicates>(opener);
         });
         t.insert(kWindowControllerCustomKeep, [](QWidget* opener) {
-            return std::make_unique<PlaceholderWindow>(opener, QStringLiteral("Custom Selection"));
+            // The rules edited are those of the results window's selected group.
+            auto* results = qobject_cast<ViewControllerDuplicates*>(opener);
+            std::string folder =
+                results ? results->groupFolder(SettingsManager::shared()->selectedFile) : "";
+            return std::make_unique<ViewControllerCustomKeep>(opener, std::move(folder));
         });
-        t.insert(kWindowControllerInfo, [](QWidget* opener) {
-            return std::make_unique<PlaceholderWindow>(opener, QStringLiteral("File Information"));
-        });
+        t.insert(kWindowControllerInfo,
+                 [](QWidget* opener) { return std::make_unique<ViewControllerInfo>(opener); });
         return t;
     }();
     return table;

@@ -1,0 +1,113 @@
+#!/usr/bin/env bash
+# Takes the screenshots of the results, custom keep rules and file information
+# windows in docs/ from the real application on a virtual display: a small
+# demo folder of pictures, music and documents is searched, a keep option is
+# chosen, then the other two windows are opened from the results window.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
+need=()
+for p in imagemagick xdotool xvfb; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || need+=("$p")
+done
+if [ "${#need[@]}" -gt 0 ]; then
+  $SUDO apt-get update -q
+  $SUDO DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${need[@]}"
+fi
+BUILD_DIR=${BUILD_DIR:-build}
+[ -f "$BUILD_DIR/CMakeCache.txt" ] || bash scripts/build.sh
+cmake --build "$BUILD_DIR" --target twinsweep
+APP=$PWD/$BUILD_DIR/src/ui/twinsweep
+
+case "$HOME" in
+  /home/*) demo="$HOME/twinsweep-demo" ;;
+  *) demo=/mnt/twinsweep-demo ;;
+esac
+rm -rf "$demo"
+python3 - "$demo" <<'PY'
+import os, random, struct, sys, zlib
+root = sys.argv[1]
+rng = random.Random(7)
+def write(rel, data):
+    path = os.path.join(root, rel)
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path, "wb") as f:
+        f.write(data)
+def png(width, height, seed):
+    r = random.Random(seed)
+    c1 = [r.randrange(256) for _ in range(3)]
+    c2 = [r.randrange(256) for _ in range(3)]
+    rows = b""
+    for y in range(height):
+        rows += b"\0"
+        for x in range(width):
+            t = (x + y) / (width + height)
+            # A little grain keeps the file above the default minimum size.
+            rows += bytes(min(255, int(a + (b - a) * t) + r.randrange(24)) for a, b in zip(c1, c2))
+    def chunk(kind, body):
+        return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0))
+            + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+for i, name in enumerate(["Beach", "Mountains", "Birthday", "Garden"]):
+    data = png(400, 300, i)
+    write(f"Pictures/{name}.png", data)
+    write(f"Pictures/Backup/{name}.png", data)
+    if i % 2 == 0:
+        write(f"Desktop/{name} copy.png", data)
+for i in range(6):
+    data = rng.randbytes(600_000 + i * 1000)
+    write(f"Music/Album/track_{i}.mp3", data)
+    write(f"Downloads/track_{i}.mp3", data)
+for name in ["Report", "Invoice"]:
+    data = rng.randbytes(300_000)
+    write(f"Documents/{name}.pdf", data)
+    write(f"Documents/Old/{name}.pdf", data)
+PY
+
+display=:$((90 + RANDOM % 9))
+Xvfb "$display" -screen 0 1280x900x24 -nolisten tcp &
+xvfb=$!
+trap 'kill "$app" "$xvfb" 2>/dev/null || true; rm -rf "$demo"' EXIT
+export DISPLAY=$display
+sleep 1
+"$APP" &
+app=$!
+main=$(xdotool search --sync --onlyvisible --name '^Twinsweep$' | head -n 1)
+sleep 1
+# Add the demo folder through the folder dialog, then search.
+xdotool mousemove --window "$main" 577 67 click 1
+xdotool search --sync --onlyvisible --name '^Add Folders$' >/dev/null
+sleep 0.5
+xdotool type --delay 5 "$demo"
+xdotool key Return
+sleep 1
+xdotool mousemove --window "$main" 568 699 click 1
+results=$(xdotool search --sync --onlyvisible --name '^Duplicate Files$' | head -n 1)
+xdotool windowmove "$results" 0 0
+sleep 1
+# Keep the oldest copy of every group, and show a picture's copies.
+xdotool mousemove --window "$results" 808 48 click 1 # apply to all
+xdotool mousemove --window "$results" 286 49 click 1 # keep oldest
+sleep 1
+xdotool mousemove --window "$results" 100 227 click 1 # a picture
+sleep 0.5
+xdotool mousemove --window "$results" 600 117 click 1 # its second copy
+sleep 0.5
+import -window "$results" docs/results-window.png
+
+xdotool mousemove --window "$results" 898 489 click 1 # File Info
+info=$(xdotool search --sync --onlyvisible --name '^File Information$' | head -n 1)
+sleep 1.5
+import -window "$info" docs/info-window.png
+xdotool windowactivate --sync "$info" 2>/dev/null || true
+xdotool key Escape
+sleep 0.5
+
+xdotool mousemove --window "$results" 808 48 click 1 # untick apply to all
+xdotool mousemove --window "$results" 722 49 click 1 # Custom…
+custom=$(xdotool search --sync --onlyvisible --name '^Custom Selection$' | head -n 1)
+sleep 1
+import -window "$custom" docs/custom-keep-window.png
+xdotool key Escape
+echo "screenshots written to docs/"

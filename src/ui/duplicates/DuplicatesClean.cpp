@@ -1,0 +1,53 @@
+// Cleaning from the window: the core decides what goes and asks through the
+// window's alerts; the platform removes.
+#include <QPushButton>
+
+#include "platform/PlatformRemover.h"
+#include "selection/Cleaning.h"
+#include "ui/duplicates/GroupsModel.h"
+#include "ui/duplicates/ViewControllerDuplicates.h"
+#include "ui/shell/Alert.h"
+
+namespace twinsweep::ui {
+
+namespace {
+
+class AlertPrompt : public CleaningPrompt {
+  public:
+    explicit AlertPrompt(QWidget* parent) : parent_(parent) {}
+    bool ask(CleaningAlert alert) override {
+        const AlertText& text = alertText(alert);
+        QStringList buttons;
+        for (const std::string& title : text.buttons) {
+            buttons << QString::fromStdString(title);
+        }
+        return runAlert(parent_, QString::fromStdString(text.informativeText), buttons) == 0;
+    }
+
+  private:
+    QWidget* parent_;
+};
+
+} // namespace
+
+void ViewControllerDuplicates::OnClean() {
+    // Cleaning changes the groups' member lists, which a running job reads.
+    waitForBackgroundJobs();
+    categoriesChanged = false;
+    AlertPrompt prompt(this);
+    PlatformRemover remover;
+    const CleaningReport report = clean(fileList, *settingsManager, prompt, remover);
+    if (report.outcome != CleaningOutcome::Cleaned) {
+        return;
+    }
+    firstUpdate = true;
+    groupsModel_->refresh();
+    selectGroupRow(0);
+    UpdateResults();
+    prompt.ask(CleaningAlert::Done);
+    if (settingsManager->duplicateFileList.empty()) {
+        close();
+    }
+}
+
+} // namespace twinsweep::ui

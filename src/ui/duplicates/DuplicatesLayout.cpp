@@ -1,0 +1,153 @@
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSplitter>
+#include <QTableView>
+#include <QVBoxLayout>
+
+#include "ui/duplicates/GroupsModel.h"
+#include "ui/duplicates/MembersModel.h"
+#include "ui/duplicates/SegmentedControl.h"
+#include "ui/duplicates/ViewControllerDuplicates.h"
+
+namespace twinsweep::ui {
+
+namespace {
+
+QTableView* makeTable(QWidget* parent, const QString& name) {
+    auto* table = new QTableView(parent);
+    table->setObjectName(name);
+    table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table->setSelectionMode(QAbstractItemView::SingleSelection);
+    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table->verticalHeader()->hide();
+    // Fixed row heights: the view never measures 50,000 rows.
+    table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    table->verticalHeader()->setDefaultSectionSize(22);
+    table->setWordWrap(false);
+    table->setShowGrid(false);
+    table->setAlternatingRowColors(true);
+    return table;
+}
+
+} // namespace
+
+void ViewControllerDuplicates::buildLayout() {
+    setWindowTitle(QStringLiteral("Duplicate Files"));
+    auto* contents = new QWidget(this);
+    auto* outer = new QVBoxLayout(contents);
+
+    // Keep option and apply-to-all.
+    auto* keepRow = new QHBoxLayout;
+    keepRow->addWidget(new QLabel(QStringLiteral("Select:"), contents));
+    segmentedControlKeep = new SegmentedControl(
+        {QStringLiteral("Keep All"), QStringLiteral("Keep Oldest"), QStringLiteral("Keep Newest"),
+         QStringLiteral("Remove All"), QStringLiteral("Custom…")},
+        contents);
+    segmentedControlKeep->setObjectName(QStringLiteral("segmentedControlKeep"));
+    keepRow->addWidget(segmentedControlKeep, 1);
+    checkApplyForAll = new QCheckBox(QStringLiteral("Apply to all groups"), contents);
+    checkApplyForAll->setObjectName(QStringLiteral("checkApplyForAll"));
+    keepRow->addWidget(checkApplyForAll);
+    progressIndicator = new QProgressBar(contents);
+    progressIndicator->setObjectName(QStringLiteral("progressIndicator"));
+    progressIndicator->setRange(0, 0); // busy: no amount, just motion
+    progressIndicator->setTextVisible(false);
+    progressIndicator->setFixedWidth(90);
+    keepRow->addWidget(progressIndicator);
+    outer->addLayout(keepRow);
+
+    // The two tables.
+    auto* split = new QSplitter(Qt::Horizontal, contents);
+    tableViewFiles = makeTable(split, QStringLiteral("TableViewFiles"));
+    groupsModel_ = new GroupsModel(&fileList, this);
+    tableViewFiles->setModel(groupsModel_);
+    QHeaderView* groupsHeader = tableViewFiles->horizontalHeader();
+    groupsHeader->setSectionResizeMode(GroupsModel::ColumnIcon, QHeaderView::Fixed);
+    groupsHeader->resizeSection(GroupsModel::ColumnIcon, 26);
+    groupsHeader->setSectionResizeMode(GroupsModel::ColumnName, QHeaderView::Stretch);
+    groupsHeader->resizeSection(GroupsModel::ColumnSize, 80);
+    groupsHeader->resizeSection(GroupsModel::ColumnCount, 60);
+
+    tableViewDuplicates = makeTable(split, QStringLiteral("TableViewDuplicate"));
+    membersModel_ = new MembersModel(this);
+    tableViewDuplicates->setModel(membersModel_);
+    QHeaderView* membersHeader = tableViewDuplicates->horizontalHeader();
+    membersHeader->setSectionResizeMode(MembersModel::ColumnCheck, QHeaderView::Fixed);
+    membersHeader->resizeSection(MembersModel::ColumnCheck, 26);
+    membersHeader->setSectionResizeMode(MembersModel::ColumnPath, QHeaderView::Stretch);
+    membersHeader->resizeSection(MembersModel::ColumnDate, 130);
+    split->setStretchFactor(0, 2);
+    split->setStretchFactor(1, 3);
+    outer->addWidget(split, 1);
+
+    // Member commands.
+    auto* memberRow = new QHBoxLayout;
+    memberRow->addStretch(1);
+    buttonReveal = new QPushButton(QStringLiteral("Show in File Manager"), contents);
+    buttonReveal->setObjectName(QStringLiteral("buttonReveal"));
+    buttonInfo = new QPushButton(QStringLiteral("File Info"), contents);
+    buttonInfo->setObjectName(QStringLiteral("buttonInfo"));
+    memberRow->addWidget(buttonReveal);
+    memberRow->addWidget(buttonInfo);
+    outer->addLayout(memberRow);
+
+    // Categories, space saved and Clean.
+    auto* bottom = new QHBoxLayout;
+    auto* categories = new QGroupBox(QStringLiteral("Categories"), contents);
+    auto* grid = new QGridLayout(categories);
+    static const char* const kNames[kCategoryCount] = {"Pictures", "Music",     "Movies",
+                                                       "Archives", "Documents", "Other"};
+    for (int k = 0; k < kCategoryCount; ++k) {
+        const int row = k % 3;
+        const int col = (k / 3) * 3;
+        auto* box = new QCheckBox(QString::fromLatin1(kNames[k]), categories);
+        box->setObjectName(QStringLiteral("check") + QLatin1String(kNames[k]));
+        auto* bar = new QProgressBar(categories);
+        bar->setObjectName(QStringLiteral("progressIndicator") + QLatin1String(kNames[k]));
+        bar->setRange(0, 100);
+        bar->setTextVisible(false);
+        bar->setMaximumHeight(12);
+        auto* percent = new QLabel(QStringLiteral("0%"), categories);
+        percent->setObjectName(QStringLiteral("textField") + QLatin1String(kNames[k]) +
+                               QStringLiteral("Percents"));
+        percent->setMinimumWidth(40);
+        percent->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        grid->addWidget(box, row, col);
+        grid->addWidget(bar, row, col + 1);
+        grid->addWidget(percent, row, col + 2);
+        categoryChecks[static_cast<std::size_t>(k)] = box;
+        categoryBars[static_cast<std::size_t>(k)] = bar;
+        categoryPercents[static_cast<std::size_t>(k)] = percent;
+    }
+    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(4, 1);
+    bottom->addWidget(categories, 1);
+
+    auto* cleanBox = new QVBoxLayout;
+    cleanBox->addStretch(1);
+    cleanBox->addWidget(new QLabel(QStringLiteral("Space saved:"), contents));
+    labelSpaceSaved = new QLabel(contents);
+    labelSpaceSaved->setObjectName(QStringLiteral("labelSpaceSaved"));
+    QFont big = labelSpaceSaved->font();
+    big.setPointSizeF(big.pointSizeF() * 1.6);
+    big.setBold(true);
+    labelSpaceSaved->setFont(big);
+    cleanBox->addWidget(labelSpaceSaved);
+    buttonClean = new QPushButton(QStringLiteral("Clean"), contents);
+    buttonClean->setObjectName(QStringLiteral("buttonClean"));
+    buttonClean->setMinimumWidth(120);
+    cleanBox->addWidget(buttonClean);
+    bottom->addLayout(cleanBox);
+    outer->addLayout(bottom);
+
+    setContents(contents);
+    resize(960, 640);
+}
+
+} // namespace twinsweep::ui

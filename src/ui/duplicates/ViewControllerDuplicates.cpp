@@ -1,0 +1,177 @@
+#include "ui/duplicates/ViewControllerDuplicates.h"
+
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QItemSelectionModel>
+#include <QKeyEvent>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTableView>
+
+#include "engine/FileTools.h"
+#include "selection/CustomSettingsText.h"
+#include "selection/KeepOptions.h"
+#include "ui/duplicates/GroupsModel.h"
+#include "ui/duplicates/MembersModel.h"
+#include "ui/duplicates/RevealFile.h"
+#include "ui/duplicates/SegmentedControl.h"
+#include "ui/info/ViewControllerInfo.h"
+#include "ui/shell/WindowFactory.h"
+
+namespace twinsweep::ui {
+
+ViewControllerDuplicates::ViewControllerDuplicates(QWidget* opener)
+    : ModalWindow(opener), settingsManager(SettingsManager::shared()) {
+    buildLayout();
+    viewDidLoad();
+}
+
+ViewControllerDuplicates::~ViewControllerDuplicates() = default;
+
+void ViewControllerDuplicates::viewDidLoad() {
+    connect(tableViewFiles->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { tableViewSelectionDidChange(); });
+    membersModel_->onToggle = [this](int row) { toggleMember(row); };
+    connect(segmentedControlKeep, &SegmentedControl::clicked, this,
+            &ViewControllerDuplicates::OnSegmentedControlKeepChanged);
+    connect(checkApplyForAll, &QCheckBox::clicked, this,
+            &ViewControllerDuplicates::OnApplyForAllChecked);
+    for (QCheckBox* box : categoryChecks) {
+        connect(box, &QCheckBox::clicked, this, &ViewControllerDuplicates::OnCategoryChecked);
+    }
+    connect(buttonClean, &QPushButton::clicked, this, &ViewControllerDuplicates::OnClean);
+    connect(buttonReveal, &QPushButton::clicked, this,
+            &ViewControllerDuplicates::OnGoToSourceDirectoryButton);
+    connect(buttonInfo, &QPushButton::clicked, this, &ViewControllerDuplicates::OnShowInfo);
+    connect(tableViewDuplicates, &QTableView::doubleClicked, this,
+            &ViewControllerDuplicates::OnShowInfo);
+    ResetResultsWindow();
+    UpdateResults();
+}
+
+void ViewControllerDuplicates::ResetResultsWindow() {
+    categoriesChanged = false;
+    setBusy(false);
+    segmentedControlKeep->setSelectedSegment(kKeepAll);
+    checkApplyForAll->setChecked(false);
+    for (QCheckBox* box : categoryChecks) {
+        box->setChecked(true);
+    }
+    resetKeepOptions(settingsManager->duplicateFileList);
+    resetCustomSettings(*settingsManager);
+    showSpaceSaved(SpaceSaved{0, FileTools::fileSizeText(0), kPlainTextColour});
+}
+
+std::string ViewControllerDuplicates::groupFolder(std::int64_t row) const {
+    if (row < 0 || static_cast<std::size_t>(row) >= fileList.size()) {
+        return {};
+    }
+    return parentFolder(fileList[static_cast<std::size_t>(row)]->path);
+}
+
+void ViewControllerDuplicates::tableViewSelectionDidChange() {
+    const QModelIndexList rows = tableViewFiles->selectionModel()->selectedRows();
+    const int s = rows.isEmpty() ? -1 : rows.front().row();
+    if (s < 0 || static_cast<std::size_t>(s) >= fileList.size()) {
+        selectedRow = 0;
+        return;
+    }
+    selectedRow = s;
+    const FilePtr& group = fileList[static_cast<std::size_t>(s)];
+    segmentedControlKeep->setSelectedSegment(static_cast<int>(group->keepOption));
+    membersModel_->setGroup(group);
+}
+
+void ViewControllerDuplicates::selectGroupRow(int row) {
+    if (row >= 0 && row < groupsModel_->rowCount()) {
+        tableViewFiles->selectRow(row);
+        tableViewFiles->scrollTo(groupsModel_->index(row, 0));
+        // Selecting the row already selected sends no change; the members
+        // table must follow the list all the same.
+        tableViewSelectionDidChange();
+    } else {
+        tableViewFiles->clearSelection();
+        membersModel_->setGroup(nullptr);
+        selectedRow = 0;
+    }
+}
+
+void ViewControllerDuplicates::toggleMember(int row) {
+    if (fileList.empty() || static_cast<std::size_t>(selectedRow) >= fileList.size()) {
+        return;
+    }
+    const File& group = *fileList[static_cast<std::size_t>(selectedRow)];
+    if (row < 0 || static_cast<std::size_t>(row) >= group.duplicates.size()) {
+        return;
+    }
+    const auto index = static_cast<std::size_t>(row);
+    DuplicateFile& member = *group.duplicates[index];
+    member.checkState = member.checkState == 0 ? 1 : 0;
+    // Another entry of the same group (never the case with shared records)
+    // carries the same mark.
+    for (const FilePtr& other : settingsManager->duplicateFileList) {
+        if (other->path == group.path && other->duplicates.size() > index) {
+            other->duplicates[index]->checkState = member.checkState;
+        }
+    }
+    UpdateSpaceSaved();
+}
+
+DuplicateFilePtr ViewControllerDuplicates::selectedMember() const {
+    const FilePtr& group = membersModel_->group();
+    const QModelIndexList rows = tableViewDuplicates->selectionModel()->selectedRows();
+    if (!group || rows.isEmpty()) {
+        return nullptr;
+    }
+    const auto row = static_cast<std::size_t>(rows.front().row());
+    return row < group->duplicates.size() ? group->duplicates[row] : nullptr;
+}
+
+void ViewControllerDuplicates::OnGoToSourceDirectoryButton() {
+    if (const DuplicateFilePtr member = selectedMember()) {
+        revealInFileManager(member->path);
+    }
+}
+
+void ViewControllerDuplicates::OnShowInfo() {
+    const DuplicateFilePtr member = selectedMember();
+    if (!member) {
+        return;
+    }
+    settingsManager->currentSelectedFilePath = member->path;
+    std::unique_ptr<ModalWindow> window = WindowFactory::make(kWindowControllerInfo, this);
+    if (auto* info = qobject_cast<ViewControllerInfo*>(window.get())) {
+        info->fillLabels(member->path, membersModel_->group()->size);
+    }
+    if (window) {
+        window->runModal();
+    }
+}
+
+void ViewControllerDuplicates::viewDidDisappear() {
+    // The running job reads the result lists; let it end before they go.
+    waitForBackgroundJobs();
+    settingsManager->fileList.clear();
+    settingsManager->duplicateFileList.clear();
+    ModalWindow::viewDidDisappear();
+}
+
+void ViewControllerDuplicates::keyPressEvent(QKeyEvent* event) {
+    // Closing drops the results; a stray Escape must not do that.
+    if (event->key() == Qt::Key_Escape) {
+        event->ignore();
+        return;
+    }
+    ModalWindow::keyPressEvent(event);
+}
+
+void ViewControllerDuplicates::waitForBackgroundJobs() {
+    while (jobsInFlight_ > 0) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
+                                        QEventLoop::WaitForMoreEvents);
+    }
+}
+
+} // namespace twinsweep::ui

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <QPointer>
+#include <array>
+#include <cstdint>
+#include <memory>
+
+#include "engine/File.h"
+#include "selection/Breakdown.h"
+#include "selection/ResultsUpdate.h"
+#include "settings/SettingsManager.h"
+#include "ui/shell/ModalWindow.h"
+
+class QCheckBox;
+class QLabel;
+class QProgressBar;
+class QPushButton;
+class QTableView;
+
+namespace twinsweep::ui {
+
+class GroupsModel;
+class MembersModel;
+class SegmentedControl;
+
+// The results window: the listed duplicate groups, the members of the selected
+// one with their marks, the keep options, the category breakdown and the space
+// saved, and the commands that clean, reveal and inspect. Marking and figures
+// are computed off the GUI thread; the tables read the groups in place.
+class ViewControllerDuplicates : public ModalWindow {
+    Q_OBJECT
+  public:
+    explicit ViewControllerDuplicates(QWidget* opener);
+    ~ViewControllerDuplicates() override;
+
+    std::shared_ptr<SettingsManager> settingsManager;
+    bool updating = false;
+    bool selectionChanged = false;
+    bool categoriesChanged = false;
+    bool firstUpdate = true;
+    std::int64_t lastSelectedRow = 0;
+    std::int64_t selectedRow = 0;
+    FileList fileList;
+
+    QProgressBar* progressIndicator = nullptr;
+    QTableView* tableViewFiles = nullptr;
+    QTableView* tableViewDuplicates = nullptr;
+    SegmentedControl* segmentedControlKeep = nullptr;
+    QCheckBox* checkApplyForAll = nullptr;
+    std::array<QCheckBox*, kCategoryCount> categoryChecks{};
+    std::array<QProgressBar*, kCategoryCount> categoryBars{};
+    std::array<QLabel*, kCategoryCount> categoryPercents{};
+    QLabel* labelSpaceSaved = nullptr;
+    QPushButton* buttonClean = nullptr;
+    QPushButton* buttonReveal = nullptr;
+    QPushButton* buttonInfo = nullptr;
+
+    // The folder of the group at index row of fileList ("" when out of range):
+    // what the custom keep window puts in place of an unset folder rule.
+    std::string groupFolder(std::int64_t row) const;
+    // Background jobs (updates, space-saved counts) not yet back on the GUI
+    // thread.
+    int jobsInFlight() const { return jobsInFlight_; }
+    // Results updates started since the window opened (folded requests count
+    // once).
+    int updatesStarted() const { return updatesStarted_; }
+
+  public slots:
+    void OnSegmentedControlKeepChanged();
+    void OnApplyForAllChecked();
+    void OnCategoryChecked();
+    void OnClean();
+    void OnGoToSourceDirectoryButton();
+    void OnShowInfo();
+
+  protected:
+    void viewDidDisappear() override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    void viewDidLoad();
+    void buildLayout();
+    void ResetResultsWindow();
+
+    // Results update (DuplicatesUpdate.cpp).
+    void UpdateResults();
+    void ShowResults(ComputedResults results);
+    void ShowCustomWindow();
+    void ShowCustomSettingsMessage();
+    void UpdateSpaceSaved();
+    void showSpaceSaved(const SpaceSaved& saved);
+    void showFigures(const CategoryFigures& figures);
+    void setBusy(bool busy);
+    void installList(FileList list);
+
+    // Tables (ViewControllerDuplicates.cpp).
+    void tableViewSelectionDidChange();
+    void selectGroupRow(int row);
+    void toggleMember(int row);
+    DuplicateFilePtr selectedMember() const;
+
+    // Runs work on the thread pool and done(result) back on the GUI thread,
+    // unless the window is gone by then; counted in jobsInFlight().
+    template <class Work, class Done> void runJob(Work work, Done done);
+    // Lets queued results arrive until no background job is left, so the
+    // groups' member lists can be changed safely.
+    void waitForBackgroundJobs();
+
+    GroupsModel* groupsModel_ = nullptr;
+    MembersModel* membersModel_ = nullptr;
+    CategoryFigures shownFigures_;
+    int jobsInFlight_ = 0;
+    int updatesStarted_ = 0;
+};
+
+} // namespace twinsweep::ui
