@@ -1,5 +1,6 @@
 // Categories of duplicate groups and the size measures over the shared results.
 #include <algorithm>
+#include <string_view>
 
 #include "engine/FileTools.h"
 #include "settings/SettingsManager.h"
@@ -8,7 +9,7 @@ namespace twinsweep {
 
 namespace {
 
-bool listed(const std::vector<std::string>& list, const std::string& ext) {
+bool listed(const std::vector<std::string>& list, std::string_view ext) {
     return std::find(list.begin(), list.end(), ext) != list.end();
 }
 

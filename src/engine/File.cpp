@@ -12,6 +12,7 @@ namespace twinsweep {
 // A million records are held at once: keep what each one carries small.
 static_assert(sizeof(FileIdentity) == 32);
 static_assert(sizeof(DigestText) == sizeof(void*));
+static_assert(sizeof(ShortText) == 16);
 
 namespace {
 

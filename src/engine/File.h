@@ -8,6 +8,7 @@
 
 #include "engine/DigestText.h"
 #include "engine/RuleText.h"
+#include "engine/ShortText.h"
 
 namespace twinsweep {
 
@@ -72,7 +73,7 @@ class File {
     explicit File(std::string path);
 
     std::string path;
-    std::string ext;
+    ShortText ext;
     std::uint64_t size = 0;
     std::vector<DuplicateFilePtr> duplicates;
     bool wasFound = false;

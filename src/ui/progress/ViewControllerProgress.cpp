@@ -93,8 +93,10 @@ void ViewControllerProgress::buildLayout() {
 }
 
 void ViewControllerProgress::RunSearch() {
-    FileTools tools;
-    runSearchJob(*settingsManager, tools);
+    {
+        FileTools tools;
+        runSearchJob(*settingsManager, tools);
+    } // the engine's records are freed here, before SearchDone joins this thread
     submitToMain(this, [this] { SearchDone(); });
 }
 
