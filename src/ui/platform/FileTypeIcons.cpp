@@ -8,7 +8,26 @@
 
 namespace twinsweep::ui {
 
+namespace {
+
+// Without a desktop session (a bare X server, a minimal window manager) Qt
+// picks no icon theme and every type gets the same blank page; the theme the
+// project installs has an icon for each kind of file.
+void chooseIconTheme() {
+    static const bool chosen = [] {
+        const QString current = QIcon::themeName();
+        if (current.isEmpty() || current == QStringLiteral("hicolor")) {
+            QIcon::setThemeName(QStringLiteral("Adwaita"));
+        }
+        return true;
+    }();
+    (void)chosen;
+}
+
+} // namespace
+
 QIcon iconForExtension(const QString& extension) {
+    chooseIconTheme();
     static QHash<QString, QIcon> cache;
     const auto found = cache.constFind(extension);
     if (found != cache.constEnd()) {
