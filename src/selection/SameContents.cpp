@@ -10,6 +10,8 @@
 #include <unistd.h>
 #include <vector>
 
+#include "engine/Digest.h"
+
 namespace twinsweep {
 
 namespace {
@@ -39,25 +41,6 @@ class Descriptor {
   private:
     int fd_;
 };
-
-// Reads up to length bytes; the count, or -1 with errno set.
-ssize_t readFully(int fd, unsigned char* data, std::size_t length) {
-    std::size_t done = 0;
-    while (done < length) {
-        const ssize_t n = ::read(fd, data + done, length - done);
-        if (n < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return -1;
-        }
-        if (n == 0) {
-            break;
-        }
-        done += static_cast<std::size_t>(n);
-    }
-    return static_cast<ssize_t>(done);
-}
 
 bool sameFileBytes(const std::string& a, const std::string& b, std::string& reason) {
     // Never follow a link and never block on something that is not a file.
