@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "engine/Diagnostics.h"
+
 namespace twinsweep::cli {
 
 namespace {
@@ -57,29 +59,7 @@ std::size_t utf8Length(std::string_view s, std::size_t k) {
 std::string textEscaped(std::string_view bytes) {
     std::string out;
     out.reserve(bytes.size());
-    for (const char ch : bytes) {
-        const auto c = static_cast<unsigned char>(ch);
-        switch (c) {
-        case '\\':
-            out += "\\\\";
-            break;
-        case '\n':
-            out += "\\n";
-            break;
-        case '\t':
-            out += "\\t";
-            break;
-        case '\r':
-            out += "\\r";
-            break;
-        default:
-            if (c < 0x20 || c == 0x7F) {
-                appendHex(out, "\\x", c, 2);
-            } else {
-                out.push_back(ch);
-            }
-        }
-    }
+    appendEscaped(out, bytes);
     return out;
 }
 

@@ -7,11 +7,6 @@
 
 namespace twinsweep {
 
-namespace {
-
-// A name may hold a line feed or other control bytes; written raw they would
-// split the line or drive the terminal. Such bytes, and the backslash, become
-// C escapes, so every diagnostic stays one line and reads back unambiguously.
 void appendEscaped(std::string& out, std::string_view text) {
     static const char* const kHex = "0123456789abcdef";
     for (const char ch : text) {
@@ -33,8 +28,6 @@ void appendEscaped(std::string& out, std::string_view text) {
         }
     }
 }
-
-} // namespace
 
 void printErrorLine(std::string_view prefix, std::string_view description) {
     static std::mutex lock;

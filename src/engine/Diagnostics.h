@@ -1,8 +1,15 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace twinsweep {
+
+// Appends text with control bytes and the backslash written as C escapes
+// (\n, \t, \r, \\, \xNN). A name may hold a line feed or other control
+// bytes; written raw they would split a line or drive the terminal, escaped
+// every line stays one line and reads back unambiguously.
+void appendEscaped(std::string& out, std::string_view text);
 
 // Writes one diagnostic line to standard output: the prefix ("Ooops! Something
 // went wrong: " or "Error: ") followed by the error's description, which names
