@@ -5,26 +5,7 @@
 # chosen, then the other two windows are opened from the results window.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-SUDO=""
-if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
-need=()
-for p in imagemagick xdotool xvfb; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || need+=("$p")
-done
-if [ "${#need[@]}" -gt 0 ]; then
-  $SUDO apt-get update -q
-  $SUDO DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${need[@]}"
-fi
-BUILD_DIR=${BUILD_DIR:-build}
-[ -f "$BUILD_DIR/CMakeCache.txt" ] || bash scripts/build.sh
-cmake --build "$BUILD_DIR" --target twinsweep
-APP=$PWD/$BUILD_DIR/src/ui/twinsweep
-
-case "$HOME" in
-  /home/*) demo="$HOME/twinsweep-demo" ;;
-  *) demo=/mnt/twinsweep-demo ;;
-esac
-rm -rf "$demo"
+. scripts/screenshot-setup.sh
 python3 - "$demo" <<'PY'
 import os, random, struct, sys, zlib
 root = sys.argv[1]
