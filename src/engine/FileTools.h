@@ -47,6 +47,11 @@ class FileTools {
     // each file on the search thread when the comparison first needs it.
     unsigned digestThreads = defaultDigestThreads();
     static unsigned defaultDigestThreads();
+    // Threads that list folders and read attributes ahead of the walk, which
+    // still takes everything in its own order; 0 lists each folder on the
+    // search thread when the walk enters it.
+    unsigned walkThreads = defaultWalkThreads();
+    static unsigned defaultWalkThreads();
 
     // --- Walk (Walker.cpp) ---
     // Appends accepted files to fileList in walk order. Every call, the top
@@ -96,12 +101,9 @@ class FileTools {
     bool compareFiles();
     bool byContent(std::uint64_t size) const;
     DuplicateFilePtr memberFor(const File& file) const;
-    struct Folder;
-    struct WalkFilter;
-
-    void walkFolders(const std::vector<Folder>& folders, const WalkFilter& filter);
-    std::uint64_t packageSizeAt(int parentFd, const std::string& name, const std::string& path,
-                                std::vector<std::pair<std::uint64_t, std::uint64_t>>& active);
+    class Walk;
+    friend class Walk;
+    std::uint64_t packageSizeAt(int parentFd, const std::string& name, const std::string& path);
 
     std::unique_ptr<WalkState> walk_;
     std::unordered_set<std::string_view> packageSet_;
