@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <sys/stat.h>
@@ -172,8 +173,7 @@ const std::vector<OptionRule>& optionRules() {
 
 std::string absoluteFolder(const std::string& given, const std::string& cwd) {
     std::string path = !given.empty() && given.front() == '/' ? given : cwd + "/" + given;
-    // Lexical clean-up only: links stay as the user wrote them, since the
-    // location gate compares path texts.
+    // Lexical clean-up, for a location root that does not exist (yet).
     std::vector<std::string> parts;
     std::size_t start = 0;
     while (start < path.size()) {
@@ -196,6 +196,19 @@ std::string absoluteFolder(const std::string& given, const std::string& cwd) {
         out += "/" + p;
     }
     return out.empty() ? "/" : out;
+}
+
+// The path with every link and ".." resolved; absent (errno set) when it
+// can't be resolved.
+std::optional<std::string> physicalFolder(const std::string& given, const std::string& cwd) {
+    const std::string path = !given.empty() && given.front() == '/' ? given : cwd + "/" + given;
+    char* resolved = ::realpath(path.c_str(), nullptr);
+    if (resolved == nullptr) {
+        return std::nullopt;
+    }
+    std::string out(resolved);
+    std::free(resolved);
+    return out;
 }
 
 } // namespace
@@ -313,9 +326,15 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
         return result;
     }
     for (const std::string& g : given) {
-        const std::string folder = absoluteFolder(g, cwd);
+        // As the kernel resolves it: "link/.." is the parent of the link's
+        // target, as `ls link/..` shows, and the output shows that folder.
+        const auto folder = physicalFolder(g, cwd);
+        if (!folder) {
+            result.error = "cannot use folder '" + g + "': " + std::strerror(errno);
+            return result;
+        }
         struct stat st {};
-        if (::stat(folder.c_str(), &st) != 0) {
+        if (::stat(folder->c_str(), &st) != 0) {
             result.error = "cannot use folder '" + g + "': " + std::strerror(errno);
             return result;
         }
@@ -323,10 +342,12 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
             result.error = "not a folder: '" + g + "'";
             return result;
         }
-        o.folders.push_back(folder);
+        o.folders.push_back(*folder);
     }
     if (o.locations == Locations::MacLayoutUnder) {
-        o.locationRoot = absoluteFolder(o.locationRoot, cwd);
+        // The gate compares the walk's (physical) paths with it as text.
+        o.locationRoot =
+            physicalFolder(o.locationRoot, cwd).value_or(absoluteFolder(o.locationRoot, cwd));
     }
     return result;
 }

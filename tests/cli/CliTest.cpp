@@ -119,6 +119,21 @@ TEST(Cli, FiltersAndLocationGateNarrowTheSearch) {
               tree.path("Users/bob/big1.png\n").size() * 2);
 }
 
+TEST(Cli, FolderArgumentsAreResolvedAsTheKernelDoes) {
+    TempTree tree;
+    tree.write("real/parent/x.txt", "twins");
+    tree.write("real/parent/y.txt", "twins");
+    tree.mkdir("real/parent/target");
+    tree.write("here/p.txt", "other twins");
+    tree.write("here/q.txt", "other twins");
+    tree.symlink(tree.path("real/parent/target"), "here/srclink");
+    // srclink/.. is the target's parent, not the folder holding the link;
+    // the report shows it without the link.
+    const Outcome r = run({"--any-location", tree.path("here/srclink/..")});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, tree.path("real/parent/y.txt") + "\n" + tree.path("real/parent/x.txt") + "\n");
+}
+
 TEST(Cli, EmptyResultIsEmptyOutputAndSuccess) {
     TempTree tree;
     tree.write("only", "one file");
