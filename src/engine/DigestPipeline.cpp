@@ -1,8 +1,8 @@
 #include "engine/DigestPipeline.h"
 
 #include <algorithm>
-#include <unordered_map>
 
+#include "engine/Digest.h"
 #include "engine/RunContents.h"
 #include "settings/SettingsManager.h"
 
@@ -96,24 +96,29 @@ bool DigestPipeline::digestRun(std::size_t r) {
     const Run run = runs_[r];
     const std::size_t count = run.end - run.begin;
     std::vector<std::uint32_t>& next = next_[r];
-    next.assign(count, 0);
-
-    if (!digestRunContents(list_, run.begin, run.end, cancel_)) {
+    std::vector<std::uint32_t> setOf;
+    if (!compareRunContents(list_, run.begin, run.end, cancel_, setOf)) {
         return false;
     }
-
-    std::unordered_map<std::string, std::uint32_t> lastWithDigest;
-    // Link each digested member to the next one with the same digest.
+    // Link each member of a set to the next one of the same set.
+    next.assign(count, 0);
+    constexpr std::uint32_t kNone = UINT32_MAX;
+    std::vector<std::uint32_t> lastOfSet(count + 1, kNone); // sets are numbered from 1
     for (std::size_t k = count; k-- > 0;) {
-        const File& file = *list_[run.begin + k];
-        if (file.MD5Hash.empty()) {
-            continue;
+        std::uint32_t& last = lastOfSet[setOf[k]];
+        if (setOf[k] != 0 && last != kNone) {
+            next[k] = last - static_cast<std::uint32_t>(k);
         }
-        auto [it, inserted] =
-            lastWithDigest.try_emplace(file.MD5Hash, static_cast<std::uint32_t>(k));
-        if (!inserted) {
-            next[k] = it->second - static_cast<std::uint32_t>(k);
-            it->second = static_cast<std::uint32_t>(k);
+        last = static_cast<std::uint32_t>(k);
+    }
+    for (std::size_t set = 1; set <= count && lastOfSet[set] != kNone; ++set) {
+        const std::uint32_t k = lastOfSet[set];
+        File& first = *list_[run.begin + k];
+        if (first.MD5Hash.empty()) {
+            const std::string text = base64Text(streamDigest(first.path));
+            for (std::size_t m = k; m < count; m += next[m] == 0 ? count : next[m]) {
+                list_[run.begin + m]->MD5Hash = text;
+            }
         }
     }
     return true;

@@ -94,6 +94,8 @@ class FileTools {
     struct WalkState;
     // The comparison steps; false when the run was cancelled (already posted).
     bool compareFiles();
+    // Drops a file met again under another name that the walk let through.
+    void takeEachFileOnce();
     bool byContent(std::uint64_t size) const;
     DuplicateFilePtr memberFor(const File& file) const;
     struct Folder;

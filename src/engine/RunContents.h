@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <vector>
 
 #include "engine/File.h"
 
@@ -11,12 +13,16 @@ class AtomicFlag;
 // Finds which files of one run of equal size (entries begin to end of a
 // sorted list) have the same contents, reading as little as it can: files
 // whose first bytes match no other file's are read no further, files that
-// agree are compared side by side, a block at a time, and each set of
-// identical files is digested once. Every file that has a copy in the run gets
-// its MD5Hash (the digest of its contents); the others keep an empty one.
-// Unreadable files count as empty, after their "Ooops! ..." line.
-// Returns false when cancelled part way.
-bool digestRunContents(const FileList& list, std::size_t begin, std::size_t end,
-                       const AtomicFlag& cancel);
+// agree are compared side by side to their real end. The walk's size only
+// chose the run: a file that grew or shrank since is read as it is now.
+// Unreadable files count as empty, after their "Ooops! ..." line, so they
+// are copies of each other and of files that now read as empty.
+//
+// setOf[k] (k counted from begin) is 0 for a file with no copy in the run,
+// else a number shared by exactly the files with the same contents. Files
+// whose contents are empty get the empty digest in MD5Hash; no other digest
+// is computed. Returns false when cancelled part way.
+bool compareRunContents(const FileList& list, std::size_t begin, std::size_t end,
+                        const AtomicFlag& cancel, std::vector<std::uint32_t>& setOf);
 
 } // namespace twinsweep
