@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "engine/Digest.h"
 #include "engine/RunContents.h"
 #include "settings/SettingsManager.h"
 
@@ -110,16 +109,6 @@ bool DigestPipeline::digestRun(std::size_t r) {
             next[k] = last - static_cast<std::uint32_t>(k);
         }
         last = static_cast<std::uint32_t>(k);
-    }
-    for (std::size_t set = 1; set <= count && lastOfSet[set] != kNone; ++set) {
-        const std::uint32_t k = lastOfSet[set];
-        File& first = *list_[run.begin + k];
-        if (first.MD5Hash.empty()) {
-            const std::string text = base64Text(streamDigest(first.path));
-            for (std::size_t m = k; m < count; m += next[m] == 0 ? count : next[m]) {
-                list_[run.begin + m]->MD5Hash = text;
-            }
-        }
     }
     return true;
 }

@@ -12,12 +12,10 @@ namespace twinsweep {
 
 class AtomicFlag;
 
-// Reads and digests the equal-size runs of a sorted file list on worker
-// threads, a bounded stretch ahead of the comparison loop that consumes them in
-// order. Within a run, files whose first bytes differ from every other file of
-// the run can't have a copy: they are never read whole and keep an empty
-// MD5Hash. Every other file gets its MD5Hash, exactly the digest of its
-// contents.
+// Compares the contents within the equal-size runs of a sorted file list on
+// worker threads, a bounded stretch ahead of the comparison loop that consumes
+// them in order (see compareRunContents). No digest is computed here: the
+// loop asks only which later member of a run has the same contents.
 class DigestPipeline {
   public:
     struct Run {
@@ -31,7 +29,7 @@ class DigestPipeline {
     DigestPipeline(const DigestPipeline&) = delete;
     DigestPipeline& operator=(const DigestPipeline&) = delete;
 
-    // Waits until run r is digested. False when the search was cancelled first.
+    // Waits until run r is compared. False when the search was cancelled first.
     bool waitFor(std::size_t r);
     // For member k of run r (k counted from the run's start): the next member
     // with the same contents, or 0 when there is none.
