@@ -1,6 +1,7 @@
 #include "engine/DigestPipeline.h"
 
 #include <algorithm>
+#include <sys/resource.h>
 
 #include "engine/RunContents.h"
 #include "settings/SettingsManager.h"
@@ -12,6 +13,21 @@ namespace {
 // How far the workers may run ahead of the comparison loop, in files: enough
 // to keep every core busy, small enough that progress follows the real work.
 constexpr std::size_t kLookAheadFiles = 8192;
+// Readers while the data comes from the disk: a disk serves many requests in
+// flight far faster than one at a time. Each holds at most a run's side-by-side
+// set of files open.
+constexpr unsigned kColdReaders = 16;
+constexpr unsigned kFilesPerReader = 17;
+
+unsigned readersAllowedByOpenFiles() {
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) {
+        return kColdReaders;
+    }
+    // Leave room for the rest of the process.
+    const rlim_t spare = limit.rlim_cur > 128 ? limit.rlim_cur - 128 : 0;
+    return static_cast<unsigned>(std::min<rlim_t>(kColdReaders, spare / kFilesPerReader));
+}
 
 } // namespace
 
@@ -19,10 +35,11 @@ DigestPipeline::DigestPipeline(const FileList& list, std::vector<Run> runs, unsi
                                const AtomicFlag& cancel)
     : list_(list), runs_(std::move(runs)), cancel_(cancel), next_(runs_.size()),
       done_(runs_.size(), 0) {
-    threads = std::max(1U, threads);
-    workers_.reserve(threads);
-    for (unsigned t = 0; t < threads; ++t) {
-        workers_.emplace_back([this] { work(); });
+    warmReaders_ = std::max(1U, threads);
+    coldReaders_ = std::max(warmReaders_, readersAllowedByOpenFiles());
+    workers_.reserve(coldReaders_);
+    for (unsigned t = 0; t < coldReaders_; ++t) {
+        workers_.emplace_back([this, t] { work(t); });
     }
 }
 
@@ -32,8 +49,18 @@ DigestPipeline::~DigestPipeline() {
         stop_ = true;
     }
     changed_.notify_all();
+    coldChanged_.notify_all();
     for (std::thread& t : workers_) {
         t.join();
+    }
+}
+
+void DigestPipeline::wake() {
+    changed_.notify_all();
+    // The extra readers sleep apart, so that on data in memory they are not
+    // woken for every run.
+    if (signals_.cold()) {
+        coldChanged_.notify_all();
     }
 }
 
@@ -41,7 +68,7 @@ bool DigestPipeline::waitFor(std::size_t r) {
     std::unique_lock guard(lock_);
     if (r > consumed_) {
         consumed_ = r;
-        changed_.notify_all();
+        wake();
     }
     // Wake every so often to notice a cancellation, which nobody signals.
     while (!done_[r]) {
@@ -57,37 +84,38 @@ std::uint32_t DigestPipeline::nextCopy(std::size_t r, std::size_t k) const {
     return next_[r][k];
 }
 
-void DigestPipeline::work() {
+void DigestPipeline::work(unsigned id) {
     for (;;) {
         std::size_t r = 0;
         {
             std::unique_lock guard(lock_);
-            changed_.wait(guard, [&] {
+            (id < warmReaders_ ? changed_ : coldChanged_).wait(guard, [&] {
                 if (stop_ || nextToTake_ >= runs_.size()) {
                     return true;
                 }
                 // A run may start once it is within reach of the loop; the
                 // run the loop waits for may always start.
                 const std::size_t loopAt = runs_[std::min(consumed_, runs_.size() - 1)].begin;
-                return nextToTake_ <= consumed_ ||
-                       runs_[nextToTake_].begin <= loopAt + kLookAheadFiles;
+                // The same few workers while the data is in memory, so that
+                // the others never touch their own allocator memory.
+                const unsigned readers = signals_.cold() ? coldReaders_ : warmReaders_;
+                return id < readers && (nextToTake_ <= consumed_ ||
+                                        runs_[nextToTake_].begin <= loopAt + kLookAheadFiles);
             });
             if (stop_ || nextToTake_ >= runs_.size()) {
                 return;
             }
             r = nextToTake_++;
         }
-        if (cancel_.load()) {
-            return;
-        }
-        if (!digestRun(r)) {
-            return; // cancelled: the loop notices by itself
-        }
+        const bool compared = !cancel_.load() && digestRun(r);
         {
             std::lock_guard guard(lock_);
-            done_[r] = 1;
+            done_[r] = compared ? 1 : 0;
         }
-        changed_.notify_all();
+        wake();
+        if (!compared) {
+            return; // cancelled: the loop notices by itself
+        }
     }
 }
 
@@ -96,7 +124,7 @@ bool DigestPipeline::digestRun(std::size_t r) {
     const std::size_t count = run.end - run.begin;
     std::vector<std::uint32_t>& next = next_[r];
     std::vector<std::uint32_t> setOf;
-    if (!compareRunContents(list_, run.begin, run.end, cancel_, setOf)) {
+    if (!compareRunContents(list_, run.begin, run.end, cancel_, signals_, setOf)) {
         return false;
     }
     // Link each member of a set to the next one of the same set.

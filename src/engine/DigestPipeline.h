@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/File.h"
+#include "engine/RunContents.h"
 
 namespace twinsweep {
 
@@ -36,7 +37,8 @@ class DigestPipeline {
     std::uint32_t nextCopy(std::size_t r, std::size_t k) const;
 
   private:
-    void work();
+    void work(unsigned id);
+    void wake();
     bool digestRun(std::size_t r);
 
     const FileList& list_;
@@ -48,10 +50,16 @@ class DigestPipeline {
 
     std::mutex lock_;
     std::condition_variable changed_;
+    std::condition_variable coldChanged_;
     std::size_t nextToTake_ = 0;
     std::size_t consumed_ = 0; // first run the loop has not finished with
     bool stop_ = false;
     std::vector<std::thread> workers_;
+    // Workers that may compare at once: as many as cores while the data comes
+    // from memory, more while it comes from the disk.
+    unsigned warmReaders_ = 1;
+    unsigned coldReaders_ = 1;
+    ReadSignals signals_;
 };
 
 } // namespace twinsweep

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <string_view>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include "engine/Diagnostics.h"
@@ -48,11 +49,33 @@ std::uint64_t mix(std::uint64_t h, std::uint64_t v) {
     return h ^ (h >> 32);
 }
 
+// Reads the first length bytes like preadFully, and tells whether they had to
+// come from the disk: a read that must not wait fails when they are not in
+// memory yet.
+long readFirst(int fd, unsigned char* data, std::size_t length, bool& cold) {
+    cold = false;
+#ifdef RWF_NOWAIT
+    iovec v{data, length};
+    const ssize_t n = ::preadv2(fd, &v, 1, 0, RWF_NOWAIT);
+    if (n >= 0) {
+        if (n == 0 || static_cast<std::size_t>(n) == length) {
+            return static_cast<long>(n);
+        }
+        const long rest = preadFully(fd, data + n, length - static_cast<std::size_t>(n),
+                                     static_cast<std::uint64_t>(n));
+        return rest < 0 ? -1 : n + rest;
+    }
+    cold = errno == EAGAIN;
+#endif
+    return preadFully(fd, data, length, 0);
+}
+
 class RunComparer {
   public:
     RunComparer(const FileList& list, std::size_t begin, std::size_t end, const AtomicFlag& cancel,
-                std::vector<std::uint32_t>& setOf)
-        : list_(list), begin_(begin), count_(end - begin), cancel_(cancel), setOf_(setOf) {
+                ReadSignals& signals, std::vector<std::uint32_t>& setOf)
+        : list_(list), begin_(begin), count_(end - begin), cancel_(cancel), signals_(signals),
+          setOf_(setOf) {
         setOf_.assign(count_, 0);
     }
 
@@ -146,7 +169,9 @@ class RunComparer {
             }
             Head h{k, arena_.size(), 0, 0, false};
             arena_.resize(h.offset + cap);
-            const long n = readFully(fd, arena_.data() + h.offset, cap);
+            bool cold = false;
+            const long n = readFirst(fd, arena_.data() + h.offset, cap, cold);
+            signals_.sawRead(cold);
             if (n < 0) {
                 arena_.resize(h.offset);
                 unreadable(k, fd);
@@ -384,6 +409,7 @@ class RunComparer {
     const std::size_t begin_;
     const std::size_t count_;
     const AtomicFlag& cancel_;
+    ReadSignals& signals_;
     std::vector<std::uint32_t>& setOf_;
     std::uint32_t nextSet_ = 1;
     std::vector<Head> heads_;
@@ -394,8 +420,9 @@ class RunComparer {
 } // namespace
 
 bool compareRunContents(const FileList& list, std::size_t begin, std::size_t end,
-                        const AtomicFlag& cancel, std::vector<std::uint32_t>& setOf) {
-    return RunComparer(list, begin, end, cancel, setOf).run();
+                        const AtomicFlag& cancel, ReadSignals& signals,
+                        std::vector<std::uint32_t>& setOf) {
+    return RunComparer(list, begin, end, cancel, signals, setOf).run();
 }
 
 } // namespace twinsweep

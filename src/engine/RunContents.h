@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -9,6 +11,29 @@
 namespace twinsweep {
 
 class AtomicFlag;
+
+// What the readers of one search tell each other; relaxed counters, read for
+// pacing only.
+struct ReadSignals {
+    // Rises with first reads that had to wait for the disk and falls with
+    // those served from memory. While it is high, many reads in flight pay;
+    // on data already in memory extra readers would only compete for the
+    // cores. A read from memory can now and then be refused as well (pages
+    // marked for read-ahead), hence a score and not a single sighting.
+    std::atomic<int> coldScore{0};
+
+    bool cold() const { return coldScore.load(std::memory_order_relaxed) >= kColdAbove; }
+    void sawRead(bool wasCold) {
+        const int now = coldScore.load(std::memory_order_relaxed);
+        const int next = wasCold ? std::min(now + kColdStep, kMaxScore) : std::max(now - 1, 0);
+        if (next != now) {
+            coldScore.store(next, std::memory_order_relaxed);
+        }
+    }
+    static constexpr int kColdStep = 16;
+    static constexpr int kColdAbove = 64;
+    static constexpr int kMaxScore = 1024;
+};
 
 // Finds which files of one run of equal size (entries begin to end of a
 // sorted list) have the same contents, reading as little as it can: files
@@ -23,6 +48,7 @@ class AtomicFlag;
 // whose contents are empty get the empty digest in MD5Hash; no other digest
 // is computed. Returns false when cancelled part way.
 bool compareRunContents(const FileList& list, std::size_t begin, std::size_t end,
-                        const AtomicFlag& cancel, std::vector<std::uint32_t>& setOf);
+                        const AtomicFlag& cancel, ReadSignals& signals,
+                        std::vector<std::uint32_t>& setOf);
 
 } // namespace twinsweep
