@@ -23,6 +23,7 @@ using twinsweep::testing::alertText;
 using twinsweep::testing::ModalAnswers;
 using twinsweep::testing::pressAlertButton;
 using twinsweep::testing::TempTree;
+using twinsweep::testing::typeKey;
 using twinsweep::ui::ViewController;
 
 namespace {
@@ -333,4 +334,35 @@ void MainWindowTest::closingAsksOnlyWithUnsavedMark() {
     window_->setWindowTitle(QString());
     QVERIFY(window_->close());
     QCOMPARE(answers.answered(), 2);
+}
+
+void MainWindowTest::keyboardLeavesTablesAndDeleteRemoves() {
+    QCOMPARE(twinsweep::testing::commandsWithoutShortcut(window_->menuBar()), QStringList());
+    TempTree tree;
+    window_->addFolders(
+        {QString::fromStdString(tree.mkdir("a")), QString::fromStdString(tree.mkdir("b"))});
+    window_->OnCustomFileTypesSelected();
+    window_->textFieldCustomFileTypesExtension->setText(QStringLiteral("png"));
+    typeKey(window_->textFieldCustomFileTypesExtension, Qt::Key_Return);
+    QCOMPARE(SettingsManager::shared()->listFileExtensions, std::vector<std::string>{"png"});
+
+    // Tab and Shift+Tab move out of a table, not from cell to cell.
+    for (QTableView* table :
+         {static_cast<QTableView*>(window_->tableViewFolders), window_->tableViewFileTypes}) {
+        table->selectRow(0);
+        typeKey(table, Qt::Key_Tab);
+        QVERIFY(!table->hasFocus());
+        typeKey(table, Qt::Key_Backtab, Qt::ShiftModifier);
+        QVERIFY(!table->hasFocus());
+    }
+
+    // Delete removes from the table that has the focus, and only there.
+    window_->tableViewFolders->selectRow(0);
+    window_->tableViewFileTypes->selectRow(0);
+    typeKey(window_->tableViewFolders, Qt::Key_Delete);
+    QCOMPARE(folders(), std::vector<std::string>{tree.path("b")});
+    QCOMPARE(SettingsManager::shared()->listFileExtensions.size(), std::size_t{1});
+    typeKey(window_->tableViewFileTypes, Qt::Key_Delete);
+    QVERIFY(SettingsManager::shared()->listFileExtensions.empty());
+    QCOMPARE(folders().size(), std::size_t{1});
 }
