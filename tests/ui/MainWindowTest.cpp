@@ -235,6 +235,8 @@ void MainWindowTest::slidersStopOnTheTenSizes() {
         {1073741824, "1.0 GB"},      {10737418240ULL, "10.0 GB"}, {107374182400ULL, "100.0 GB"},
         {1099511627776ULL, "1.0 TB"}};
     QCOMPARE(window_->sliderMinimumFileSize->maximum(), 9);
+    // The texts ignore the locale the environment asks for.
+    const twinsweep::testing::ScopedLocale german("de_DE.UTF-8");
     for (int stop = 9; stop >= 0; --stop) {
         window_->sliderMinimumFileSize->setValue(stop);
         window_->sliderMaximumFileSize->setValue(stop);
@@ -248,6 +250,8 @@ void MainWindowTest::slidersStopOnTheTenSizes() {
     window_->sliderMaximumFileSize->setFocus();
     QTest::keyClick(window_->sliderMaximumFileSize, Qt::Key_Right);
     QCOMPARE(settings->maximumFileSize, std::uint64_t{5242880});
+    window_->OnFileNew();
+    QCOMPARE(window_->textFieldMinimumFileSize->text(), QStringLiteral("200.0 KB"));
 }
 
 void MainWindowTest::fileNewPutsEveryOptionBack() {
