@@ -12,6 +12,7 @@ PACKAGES=(
   libgtest-dev libgmock-dev
   clang-format
   xvfb xauth adwaita-icon-theme hicolor-icon-theme
+  file desktop-file-utils appstream lintian bash-completion man-db
 )
 missing=()
 for p in "${PACKAGES[@]}"; do
