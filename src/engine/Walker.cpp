@@ -362,6 +362,9 @@ void FileTools::scanFolders(const std::vector<std::string>& folders, bool ignore
         Walk walk(*this, ignorePackages, extensions, minimum, maximum);
         walk.run(folders);
     }
+    // The list grew by doubling; what it holds now stays until the end of
+    // the search, so give back the unused half.
+    fileList.shrink_to_fit();
     postWalkProgress();
 }
 
