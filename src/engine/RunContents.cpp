@@ -73,9 +73,9 @@ long readFirst(int fd, unsigned char* data, std::size_t length, bool& cold) {
 class RunComparer {
   public:
     RunComparer(const FileList& list, std::size_t begin, std::size_t end, const AtomicFlag& cancel,
-                ReadSignals& signals, std::vector<std::uint32_t>& setOf)
+                ReadSignals& signals, ByteProgress& progress, std::vector<std::uint32_t>& setOf)
         : list_(list), begin_(begin), count_(end - begin), cancel_(cancel), signals_(signals),
-          setOf_(setOf) {
+          progress_(progress), budget_(count_ * list[begin]->size), setOf_(setOf) {
         setOf_.assign(count_, 0);
     }
 
@@ -130,11 +130,23 @@ class RunComparer {
                 file(k).MD5Hash = text;
             }
         }
+        // What was not read needed no reading.
+        progress_.add(budget_ - counted_);
         return true;
     }
 
   private:
     File& file(std::size_t k) const { return *list_[begin_ + k]; }
+
+    void counted(long bytes) {
+        if (bytes <= 0) {
+            return;
+        }
+        const std::uint64_t add =
+            std::min<std::uint64_t>(static_cast<std::uint64_t>(bytes), budget_ - counted_);
+        counted_ += add;
+        progress_.add(add);
+    }
 
     void newSet(const std::vector<std::size_t>& ks) {
         for (std::size_t k : ks) {
@@ -172,6 +184,7 @@ class RunComparer {
             bool cold = false;
             const long n = readFirst(fd, arena_.data() + h.offset, cap, cold);
             signals_.sawRead(cold);
+            counted(n);
             if (n < 0) {
                 arena_.resize(h.offset);
                 unreadable(k, fd);
@@ -229,6 +242,7 @@ class RunComparer {
             long n = 0;
             while ((n = preadFully(fd, buffer.data(), kBlock, at)) > 0) {
                 h = mix(h, quickHash(buffer.data(), static_cast<std::size_t>(n)));
+                counted(n);
                 at += static_cast<std::uint64_t>(n);
                 if (static_cast<std::size_t>(n) < kBlock) {
                     break;
@@ -356,6 +370,7 @@ class RunComparer {
             std::vector<std::size_t> readable; // slots
             for (std::size_t s = 0; s < n; ++s) {
                 counts[s] = preadFully(part.files[s].fd, block(s), kBlock, part.offset);
+                counted(counts[s]);
                 if (counts[s] < 0) {
                     unreadable(part.files[s].k, part.files[s].fd);
                     continue;
@@ -410,6 +425,9 @@ class RunComparer {
     const std::size_t count_;
     const AtomicFlag& cancel_;
     ReadSignals& signals_;
+    ByteProgress& progress_;
+    const std::uint64_t budget_; // the run's share of the bytes to compare
+    std::uint64_t counted_ = 0;
     std::vector<std::uint32_t>& setOf_;
     std::uint32_t nextSet_ = 1;
     std::vector<Head> heads_;
@@ -420,9 +438,9 @@ class RunComparer {
 } // namespace
 
 bool compareRunContents(const FileList& list, std::size_t begin, std::size_t end,
-                        const AtomicFlag& cancel, ReadSignals& signals,
+                        const AtomicFlag& cancel, ReadSignals& signals, ByteProgress& progress,
                         std::vector<std::uint32_t>& setOf) {
-    return RunComparer(list, begin, end, cancel, signals, setOf).run();
+    return RunComparer(list, begin, end, cancel, signals, progress, setOf).run();
 }
 
 } // namespace twinsweep
