@@ -61,6 +61,7 @@ DuplicateFilePtr FileTools::memberFor(const File& file) const {
     auto member = std::make_shared<DuplicateFile>(
         file.path, fileDateText(file.path, DateKind::Creation).value_or(""), 0);
     member->seen = file.seen;
+    member->folder = file.folder;
     return member;
 }
 
