@@ -134,7 +134,7 @@ int main(int argc, char** argv) {
     {
         std::unique_ptr<cli::TerminalProgress> progress;
         if (::isatty(STDERR_FILENO)) {
-            progress = std::make_unique<cli::TerminalProgress>(STDERR_FILENO);
+            progress = std::make_unique<cli::TerminalProgress>(STDERR_FILENO, tools->byteProgress);
         }
         completed = runSearchJob(*settings, *tools);
     }
