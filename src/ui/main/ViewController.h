@@ -6,6 +6,7 @@
 class QCheckBox;
 class QLabel;
 class QLineEdit;
+class QMenu;
 class QPushButton;
 class QRadioButton;
 class QSlider;
@@ -90,6 +91,7 @@ class ViewController : public QMainWindow {
     // Builds the controls and menus (ViewControllerLayout.cpp).
     void buildLayout();
     void buildMenus();
+    void buildListCommands(QMenu* edit);
     void setExtensionControlsEnabled(bool enabled);
     int selectedRow(QTableView* table) const;
 
