@@ -199,8 +199,21 @@ void DuplicatesWindowTest::keepOptionsOnOneGroupAndOnAll() {
     w.checkApplyForAll->click();
     QVERIFY(settled(w));
     QCOMPARE(marksOf(found.docs), (Marks{0, 0}));
+    // Every group: busy until shown, and the indicator moves nothing.
+    const auto geometries = [&w] {
+        QList<QRect> out;
+        for (int k = 0; k < w.segmentedControlKeep->segmentCount(); ++k) {
+            QWidget* button = w.segmentedControlKeep->segmentButton(k);
+            out << QRect(button->mapTo(&w, QPoint(0, 0)), button->size());
+        }
+        out << QRect(w.checkApplyForAll->mapTo(&w, QPoint(0, 0)), w.checkApplyForAll->size());
+        return out;
+    };
+    const QList<QRect> idle = geometries();
     chooseSegment(w, 3);
-    QVERIFY(w.progressIndicator->isVisible()); // every group: busy until shown
+    QVERIFY(w.progressIndicator->isVisible());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    QCOMPARE(geometries(), idle);
     QVERIFY(settled(w));
     QVERIFY(!w.progressIndicator->isVisible());
     for (const FilePtr& g : {found.photos, found.docs, found.songs}) {
