@@ -87,6 +87,10 @@ void MainWindowTest::folderPanelAddsEachFolderOnce() {
         return [paths](QWidget* modal) {
             auto* dialog = qobject_cast<QFileDialog*>(modal);
             QVERIFY(dialog != nullptr);
+            // Folders are chosen here, never made.
+            QCOMPARE(dialog->labelText(QFileDialog::Accept), QStringLiteral("Select Folder(s)"));
+            QVERIFY(dialog->testOption(QFileDialog::ReadOnly));
+            QVERIFY(!dialog->findChild<QWidget*>(QStringLiteral("newFolderButton"))->isVisible());
             QStringList quoted;
             for (const QString& p : paths) {
                 quoted << QLatin1Char('"') + p + QLatin1Char('"');
@@ -110,6 +114,8 @@ void MainWindowTest::folderPanelAddsEachFolderOnce() {
     QCOMPARE(folders(), (std::vector<std::string>{a, b}));
     QVERIFY(answers.allAnswered());
     QCOMPARE(window_->tableViewFolders->model()->rowCount(), 2);
+    const QModelIndex first = window_->tableViewFolders->model()->index(0, 0);
+    QVERIFY(!first.data(Qt::DecorationRole).value<QIcon>().isNull());
 }
 
 void MainWindowTest::droppedFoldersGoBetweenRowsInOrder() {
