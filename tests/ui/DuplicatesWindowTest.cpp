@@ -336,6 +336,25 @@ void DuplicatesWindowTest::segmentChangesDuringAnUpdateFoldIntoOne() {
     QCOMPARE(w.labelSpaceSaved->text(), sizeText(9000));
 }
 
+void DuplicatesWindowTest::segmentChosenDuringAFullUpdateIsKept() {
+    Found found;
+    ViewControllerDuplicates w(nullptr);
+    w.show();
+    QVERIFY(settled(w));
+    QCOMPARE(w.fileList.front(), found.photos);
+    // As after a cleaning: a full update runs on row 0 while the user picks
+    // another option. That option is applied and stays shown; the group's
+    // option stored by the running update does not replace it.
+    w.firstUpdate = true;
+    chooseSegment(w, 1);
+    QVERIFY(w.updating);
+    chooseSegment(w, 2);
+    QVERIFY(settled(w));
+    QCOMPARE(w.segmentedControlKeep->selectedSegment(), 2);
+    QCOMPARE(found.photos->keepOption, std::int64_t{2});
+    QCOMPARE(marksOf(found.photos), (Marks{1, 1, 0}));
+}
+
 void DuplicatesWindowTest::customWindowOkCancelAndTheKeepOneQuestion() {
     Found found;
     ViewControllerDuplicates w(nullptr);
