@@ -13,6 +13,7 @@ PACKAGES=(
   clang-format
   xvfb xauth adwaita-icon-theme hicolor-icon-theme
   locales
+  file desktop-file-utils appstream lintian bash-completion man-db
 )
 missing=()
 for p in "${PACKAGES[@]}"; do

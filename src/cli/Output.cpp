@@ -161,7 +161,7 @@ bool writeJsonReport(const FileList& groups, const FileTools& tools, const Repor
     std::string& out = chunked.text();
     out = "{\"groups\":[";
     for (std::size_t g = 0; g < groups.size(); ++g) {
-        const File& head = *groups[g];
+        File& head = *groups[g];
         if (g > 0) {
             out.push_back(',');
         }
@@ -171,8 +171,8 @@ bool writeJsonReport(const FileList& groups, const FileTools& tools, const Repor
         out += ",\"category\":\"";
         out += kCategoryNames[tools.categoryOf(head) - 1];
         // Files compared by size alone were never read and have no digest.
-        out +=
-            "\",\"md5\":" + (head.MD5Hash.empty() ? std::string("null") : jsonString(head.MD5Hash));
+        const std::string digest = tools.digestText(head);
+        out += "\",\"md5\":" + (digest.empty() ? std::string("null") : jsonString(digest));
         out += ",\"members\":[";
         for (std::size_t m = 0; m < head.duplicates.size(); ++m) {
             const DuplicateFile& member = *head.duplicates[m];

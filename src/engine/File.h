@@ -64,6 +64,8 @@ class DuplicateFile {
 
     // What the search saw of this member (filled by the engine).
     FileIdentity seen;
+    // The folder the walk found it in (FolderRegistry; 0 when unknown).
+    std::uint32_t folder = 0;
 };
 
 using DuplicateFilePtr = std::shared_ptr<DuplicateFile>;
@@ -77,6 +79,8 @@ class File {
     std::uint64_t size = 0;
     std::vector<DuplicateFilePtr> duplicates;
     bool wasFound = false;
+    // The folder the walk found this item in (FolderRegistry; 0 when unknown).
+    std::uint32_t folder = 0;
     SharedInt keepOption = 0;
     RuleText customSettings;
     DigestText MD5Hash;

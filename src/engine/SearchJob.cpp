@@ -20,6 +20,7 @@ bool runSearchJob(SettingsManager& settings, FileTools& tools) {
         auto own = std::make_shared<DuplicateFile>(
             file->path, FileTools::fileDateText(file->path, DateKind::Creation).value_or(""), 0);
         own->seen = file->seen;
+        own->folder = file->folder;
         file->duplicates.insert(file->duplicates.begin(), std::move(own));
         settings.duplicateFileList.push_back(file);
     }

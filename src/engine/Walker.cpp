@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "engine/Diagnostics.h"
+#include "engine/FolderRegistry.h"
 #include "engine/WalkState.h"
 
 namespace twinsweep {
@@ -157,6 +158,7 @@ void FileTools::walkFolders(const std::vector<Folder>& folders, const WalkFilter
     struct Opened {
         DIR* dir;
         const Folder* folder;
+        std::uint32_t identity; // FolderRegistry index
     };
     std::vector<Opened> opened;
     std::vector<Entry> work;
@@ -199,7 +201,8 @@ void FileTools::walkFolders(const std::vector<Folder>& folders, const WalkFilter
         }
         std::sort(work.begin() + static_cast<std::ptrdiff_t>(first), work.end(),
                   [](const Entry& a, const Entry& b) { return a.name < b.name; });
-        opened.push_back({dir, &folders[k]});
+        opened.push_back(
+            {dir, &folders[k], FolderRegistry::remember(devIno(st).first, devIno(st).second)});
     }
 
     // Entry phase.
@@ -259,6 +262,7 @@ void FileTools::walkFolders(const std::vector<Folder>& folders, const WalkFilter
                 continue;
             }
             auto file = std::make_shared<File>(std::move(p), identityFromStat(own), File::Seen{});
+            file->folder = opened[e.folder].identity;
             file->size = packageSize(file->path);
             if (file->size >= filter.minimum && file->size <= filter.maximum) {
                 fileList.push_back(std::move(file));
@@ -278,8 +282,9 @@ void FileTools::walkFolders(const std::vector<Folder>& folders, const WalkFilter
         if (st.st_nlink > 1 && !walk_->linkedFiles.insert(devIno(st)).second) {
             continue; // the same file under a second name
         }
-        fileList.push_back(
-            std::make_shared<File>(std::move(p), identityFromStat(st), File::Seen{}));
+        auto file = std::make_shared<File>(std::move(p), identityFromStat(st), File::Seen{});
+        file->folder = opened[e.folder].identity;
+        fileList.push_back(std::move(file));
     }
     closeAll();
 }

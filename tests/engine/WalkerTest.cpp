@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "engine/FileTools.h"
+#include "engine/FolderRegistry.h"
 #include "settings/SettingsManager.h"
 #include "support/TempTree.h"
 
@@ -262,4 +263,21 @@ TEST(FileRecord, TakesExtensionSizeAndDefaultRuleText) {
     EXPECT_EQ(gone.size, 0u);
     ASSERT_EQ(printed.size(), 1u);
     EXPECT_TRUE(printed[0].starts_with("Error: "));
+}
+
+TEST_F(Walker, EveryRecordKnowsTheIdentityOfTheFolderItWasFoundIn) {
+    tree.write("Users/bob/a.txt", "a");
+    tree.write("Users/bob/sub/b.txt", "b");
+    FileTools tools;
+    tools.locationGate = LocationGate::macLayoutUnder(tree.root());
+    tools.scanFolders({tree.root()}, true, {}, 0, UINT64_MAX);
+    ASSERT_EQ(tools.fileList.size(), 2u);
+    for (const auto& f : tools.fileList) {
+        struct stat st {};
+        ASSERT_EQ(::stat(f->path.substr(0, f->path.rfind('/')).c_str(), &st), 0);
+        const FolderIdentity id = FolderRegistry::at(f->folder);
+        EXPECT_TRUE(id.known);
+        EXPECT_EQ(id.device, static_cast<std::uint64_t>(st.st_dev));
+        EXPECT_EQ(id.inode, static_cast<std::uint64_t>(st.st_ino));
+    }
 }
