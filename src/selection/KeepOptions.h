@@ -27,7 +27,10 @@ std::int64_t markedCount(const File& group);
 
 // Reads a member date text ("yy-MM-dd hh:mm:ss", 12-hour clock without a
 // day half, local time) back into a time. Absent when the text is not one.
+// The two-digit year is read as a date formatter reads it: the year within
+// 80 years before and 20 years after now.
 std::optional<std::time_t> parseMemberDate(const std::string& text);
+std::optional<std::time_t> parseMemberDate(const std::string& text, std::time_t now);
 
 // The member that the keep-oldest / keep-newest options keep. The list must not
 // be empty. Only a strictly earlier (later) date replaces the pick, so the

@@ -7,6 +7,7 @@
 #include "MainWindowTest.h"
 #include "SearchFlowTest.h"
 #include "ShellTest.h"
+#include "ui/platform/FileTypeIcons.h"
 
 int main(int argc, char** argv) {
     // Help pages are written to the cache folder; keep the user's untouched.
@@ -16,6 +17,7 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("twinsweep-tests"));
     // The tests open and close main windows one after another.
     QApplication::setQuitOnLastWindowClosed(false);
+    twinsweep::ui::chooseIconTheme(); // as the application does at launch
     int failed = 0;
     {
         ShellTest shell;

@@ -95,6 +95,7 @@ class ViewControllerDuplicates : public ModalWindow {
     void showFigures(const CategoryFigures& figures);
     void setBusy(bool busy);
     void installList(FileList list);
+    void installFoldedList(FileList list);
 
     // Tables (ViewControllerDuplicates.cpp).
     void tableViewSelectionDidChange();

@@ -15,8 +15,10 @@
 #include <sys/stat.h>
 
 #include "engine/FileTools.h"
+#include "engine/LocationGate.h"
 #include "settings/SettingsManager.h"
 #include "ui/main/FolderTableView.h"
+#include "ui/main/OutsideLocations.h"
 #include "ui/main/SizeStops.h"
 #include "ui/main/StringListModel.h"
 #include "ui/platform/FolderPicker.h"
@@ -245,6 +247,13 @@ void ViewController::OnFindDuplicateFiles() {
 
 void ViewController::ShowDuplicatesWindow() {
     WindowFactory::runModal(kWindowControllerDuplicates, this);
+}
+
+void ViewController::updateOutsideLocationsLine() {
+    const QString text =
+        outsideLocationsText(LocationGate::processDefault(), settingsManager->listFolderPaths);
+    labelOutsideLocations->setText(text);
+    outsideLocationsLine_->setVisible(!text.isEmpty());
 }
 
 void ViewController::OnFileNew() {
