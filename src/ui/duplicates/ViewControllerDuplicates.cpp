@@ -108,6 +108,9 @@ void ViewControllerDuplicates::toggleMember(int row) {
     }
     const auto index = static_cast<std::size_t>(row);
     DuplicateFile& member = *group.duplicates[index];
+    if (member.isProtected) {
+        return;
+    }
     member.checkState = member.checkState == 0 ? 1 : 0;
     // Another entry of the same group (never the case with shared records)
     // carries the same mark.

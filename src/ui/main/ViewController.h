@@ -17,6 +17,7 @@ class SettingsManager;
 
 namespace twinsweep::ui {
 
+class FolderModel;
 class FolderTableView;
 class StringListModel;
 
@@ -93,7 +94,7 @@ class ViewController : public QMainWindow {
     void setExtensionControlsEnabled(bool enabled);
     int selectedRow(QTableView* table) const;
 
-    StringListModel* folderModel_ = nullptr;
+    FolderModel* folderModel_ = nullptr;
     StringListModel* extensionModel_ = nullptr;
 };
 

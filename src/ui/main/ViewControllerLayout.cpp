@@ -17,6 +17,7 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include "ui/main/FolderModel.h"
 #include "ui/main/FolderTableView.h"
 #include "ui/main/SizeStops.h"
 #include "ui/main/StringListModel.h"
@@ -61,6 +62,7 @@ void ViewController::buildLayout() {
     auto* folderRow = new QHBoxLayout(folders);
     tableViewFolders = named(new FolderTableView(folders), "TableViewFolderPaths");
     tableViewFolders->setModel(folderModel_);
+    FolderModel::fitColumns(tableViewFolders);
     tableViewFolders->setToolTip(QStringLiteral("Add folders with the buttons, or drag them here "
                                                 "from your file manager."));
     tableViewFolders->setMinimumHeight(150);
@@ -153,10 +155,10 @@ void ViewController::buildLayout() {
     auto* removalGroup = new QButtonGroup(options);
     removalGroup->addButton(radioMoveDuplicateFilesToTrash);
     removalGroup->addButton(radioRemoveDuplicateFilesPermanently);
-    checkIgnoreBundles =
-        named(new QCheckBox(QStringLiteral("Skip packages (application bundles and similar folders)"),
-                            options),
-              "checkIgnoreBundles");
+    checkIgnoreBundles = named(
+        new QCheckBox(QStringLiteral("Skip packages (application bundles and similar folders)"),
+                      options),
+        "checkIgnoreBundles");
     checkCompareLargeFilesByContent =
         named(new QCheckBox(QStringLiteral("Compare large files by content"), options),
               "checkCompareLargeFilesByContent");
