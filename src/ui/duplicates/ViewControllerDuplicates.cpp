@@ -45,6 +45,7 @@ void ViewControllerDuplicates::viewDidLoad() {
     connect(buttonReveal, &QPushButton::clicked, this,
             &ViewControllerDuplicates::OnGoToSourceDirectoryButton);
     connect(buttonInfo, &QPushButton::clicked, this, &ViewControllerDuplicates::OnShowInfo);
+    connect(buttonExport, &QPushButton::clicked, this, &ViewControllerDuplicates::OnExport);
     connect(tableViewDuplicates, &QTableView::doubleClicked, this,
             &ViewControllerDuplicates::OnShowInfo);
     ResetResultsWindow();
