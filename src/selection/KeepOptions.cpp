@@ -78,15 +78,17 @@ const DuplicateFilePtr& pickCopy(const std::vector<DuplicateFilePtr>& members, B
     return members[pick];
 }
 
+// keptPath null: the group holds protected copies, which are kept in place of
+// the oldest or newest one.
 void markKeeping(File& group, std::int64_t option, const std::string* keptPath) {
     group.keepOption = option;
     for (const DuplicateFilePtr& m : group.duplicates) {
-        if (option == kKeepAll) {
+        if (option == kKeepAll || m->isProtected) {
             m->checkState = 0;
         } else if (option == kRemoveAll) {
             m->checkState = 1;
         } else {
-            m->checkState = m->path == *keptPath ? 0 : 1;
+            m->checkState = keptPath != nullptr && m->path == *keptPath ? 0 : 1;
         }
     }
 }
@@ -101,10 +103,14 @@ bool applyTo(File& group, std::int64_t option, SamePath&& forEachSamePath) {
         keptPath = option == kKeepOldest ? oldestCopy(group.duplicates)->path
                                          : newestCopy(group.duplicates)->path;
     }
-    markKeeping(group, option, &keptPath);
+    const bool holdsProtected =
+        std::any_of(group.duplicates.begin(), group.duplicates.end(),
+                    [](const DuplicateFilePtr& m) { return m->isProtected; });
+    const std::string* kept = holdsProtected ? nullptr : &keptPath;
+    markKeeping(group, option, kept);
     forEachSamePath([&](File& other) {
         if (&other != &group) {
-            markKeeping(other, option, &keptPath);
+            markKeeping(other, option, kept);
         }
     });
     return true;

@@ -56,6 +56,8 @@ class SamePathIndex {
 // Applies keep option 0 to 3 to group and to every group of duplicateFileList
 // with the same path (in practice the same object). Sets keepOption and every
 // member's mark; other option values change nothing and return false.
+// Protected copies are never marked; in a group that holds one, keep oldest
+// and keep newest keep the protected copies and mark every other copy.
 bool applyKeepOption(File& group, std::int64_t option, const FileList& duplicateFileList);
 bool applyKeepOption(File& group, std::int64_t option, const SamePathIndex& duplicateFileList);
 

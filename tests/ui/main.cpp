@@ -5,6 +5,7 @@
 #include "DetailWindowsTest.h"
 #include "DuplicatesWindowTest.h"
 #include "MainWindowTest.h"
+#include "ProtectExportTest.h"
 #include "SearchFlowTest.h"
 #include "ShellTest.h"
 #include "ui/platform/FileTypeIcons.h"
@@ -38,6 +39,10 @@ int main(int argc, char** argv) {
     {
         DetailWindowsTest details;
         failed += QTest::qExec(&details, argc, argv);
+    }
+    {
+        ProtectExportTest additions;
+        failed += QTest::qExec(&additions, argc, argv);
     }
     return failed == 0 ? 0 : 1;
 }

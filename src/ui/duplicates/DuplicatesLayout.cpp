@@ -104,6 +104,11 @@ void ViewControllerDuplicates::buildLayout() {
     buttonInfo->setObjectName(QStringLiteral("buttonInfo"));
     memberRow->addWidget(buttonReveal);
     memberRow->addWidget(buttonInfo);
+    buttonExport = new QPushButton(QStringLiteral("Export..."), contents);
+    buttonExport->setObjectName(QStringLiteral("buttonExport"));
+    buttonExport->setToolTip(
+        QStringLiteral("Save the listed groups and their marks as CSV or JSON"));
+    memberRow->addWidget(buttonExport);
     outer->addLayout(memberRow);
 
     // Categories, space saved and Clean.

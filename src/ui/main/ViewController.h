@@ -18,6 +18,7 @@ class SettingsManager;
 
 namespace twinsweep::ui {
 
+class FolderModel;
 class FolderTableView;
 class StringListModel;
 
@@ -100,7 +101,7 @@ class ViewController : public QMainWindow {
     void setExtensionControlsEnabled(bool enabled);
     int selectedRow(QTableView* table) const;
 
-    StringListModel* folderModel_ = nullptr;
+    FolderModel* folderModel_ = nullptr;
     StringListModel* extensionModel_ = nullptr;
     QWidget* outsideLocationsLine_ = nullptr;
 };

@@ -18,6 +18,7 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include "ui/main/FolderModel.h"
 #include "ui/main/FolderTableView.h"
 #include "ui/main/SizeStops.h"
 #include "ui/main/StringListModel.h"
@@ -65,6 +66,7 @@ void ViewController::buildLayout() {
     folderColumn->addWidget(buildOutsideLocationsLine(folders));
     tableViewFolders = named(new FolderTableView(folders), "TableViewFolderPaths");
     tableViewFolders->setModel(folderModel_);
+    FolderModel::fitColumns(tableViewFolders);
     tableViewFolders->setToolTip(QStringLiteral("Add folders with the buttons, or drag them here "
                                                 "from your file manager."));
     tableViewFolders->setMinimumHeight(150);
