@@ -35,6 +35,14 @@ void ViewControllerDuplicates::OnClean() {
     waitForBackgroundJobs();
     categoriesChanged = false;
     AlertPrompt prompt(this);
+    // One cleaning at a time per user, the command-line tool included. The
+    // window can't wait on it: it says so and changes nothing.
+    CleaningLock lock;
+    if (lock.tryTake() != CleaningLock::Outcome::Taken) {
+        runAlert(this, QString::fromStdString(lock.message() + ". Nothing was removed."),
+                 {QStringLiteral("OK")});
+        return;
+    }
     PlatformRemover remover;
     const CleaningReport report = clean(fileList, *settingsManager, prompt, remover);
     if (report.outcome != CleaningOutcome::Cleaned) {
