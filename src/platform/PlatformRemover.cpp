@@ -35,7 +35,29 @@ std::string lockPath() {
 } // namespace
 
 RemovalResult PlatformRemover::moveToTrash(const RemovalTarget& target) {
+#ifdef __APPLE__
+    // The user's Trash on the start-up volume, by rename only, never over
+    // another item.
+    const char* home = std::getenv("HOME");
+    const Fd trash(home != nullptr ? openOrMakeFolder(std::string(home) + "/.Trash") : -1);
+    if (!trash.ok()) {
+        return failure(target.path, std::string("no Trash: ") + std::strerror(errno));
+    }
+    for (int i = 0; i < 200; ++i) {
+        const std::string name = i == 0 ? target.name : target.name + " " + std::to_string(i + 1);
+        if (renameNoReplace(target.folderFd, target.entry, trash.get(), name) == 0) {
+            RemovalResult r;
+            r.trashed = {target.path, std::string(home) + "/.Trash/" + name, ""};
+            return r;
+        }
+        if (errno != EEXIST) {
+            return failure(target.path, std::strerror(errno));
+        }
+    }
+    return failure(target.path, "the Trash holds too many items of this name");
+#else
     return Trash::moveAt(target.folderFd, target.entry, target.path);
+#endif
 }
 
 RemovalResult PlatformRemover::removeForGood(const RemovalTarget& target) {

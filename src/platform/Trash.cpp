@@ -15,6 +15,8 @@
 
 namespace twinsweep {
 
+// The freedesktop Trash; macOS has the system's own (see PlatformRemover).
+#ifndef __APPLE__
 namespace {
 
 // Enough other names for any real clash; never an endless search.
@@ -224,6 +226,7 @@ void noteFolderSize(const OpenTrash& t, const std::string& name, std::uint64_t s
 }
 
 } // namespace
+#endif
 
 std::string Trash::homePath() {
     const char* dataHome = std::getenv("XDG_DATA_HOME");
@@ -264,6 +267,7 @@ std::string Trash::percentEncoded(const std::string& bytes) {
     return out;
 }
 
+#ifndef __APPLE__
 RemovalResult Trash::moveAt(int folderFd, const std::string& entry,
                             const std::string& originalPath) {
     struct stat st {};
@@ -309,8 +313,7 @@ RemovalResult Trash::moveAt(int folderFd, const std::string& entry,
                                              errorText(written ? errno : writeErr) +
                                              "); nothing was removed");
         }
-        if (::renameat2(folderFd, entry.c_str(), t.files.get(), name.c_str(), RENAME_NOREPLACE) !=
-            0) {
+        if (renameNoReplace(folderFd, entry, t.files.get(), name) != 0) {
             const int err = errno;
             ::unlinkat(t.info.get(), infoName.c_str(), 0);
             if (err == EEXIST) {
@@ -330,5 +333,7 @@ RemovalResult Trash::moveAt(int folderFd, const std::string& entry,
     return failure(originalPath,
                    "the Trash holds too many items of this name; nothing was removed");
 }
+
+#endif
 
 } // namespace twinsweep

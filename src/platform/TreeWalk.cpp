@@ -15,11 +15,13 @@ namespace {
 
 // The mount an open item is on; folders on another mount are not entered.
 std::uint64_t mountId(int fd) {
+#ifdef STATX_MNT_ID
     struct statx sx {};
     if (::statx(fd, "", AT_EMPTY_PATH, STATX_MNT_ID, &sx) == 0 &&
         (sx.stx_mask & STATX_MNT_ID) != 0) {
         return sx.stx_mnt_id;
     }
+#endif
     struct stat st {};
     return ::fstat(fd, &st) == 0 ? static_cast<std::uint64_t>(st.st_dev) | (1ULL << 63) : 0;
 }

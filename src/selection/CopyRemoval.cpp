@@ -133,8 +133,7 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
         struct stat st {};
         if (aside &&
             ::fstatat(target.folderFd, target.entry.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0 &&
-            ::renameat2(target.folderFd, target.entry.c_str(), target.folderFd, target.name.c_str(),
-                        RENAME_NOREPLACE) != 0) {
+            renameNoReplace(target.folderFd, target.entry, target.folderFd, target.name) != 0) {
             r.error += " (it waits under the name " + parentOf(member.path) + "/" + target.entry +
                        ": " + std::strerror(errno) + ")";
         }
@@ -163,8 +162,7 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
         }
         if (!aside) {
             const std::string name = asideName(mine.name);
-            if (::renameat2(target.folderFd, mine.name.c_str(), target.folderFd, name.c_str(),
-                            RENAME_NOREPLACE) != 0) {
+            if (renameNoReplace(target.folderFd, mine.name, target.folderFd, name) != 0) {
                 return failure(member.path + ": " + std::strerror(errno) + ", not removed");
             }
             aside = true;

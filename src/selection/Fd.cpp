@@ -1,6 +1,7 @@
 #include "selection/Fd.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -31,6 +32,14 @@ std::string parentOf(const std::string& path) {
 std::string lastComponent(const std::string& path) {
     const auto slash = path.find_last_of('/');
     return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+int renameNoReplace(int fromFd, const std::string& from, int toFd, const std::string& to) {
+#ifdef __APPLE__
+    return ::renameatx_np(fromFd, from.c_str(), toFd, to.c_str(), RENAME_EXCL);
+#else
+    return ::renameat2(fromFd, from.c_str(), toFd, to.c_str(), RENAME_NOREPLACE);
+#endif
 }
 
 int openOrMakeFolderAt(int dirFd, const std::string& name) {

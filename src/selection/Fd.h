@@ -47,6 +47,9 @@ bool writeFully(int fd, std::string_view text);
 std::string parentOf(const std::string& path);
 std::string lastComponent(const std::string& path);
 
+// Renames from in fromFd to to in toFd, never over an existing entry.
+int renameNoReplace(int fromFd, const std::string& from, int toFd, const std::string& to);
+
 // Opens the folder at path (created with its missing parents, each 0700),
 // refusing a final symbolic link. Returns -1 with errno set on failure.
 int openOrMakeFolder(const std::string& path);
