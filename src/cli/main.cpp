@@ -125,6 +125,7 @@ int main(int argc, char** argv) {
         }
     }
     settings->listFolderPaths = options.folders;
+    settings->protectedFolders = options.protectedFolders;
     settings->minimumFileSize = options.minimumSize;
     settings->maximumFileSize = options.maximumSize;
     settings->customFileTypes = !options.extensions.empty();
@@ -158,7 +159,7 @@ int main(int argc, char** argv) {
     {
         std::unique_ptr<cli::TerminalProgress> progress;
         if (::isatty(STDERR_FILENO)) {
-            progress = std::make_unique<cli::TerminalProgress>(STDERR_FILENO);
+            progress = std::make_unique<cli::TerminalProgress>(STDERR_FILENO, tools->byteProgress);
         }
         completed = runSearchJob(*settings, *tools);
     }
@@ -216,9 +217,19 @@ int main(int argc, char** argv) {
         sigaddset(&block, sig);
     }
     ::sigprocmask(SIG_BLOCK, &block, nullptr);
-    const bool written = options.format == cli::OutputFormat::Json
-                             ? cli::writeJsonReport(settings->duplicateFileList, *tools, sink)
-                             : cli::writeTextReport(settings->duplicateFileList, sink);
+    bool written = false;
+    switch (options.format) {
+    case cli::OutputFormat::Json:
+        written = cli::writeJsonReport(settings->duplicateFileList, *tools, sink);
+        break;
+    case cli::OutputFormat::Csv:
+        written = cli::writeCsvReport(settings->duplicateFileList, *tools,
+                                      !options.protectedFolders.empty(), sink);
+        break;
+    case cli::OutputFormat::Text:
+        written = cli::writeTextReport(settings->duplicateFileList, sink);
+        break;
+    }
     if (!written) {
         std::fprintf(stderr, "twinsweep-cli: cannot write the report: %s\n", std::strerror(errno));
         std::fflush(nullptr);

@@ -9,6 +9,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "engine/ByteProgress.h"
 #include "engine/File.h"
 #include "engine/LocationGate.h"
 #include "engine/NotificationCenter.h"
@@ -47,6 +48,14 @@ class FileTools {
     // each file on the search thread when the comparison first needs it.
     unsigned digestThreads = defaultDigestThreads();
     static unsigned defaultDigestThreads();
+    // Threads that list folders and read attributes ahead of the walk, which
+    // still takes everything in its own order; 0 lists each folder on the
+    // search thread when the walk enters it.
+    unsigned walkThreads = defaultWalkThreads();
+    static unsigned defaultWalkThreads();
+    // Bytes to compare and compared so far, for the progress displays, which
+    // may hand in their own before the search starts.
+    std::shared_ptr<ByteProgress> byteProgress = std::make_shared<ByteProgress>();
 
     // --- Walk (Walker.cpp) ---
     // Appends accepted files to fileList in walk order. Every call, the top
@@ -63,6 +72,11 @@ class FileTools {
     // MD5 of the contents; an unreadable file is digested as empty after its
     // "Ooops! Something went wrong: " line.
     static std::array<unsigned char, 16> contentDigest(const std::string& path);
+    // The digest text of a group head: MD5Hash, computed on first request and
+    // kept there (the comparison itself goes by the bytes, and only some
+    // outputs show a digest). "" for a file without copies and for files
+    // compared by size alone. Safe to call from several threads.
+    std::string digestText(File& file) const;
 
     // --- Search run (SearchRun.cpp) ---
     FileList findDuplicateFiles(const std::vector<std::string>& folders, std::uint64_t minimum,
@@ -94,14 +108,13 @@ class FileTools {
     struct WalkState;
     // The comparison steps; false when the run was cancelled (already posted).
     bool compareFiles();
+    // Drops a file met again under another name that the walk let through.
+    void takeEachFileOnce();
     bool byContent(std::uint64_t size) const;
     DuplicateFilePtr memberFor(const File& file) const;
-    struct Folder;
-    struct WalkFilter;
-
-    void walkFolders(const std::vector<Folder>& folders, const WalkFilter& filter);
-    std::uint64_t packageSizeAt(int parentFd, const std::string& name, const std::string& path,
-                                std::vector<std::pair<std::uint64_t, std::uint64_t>>& active);
+    class Walk;
+    friend class Walk;
+    std::uint64_t packageSizeAt(int parentFd, const std::string& name, const std::string& path);
 
     std::unique_ptr<WalkState> walk_;
     std::unordered_set<std::string_view> packageSet_;

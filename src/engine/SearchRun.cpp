@@ -2,6 +2,8 @@
 // collection of the group heads, with progress and cancellation throughout.
 #include <algorithm>
 #include <optional>
+#include <set>
+#include <sys/stat.h>
 #include <thread>
 
 #include "engine/Digest.h"
@@ -68,9 +70,11 @@ FileList FileTools::findDuplicateFiles(const std::vector<std::string>& folders,
                                        bool ignorePackages,
                                        const std::vector<std::string>& extensions) {
     finishedPosted_ = false;
+    byteProgress->start(0);
     // The walk posts once more when its top-level call returns: that is the
     // post after the walk.
     scanFolders(removeNestedFolders(folders), ignorePackages, extensions, minimum, maximum);
+    takeEachFileOnce();
     if (canceled()) {
         post(kSearchThreadFinished);
         return {};
@@ -106,6 +110,30 @@ FileList FileTools::findDuplicateFiles(const std::vector<std::string>& folders,
     return heads;
 }
 
+void FileTools::takeEachFileOnce() {
+    // The walk takes a file with several hard links once, but a regular file
+    // with a package extension goes its own way there (as a package of size
+    // 0). Reached under two names it would be its own copy: keep the name met
+    // first. Such files are rare, so the common case costs one pass over sizes.
+    std::set<std::pair<std::uint32_t, std::uint64_t>> linked;
+    for (const FilePtr& f : fileList) {
+        struct stat st {};
+        if (f->size == 0 && f->seen.known && packageSet_.contains(f->ext.view()) &&
+            ::lstat(f->path.c_str(), &st) == 0 && S_ISREG(st.st_mode) && st.st_nlink > 1) {
+            linked.insert({f->seen.device, f->seen.inode});
+        }
+    }
+    if (linked.empty()) {
+        return;
+    }
+    std::set<std::pair<std::uint32_t, std::uint64_t>> taken;
+    std::erase_if(fileList, [&](const FilePtr& f) {
+        const std::pair<std::uint32_t, std::uint64_t> id{f->seen.device, f->seen.inode};
+        return f->seen.known && linked.contains(id) && !taken.insert(id).second;
+    });
+    userInfo[kTotalFiles] = static_cast<std::int64_t>(fileList.size());
+}
+
 bool FileTools::compareFiles() {
     const std::size_t n = fileList.size();
     auto sameSize = [&](std::size_t a, std::size_t b) {
@@ -116,21 +144,31 @@ bool FileTools::compareFiles() {
     std::vector<DigestPipeline::Run> runs;
     std::vector<std::size_t> runOf; // for each run start: its run number
     std::optional<DigestPipeline> pipeline;
-    if (digestThreads > 0) {
-        for (std::size_t i = 0; i < n;) {
-            std::size_t j = i + 1;
-            while (j < n && sameSize(i, j)) {
-                ++j;
-            }
-            if (j - i >= 2 && byContent(fileList[i]->size)) {
-                runs.push_back({i, j});
-            }
-            i = j;
+    std::uint64_t bytesToCompare = 0;
+    for (std::size_t i = 0; i < n;) {
+        std::size_t j = i + 1;
+        while (j < n && sameSize(i, j)) {
+            ++j;
         }
-        if (!runs.empty()) {
-            pipeline.emplace(fileList, runs, digestThreads, settingsManager->searchCanceledByUser);
+        if (j - i >= 2 && byContent(fileList[i]->size)) {
+            runs.push_back({i, j});
+            bytesToCompare += (j - i) * fileList[i]->size;
         }
+        i = j;
     }
+    ByteProgress& progress = *byteProgress;
+    progress.start(bytesToCompare);
+    if (digestThreads > 0 && !runs.empty()) {
+        pipeline.emplace(fileList, runs, digestThreads, settingsManager->searchCanceledByUser,
+                         progress);
+    }
+    // The plain loop counts each file's bytes once it is digested.
+    auto digest = [&](File& f) {
+        if (f.MD5Hash.empty()) {
+            f.MD5Hash = base64Text(contentDigest(f.path));
+            progress.add(f.size);
+        }
+    };
     auto cancelled = [&] {
         if (!canceled()) {
             return false;
@@ -190,12 +228,8 @@ bool FileTools::compareFiles() {
         }
         for (std::size_t j = i + 1; j < n && sameSize(i, j); ++j) {
             File& b = *fileList[j];
-            if (a.MD5Hash.empty()) {
-                a.MD5Hash = base64Text(contentDigest(a.path));
-            }
-            if (b.MD5Hash.empty()) {
-                b.MD5Hash = base64Text(contentDigest(b.path));
-            }
+            digest(a);
+            digest(b);
             if (a.MD5Hash == b.MD5Hash) {
                 b.wasFound = true;
                 a.duplicates.push_back(memberFor(b));

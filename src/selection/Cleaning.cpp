@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "engine/Diagnostics.h"
+#include "engine/ProtectedFolders.h"
 #include "engine/SameFile.h"
 #include "selection/CopyRemoval.h"
 #include "selection/KeepOptions.h"
@@ -75,8 +76,13 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
                 report.stopped = true;
                 return report;
             }
-            const RemovalResult result =
-                run.dryRun ? RemovalResult{} : actOnCopy(*group, *m, act, sameFile);
+            RemovalResult result;
+            if (isProtectedCopy(*m, settings.protectedFolders)) {
+                result.ok = false;
+                result.error = m->path + ": in a protected folder, not removed";
+            } else if (!run.dryRun) {
+                result = actOnCopy(*group, *m, act, sameFile);
+            }
             if (result.ok) {
                 ++report.removed;
                 report.bytesFreed += group->size;

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
@@ -25,9 +27,19 @@ TEST(Formatting, SizeTextsStepBy1024AndRoundIn32BitFloat) {
         {1099511627776ULL, "1.0 TB"},
         {UINT64_MAX, "16777216.0 TB"},
     };
-    for (const auto& [bytes, text] : cases) {
-        EXPECT_EQ(FileTools::fileSizeText(bytes), text) << bytes;
+    // The same texts whatever locale the environment asks for (a German one
+    // writes "1,5" through printf).
+    const std::string saved = std::setlocale(LC_ALL, nullptr);
+    for (const char* locale : {"C", "de_DE.UTF-8"}) {
+        if (std::setlocale(LC_ALL, locale) == nullptr) {
+            std::printf("locale %s is not installed; its case is skipped\n", locale);
+            continue;
+        }
+        for (const auto& [bytes, text] : cases) {
+            EXPECT_EQ(FileTools::fileSizeText(bytes), text) << bytes << " in " << locale;
+        }
     }
+    std::setlocale(LC_ALL, saved.c_str());
 }
 
 namespace {
@@ -104,4 +116,25 @@ TEST(Formatting, DateOfLinkIsTheLinkOwnAndMissingItemHasNone) {
     const std::string link = tree.symlink(tree.path("gone"), "link");
     EXPECT_TRUE(FileTools::fileDateText(link, DateKind::Modification).has_value());
     EXPECT_FALSE(FileTools::fileDateText(tree.path("gone"), DateKind::Creation).has_value());
+}
+
+TEST(Formatting, ProgressLineTellsBytesAndOnceSettledTheTimeLeft) {
+    const std::uint64_t mb = 1024 * 1024;
+    EXPECT_EQ(TimeLeft::text(0, 3 * mb, std::nullopt), "0 B of 3.0 MB compared");
+    EXPECT_EQ(TimeLeft::text(mb, 3 * mb, 12), "1.0 MB of 3.0 MB compared, about 12 s left");
+    EXPECT_EQ(TimeLeft::text(mb, 3 * mb, 0), "1.0 MB of 3.0 MB compared, about 1 s left");
+    EXPECT_EQ(TimeLeft::text(mb, 3 * mb, 150), "1.0 MB of 3.0 MB compared, about 3 min left");
+    EXPECT_EQ(TimeLeft::text(mb, 3 * mb, 4 * 3600), "1.0 MB of 3.0 MB compared, about 4 h left");
+    EXPECT_EQ(TimeLeft::text(3 * mb, 3 * mb, 5), "3.0 MB of 3.0 MB compared");
+
+    // No line before the comparison; no estimate in its first second; then
+    // the rate so far: 1 MB in 2 s leaves 4 s for the other 2 MB.
+    TimeLeft estimate;
+    const auto t0 = TimeLeft::Clock::now();
+    EXPECT_EQ(estimate.line(0, 0, t0), "");
+    EXPECT_EQ(estimate.line(0, 3 * mb, t0), "0 B of 3.0 MB compared");
+    EXPECT_EQ(estimate.line(mb / 2, 3 * mb, t0 + std::chrono::milliseconds(500)),
+              "512.0 KB of 3.0 MB compared");
+    EXPECT_EQ(estimate.line(mb, 3 * mb, t0 + std::chrono::seconds(2)),
+              "1.0 MB of 3.0 MB compared, about 4 s left");
 }

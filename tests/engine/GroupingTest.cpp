@@ -151,10 +151,17 @@ TEST_P(GroupingBothWays, EqualSizesAreSplitByContentWithHeadsFirstInSortedOrder)
     const FileList heads = search(tools, {tree.root()});
     auto got = names(heads, tree.root());
     EXPECT_EQ(got, (std::vector<std::string>{"u", "b3 b1 b2", "a1 a3", "a2 a4"}));
+    // Every byte of the files with a same-size rival counted, the unique one not.
+    EXPECT_EQ(tools.byteProgress->total(), 3U * 12 + 4 * 4);
+    EXPECT_EQ(tools.byteProgress->done(), tools.byteProgress->total());
     for (const FilePtr& h : heads) {
         if (h->path.ends_with("/u")) {
             EXPECT_EQ(h->MD5Hash, "") << "a unique size is never read";
+            EXPECT_EQ(tools.digestText(*h), "");
         } else {
+            // Read ahead, groups come from the bytes; the digest when asked.
+            EXPECT_EQ(h->MD5Hash.empty(), GetParam() > 0);
+            EXPECT_EQ(tools.digestText(*h), base64Text(FileTools::contentDigest(h->path)));
             EXPECT_EQ(h->MD5Hash.size(), 24U);
         }
         for (const DuplicateFilePtr& d : h->duplicates) {

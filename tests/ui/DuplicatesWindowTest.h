@@ -18,10 +18,12 @@ class DuplicatesWindowTest : public QObject {
     void handMarksRecountAtOnce();
     void categoryBoxesHideGroupsButKeepMarks();
     void segmentChangesDuringAnUpdateFoldIntoOne();
+    void segmentChosenDuringAFullUpdateIsKept();
     void customWindowOkCancelAndTheKeepOneQuestion();
     void cleaningAsksFirstAndMovesToTheTrash();
     void cleaningForGoodAndClosingAfterTheLastGroup();
     void revealFallsBackToTheFolder();
+    void keyboardMarksAndReturnOpensNothing();
 
   private:
     QList<QUrl> opened_;

@@ -18,6 +18,8 @@ class MainWindowTest : public QObject {
     void fileNewPutsEveryOptionBack();
     void findWithoutFoldersOnlyWarns();
     void closingAsksOnlyWithUnsavedMark();
+    void keyboardLeavesTablesAndDeleteRemoves();
+    void foldersOutsideTheSearchedLocationsAreNamed();
 
   private:
     std::unique_ptr<twinsweep::ui::ViewController> window_;

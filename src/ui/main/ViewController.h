@@ -6,6 +6,7 @@
 class QCheckBox;
 class QLabel;
 class QLineEdit;
+class QMenu;
 class QPushButton;
 class QRadioButton;
 class QSlider;
@@ -17,6 +18,7 @@ class SettingsManager;
 
 namespace twinsweep::ui {
 
+class FolderModel;
 class FolderTableView;
 class StringListModel;
 
@@ -51,6 +53,9 @@ class ViewController : public QMainWindow {
     QCheckBox* checkIgnoreBundles = nullptr;
     QCheckBox* checkCompareLargeFilesByContent = nullptr;
     QPushButton* buttonFindDuplicateFiles = nullptr;
+    // Under the folder table: which listed folders the search will not look
+    // in, and where it does look. Hidden while there are none.
+    QLabel* labelOutsideLocations = nullptr;
 
   public slots:
     void OnAddFolder();
@@ -80,6 +85,7 @@ class ViewController : public QMainWindow {
     void ResetSettings();
     void UpdateSettings();
     void ShowDuplicatesWindow();
+    void updateOutsideLocationsLine();
     // Whether the window may close; asks first when the title ends in "*".
     bool windowShouldClose();
 
@@ -90,11 +96,14 @@ class ViewController : public QMainWindow {
     // Builds the controls and menus (ViewControllerLayout.cpp).
     void buildLayout();
     void buildMenus();
+    void buildListCommands(QMenu* edit);
+    QWidget* buildOutsideLocationsLine(QWidget* parent);
     void setExtensionControlsEnabled(bool enabled);
     int selectedRow(QTableView* table) const;
 
-    StringListModel* folderModel_ = nullptr;
+    FolderModel* folderModel_ = nullptr;
     StringListModel* extensionModel_ = nullptr;
+    QWidget* outsideLocationsLine_ = nullptr;
 };
 
 } // namespace twinsweep::ui

@@ -14,9 +14,11 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
+#include <QStyle>
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include "ui/main/FolderModel.h"
 #include "ui/main/FolderTableView.h"
 #include "ui/main/SizeStops.h"
 #include "ui/main/StringListModel.h"
@@ -58,9 +60,13 @@ void ViewController::buildLayout() {
 
     // Folders to scan.
     auto* folders = new QGroupBox(QStringLiteral("Folders to scan"), central);
-    auto* folderRow = new QHBoxLayout(folders);
+    auto* folderColumn = new QVBoxLayout(folders);
+    auto* folderRow = new QHBoxLayout;
+    folderColumn->addLayout(folderRow, 1);
+    folderColumn->addWidget(buildOutsideLocationsLine(folders));
     tableViewFolders = named(new FolderTableView(folders), "TableViewFolderPaths");
     tableViewFolders->setModel(folderModel_);
+    FolderModel::fitColumns(tableViewFolders);
     tableViewFolders->setToolTip(QStringLiteral("Add folders with the buttons, or drag them here "
                                                 "from your file manager."));
     tableViewFolders->setMinimumHeight(150);
@@ -114,6 +120,7 @@ void ViewController::buildLayout() {
     tableViewFileTypes->horizontalHeader()->setStretchLastSection(true);
     tableViewFileTypes->verticalHeader()->setVisible(false);
     tableViewFileTypes->setShowGrid(false);
+    tableViewFileTypes->setTabKeyNavigation(false);
     tableViewFileTypes->setMaximumHeight(110);
     textFieldCustomFileTypesExtension =
         named(new QLineEdit(types), "textFieldCustomFileTypesExtension");
@@ -153,10 +160,10 @@ void ViewController::buildLayout() {
     auto* removalGroup = new QButtonGroup(options);
     removalGroup->addButton(radioMoveDuplicateFilesToTrash);
     removalGroup->addButton(radioRemoveDuplicateFilesPermanently);
-    checkIgnoreBundles =
-        named(new QCheckBox(QStringLiteral("Skip packages (application bundles and similar folders)"),
-                            options),
-              "checkIgnoreBundles");
+    checkIgnoreBundles = named(
+        new QCheckBox(QStringLiteral("Skip packages (application bundles and similar folders)"),
+                      options),
+        "checkIgnoreBundles");
     checkCompareLargeFilesByContent =
         named(new QCheckBox(QStringLiteral("Compare large files by content"), options),
               "checkCompareLargeFilesByContent");
@@ -210,21 +217,68 @@ void ViewController::buildLayout() {
             &ViewController::OnFindDuplicateFiles);
 }
 
+QWidget* ViewController::buildOutsideLocationsLine(QWidget* parent) {
+    outsideLocationsLine_ = new QWidget(parent);
+    auto* row = new QHBoxLayout(outsideLocationsLine_);
+    row->setContentsMargins(0, 0, 0, 0);
+    auto* icon = new QLabel(outsideLocationsLine_);
+    const int side = style()->pixelMetric(QStyle::PM_SmallIconSize);
+    icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(side, side));
+    row->addWidget(icon, 0, Qt::AlignTop);
+    labelOutsideLocations = named(new QLabel(outsideLocationsLine_), "labelOutsideLocations");
+    labelOutsideLocations->setWordWrap(true);
+    labelOutsideLocations->setTextFormat(Qt::PlainText);
+    row->addWidget(labelOutsideLocations, 1);
+    outsideLocationsLine_->hide();
+    const auto update = [this] { updateOutsideLocationsLine(); };
+    connect(folderModel_, &QAbstractItemModel::modelReset, this, update);
+    connect(folderModel_, &QAbstractItemModel::rowsInserted, this, update);
+    connect(folderModel_, &QAbstractItemModel::rowsRemoved, this, update);
+    return outsideLocationsLine_;
+}
+
 void ViewController::buildMenus() {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
     QAction* fileNew = file->addAction(QStringLiteral("&New"));
     fileNew->setObjectName(QStringLiteral("actionFileNew"));
     fileNew->setShortcut(QKeySequence::New);
     connect(fileNew, &QAction::triggered, this, &ViewController::OnFileNew);
+    addCommand(file, QStringLiteral("&Add Folder..."), QKeySequence::Open, [this] {
+        OnAddFolder();
+    })->setObjectName(QStringLiteral("actionAddFolder"));
+    addCommand(file, QStringLiteral("&Find Duplicate Files"), QKeySequence::Find, [this] {
+        OnFindDuplicateFiles();
+    })->setObjectName(QStringLiteral("actionFindDuplicateFiles"));
     file->addSeparator();
     QAction* quit = file->addAction(QStringLiteral("&Quit"));
     quit->setObjectName(QStringLiteral("actionQuit"));
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
     connect(quit, &QAction::triggered, this, &ViewController::OnAppQuit);
+    buildListCommands(menuBar()->addMenu(QStringLiteral("&Edit")));
     addWindowMenu(menuBar(), [this] { OnMinimize(); });
     addHelpMenu(
         menuBar(), [this] { OnRemoveDuplicatesFromMac(); }, [this] { OnCustomSelectDuplicates(); });
+}
+
+void ViewController::buildListCommands(QMenu* edit) {
+    // Delete acts on the table that has the focus, as in a file manager.
+    const QKeySequence removeAll(Qt::SHIFT | Qt::Key_Delete);
+    addCommand(
+        edit, QStringLiteral("&Remove Folder"), QKeySequence::Delete,
+        [this] { OnRemoveSelected(); }, tableViewFolders)
+        ->setObjectName(QStringLiteral("actionRemoveFolder"));
+    addCommand(
+        edit, QStringLiteral("Remove All F&olders..."), removeAll, [this] { OnRemoveAll(); },
+        tableViewFolders);
+    edit->addSeparator();
+    addCommand(
+        edit, QStringLiteral("Remove E&xtension"), QKeySequence::Delete,
+        [this] { OnCustomFileTypesRemoveSelected(); }, tableViewFileTypes)
+        ->setObjectName(QStringLiteral("actionRemoveExtension"));
+    addCommand(
+        edit, QStringLiteral("Remove All Ex&tensions"), removeAll,
+        [this] { OnCustomFileTypesRemoveAll(); }, tableViewFileTypes);
 }
 
 } // namespace twinsweep::ui
