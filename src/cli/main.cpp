@@ -104,6 +104,7 @@ int main(int argc, char** argv) {
         }
     }
     settings->listFolderPaths = options.folders;
+    settings->protectedFolders = options.protectedFolders;
     settings->minimumFileSize = options.minimumSize;
     settings->maximumFileSize = options.maximumSize;
     settings->customFileTypes = !options.extensions.empty();
@@ -168,9 +169,19 @@ int main(int argc, char** argv) {
     }
 
     const cli::ReportSink sink = [&](std::string_view piece) { return writeAll(reportFd, piece); };
-    const bool written = options.format == cli::OutputFormat::Json
-                             ? cli::writeJsonReport(settings->duplicateFileList, *tools, sink)
-                             : cli::writeTextReport(settings->duplicateFileList, sink);
+    bool written = false;
+    switch (options.format) {
+    case cli::OutputFormat::Json:
+        written = cli::writeJsonReport(settings->duplicateFileList, *tools, sink);
+        break;
+    case cli::OutputFormat::Csv:
+        written = cli::writeCsvReport(settings->duplicateFileList, *tools,
+                                      !options.protectedFolders.empty(), sink);
+        break;
+    case cli::OutputFormat::Text:
+        written = cli::writeTextReport(settings->duplicateFileList, sink);
+        break;
+    }
     if (!written) {
         std::fprintf(stderr, "twinsweep-cli: cannot write the report: %s\n", std::strerror(errno));
         std::fflush(nullptr);

@@ -48,6 +48,11 @@ class FileTools {
     // each file on the search thread when the comparison first needs it.
     unsigned digestThreads = defaultDigestThreads();
     static unsigned defaultDigestThreads();
+    // Threads that list folders and read attributes ahead of the walk, which
+    // still takes everything in its own order; 0 lists each folder on the
+    // search thread when the walk enters it.
+    unsigned walkThreads = defaultWalkThreads();
+    static unsigned defaultWalkThreads();
     // Bytes to compare and compared so far, for the progress displays, which
     // may hand in their own before the search starts.
     std::shared_ptr<ByteProgress> byteProgress = std::make_shared<ByteProgress>();
@@ -107,12 +112,9 @@ class FileTools {
     void takeEachFileOnce();
     bool byContent(std::uint64_t size) const;
     DuplicateFilePtr memberFor(const File& file) const;
-    struct Folder;
-    struct WalkFilter;
-
-    void walkFolders(const std::vector<Folder>& folders, const WalkFilter& filter);
-    std::uint64_t packageSizeAt(int parentFd, const std::string& name, const std::string& path,
-                                std::vector<std::pair<std::uint64_t, std::uint64_t>>& active);
+    class Walk;
+    friend class Walk;
+    std::uint64_t packageSizeAt(int parentFd, const std::string& name, const std::string& path);
 
     std::unique_ptr<WalkState> walk_;
     std::unordered_set<std::string_view> packageSet_;

@@ -1,6 +1,7 @@
 #include "engine/SearchJob.h"
 
 #include "engine/FileTools.h"
+#include "engine/ProtectedFolders.h"
 #include "settings/SettingsManager.h"
 
 namespace twinsweep {
@@ -25,6 +26,7 @@ bool runSearchJob(SettingsManager& settings, FileTools& tools) {
         settings.duplicateFileList.push_back(file);
     }
     settings.fileList.clear();
+    applyProtection(settings.duplicateFileList, settings.protectedFolders);
     return completed;
 }
 

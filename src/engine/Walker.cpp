@@ -1,15 +1,27 @@
 // The folder walk: lists folders, applies the location gate, hidden names,
 // packages, the extension filter and the size range, and posts progress per
-// entry. One open per folder, one stat per entry at most, relative to the
-// folder's descriptor.
+// entry. Depth first, pre-order, each folder's entries in name order.
+//
+// The walk keeps its own stack instead of recursing, so a tree's depth is
+// bounded by memory only; it works relative to open folders (a path may be
+// longer than PATH_MAX) and keeps few of them open (FolderChain). Listings and
+// attributes may be gathered ahead by a pool of threads (FolderListing.h);
+// every decision (the gate, links walked once, hard links, the order of the
+// records, every progress post and message) is still taken here, on the
+// search thread, in walk order.
 #include <algorithm>
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
+#include <memory>
+#include <set>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 #include "engine/Diagnostics.h"
+#include "engine/FolderChain.h"
+#include "engine/FolderListing.h"
 #include "engine/FolderRegistry.h"
 #include "engine/WalkState.h"
 
@@ -19,120 +31,326 @@ namespace {
 
 const char* const kOoops = "Ooops! Something went wrong: ";
 
-struct Entry {
-    std::string name;
-    unsigned char type;
-    std::uint32_t folder; // index into the opened folders of this level
-};
-
-std::string joinPath(const std::string& folder, const std::string& name) {
-    std::string p;
-    p.reserve(folder.size() + 1 + name.size());
-    p.append(folder);
-    if (p.empty() || p.back() != '/') {
-        p.push_back('/');
-    }
-    p.append(name);
-    return p;
-}
-
-DevIno devIno(const struct stat& st) {
-    return {static_cast<std::uint64_t>(st.st_dev), static_cast<std::uint64_t>(st.st_ino)};
-}
-
-FileIdentity identityFromStat(const struct stat& st) {
+FileIdentity identityOf(const EntryAttrs& a) {
     FileIdentity id;
-    id.device = static_cast<std::uint32_t>(st.st_dev);
-    id.inode = static_cast<std::uint64_t>(st.st_ino);
-    id.size = static_cast<std::uint64_t>(st.st_size);
-#ifdef __APPLE__
-    id.mtimeSec = st.st_mtimespec.tv_sec;
-    id.mtimeNsec = static_cast<std::int32_t>(st.st_mtimespec.tv_nsec);
-#else
-    id.mtimeSec = st.st_mtim.tv_sec;
-    id.mtimeNsec = static_cast<std::int32_t>(st.st_mtim.tv_nsec);
-#endif
+    id.device = static_cast<std::uint32_t>(a.device);
+    id.inode = a.inode;
+    id.size = a.size;
+    id.mtimeSec = a.mtimeSec;
+    id.mtimeNsec = a.mtimeNsec;
     id.known = true;
     return id;
 }
 
-// Opens the folder name relative to parentFd, following links.
-DIR* openFolder(int parentFd, const std::string& name, struct stat& st) {
-    const int fd = ::openat(parentFd, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) {
-        return nullptr;
-    }
-    if (::fstat(fd, &st) != 0) {
-        const int err = errno;
-        ::close(fd);
-        errno = err;
-        return nullptr;
-    }
-    DIR* dir = ::fdopendir(fd);
-    if (dir == nullptr) {
-        const int err = errno;
-        ::close(fd);
-        errno = err;
-    }
-    return dir;
+FolderFdPtr workingFolder() {
+    return std::make_shared<FolderFd>(AT_FDCWD);
 }
 
-// Appends the entries of dir (without "." and ".."); false with errno on failure.
-bool readEntries(DIR* dir, std::uint32_t folder, std::vector<Entry>& out) {
-    errno = 0;
-    while (const dirent* de = ::readdir(dir)) {
-        const char* n = de->d_name;
-        if (n[0] == '.' && (n[1] == '\0' || (n[1] == '.' && n[2] == '\0'))) {
-            continue;
-        }
-        out.push_back({std::string(n), de->d_type, folder});
+void appendName(std::string& path, const std::string& name) {
+    if (path.empty() || path.back() != '/') {
+        path.push_back('/');
     }
-    return errno == 0;
-}
-
-enum class Kind { Skip, Folder, Regular };
-
-// What an entry is, following a link for the existence and folder tests. A
-// link to anything but a folder is skipped: it is not a copy of its own, and
-// its target is found where it lives. FIFOs, sockets and devices are skipped
-// so nothing ever blocks on them.
-Kind classify(int dirFd, const Entry& e, struct stat& st, bool& haveLstat) {
-    haveLstat = false;
-    unsigned char type = e.type;
-    if (type == DT_UNKNOWN) {
-        if (::fstatat(dirFd, e.name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
-            return Kind::Skip;
-        }
-        if (S_ISDIR(st.st_mode)) {
-            return Kind::Folder;
-        }
-        if (S_ISREG(st.st_mode)) {
-            haveLstat = true;
-            return Kind::Regular;
-        }
-        if (!S_ISLNK(st.st_mode)) {
-            return Kind::Skip;
-        }
-        type = DT_LNK;
-    }
-    switch (type) {
-    case DT_DIR:
-        return Kind::Folder;
-    case DT_REG:
-        return Kind::Regular;
-    case DT_LNK: {
-        struct stat target {};
-        if (::fstatat(dirFd, e.name.c_str(), &target, 0) != 0) {
-            return Kind::Skip; // broken link
-        }
-        return S_ISDIR(target.st_mode) ? Kind::Folder : Kind::Skip;
-    }
-    default:
-        return Kind::Skip;
-    }
+    path.append(name);
 }
 
 } // namespace
+
+// One search's walk over its top folders.
+class FileTools::Walk {
+  public:
+    Walk(FileTools& tools, bool ignorePackages, const std::vector<std::string>& extensions,
+         std::uint64_t minimum, std::uint64_t maximum)
+        : tools_(tools), state_(*tools.walk_), rules_{&tools.locationGate, &tools.packageSet_,
+                                                      &extensions, ignorePackages},
+          minimum_(minimum), maximum_(maximum), chain_(workingFolder()) {
+        if (tools.walkThreads > 0) {
+            pool_ = std::make_unique<ListingPool>(tools.walkThreads, rules_);
+        }
+    }
+
+    void run(const std::vector<std::string>& folders) {
+        if (tools_.canceled() || !listTopFolders(folders)) {
+            return;
+        }
+        while (!frames_.empty()) {
+            const std::size_t k = frames_.size() - 1;
+            Frame& f = frames_[k];
+            if (f.entry == f.dirs[f.dir]->entries.size()) {
+                if (f.dir + 1 < f.dirs.size()) {
+                    enterTopFolder(f, f.dir + 1);
+                } else {
+                    endFrame();
+                }
+                continue;
+            }
+            ListedEntry& e = f.dirs[f.dir]->entries[f.entry++];
+            if (!examine(k, e)) {
+                endFrame();
+            }
+        }
+    }
+
+  private:
+    // One level of the walk: the top folders, or one subfolder.
+    struct Frame {
+        std::vector<std::shared_ptr<FolderListing>> dirs;
+        std::vector<std::uint32_t> identity; // FolderRegistry index per folder
+        // Top level only: each folder's path and its descriptor until it is entered.
+        std::vector<std::string> paths;
+        std::vector<FolderFdPtr> fds;
+        std::size_t dir = 0;
+        std::size_t entry = 0;
+        std::size_t pathLen = 0; // the folder's path in path_
+    };
+
+    // Lists every top folder before any entry is examined; one failure means
+    // nothing is examined.
+    bool listTopFolders(const std::vector<std::string>& folders) {
+        Frame top;
+        for (std::size_t k = 0; k < folders.size(); ++k) {
+            if (k > 0 && tools_.canceled()) {
+                return false;
+            }
+            auto node = std::make_shared<FolderListing>();
+            FolderFdPtr fd = gather(*node, AT_FDCWD, folders[k], folders[k]);
+            if (!fd) {
+                printErrorLine(kOoops, folders[k], node->error);
+                return false;
+            }
+            if (!state_.folders.insert({node->device, node->inode}).second) {
+                continue; // walked already under another path
+            }
+            top.identity.push_back(FolderRegistry::remember(node->device, node->inode));
+            top.dirs.push_back(std::move(node));
+            top.paths.push_back(folders[k]);
+            top.fds.push_back(std::move(fd));
+        }
+        if (top.dirs.empty()) {
+            return true;
+        }
+        if (pool_) {
+            for (std::size_t k = 0; k < top.dirs.size(); ++k) {
+                pool_->submit(*top.dirs[k], top.fds[k]);
+            }
+        }
+        frames_.push_back(std::move(top));
+        enterTopFolder(frames_.back(), 0);
+        return true;
+    }
+
+    void enterTopFolder(Frame& f, std::size_t k) {
+        if (k > 0) {
+            chain_.pop();
+            release(*f.dirs[f.dir]);
+        }
+        f.dir = k;
+        f.entry = 0;
+        chain_.push(std::move(f.fds[k]), f.paths[k], f.dirs[k]->device, f.dirs[k]->inode);
+        path_ = f.paths[k];
+        f.pathLen = path_.size();
+    }
+
+    // Leaves the innermost level; the level it returns to posts, as after
+    // any folder walk (the top level's post is the caller's).
+    void endFrame() {
+        Frame& f = frames_.back();
+        release(*f.dirs[f.dir]);
+        chain_.pop();
+        frames_.pop_back();
+        if (!frames_.empty()) {
+            path_.resize(frames_.back().pathLen);
+            tools_.postWalkProgress();
+        }
+    }
+
+    static void release(FolderListing& node) { std::vector<ListedEntry>().swap(node.entries); }
+
+    FolderFdPtr gather(FolderListing& node, int parentFd, const std::string& name,
+                       const std::string& path) {
+        // With a pool, the attributes are read while listing and subfolders
+        // are queued; without, each is read when the walk reaches it.
+        FolderFdPtr fd = gatherListing(node, parentFd, name.c_str(), path,
+                                       pool_ ? &rules_ : nullptr, pool_ != nullptr);
+        return fd;
+    }
+
+    // One entry; false when the level must end (cancelled).
+    bool examine(std::size_t k, ListedEntry& e) {
+        tools_.postWalkProgress();
+        if (tools_.canceled()) {
+            return false;
+        }
+        path_.resize(frames_[k].pathLen);
+        appendName(path_, e.name);
+        const NameRules::Verdict v = rules_.judge(path_, e.name);
+        if (!v.examined) {
+            return true;
+        }
+        const bool asPackage = !rules_.ignorePackages && v.package;
+        if (!e.read && e.type != DT_DIR && e.type != DT_REG) {
+            readEntryAttrs(chain_.fd(), e, false);
+        }
+        bool folder = false;
+        switch (e.type) {
+        case DT_DIR:
+            folder = true;
+            break;
+        case DT_REG:
+            break;
+        case DT_LNK:
+            // A link to anything but a folder is not a copy of its own: its
+            // target is found where it lives.
+            if (e.attrs.error != 0 || !S_ISDIR(e.attrs.mode)) {
+                return true;
+            }
+            folder = true;
+            break;
+        default:
+            return true; // FIFOs, sockets, devices: nothing ever blocks on them
+        }
+        if (tools_.canceled()) {
+            return false;
+        }
+        if (folder && !asPackage) {
+            descend(e);
+            return true;
+        }
+        if (!v.extension) {
+            return true;
+        }
+        const std::uint32_t identity = frames_[k].identity[frames_[k].dir];
+        if (asPackage) {
+            takePackage(e, folder, identity);
+        } else {
+            takeFile(e, identity);
+        }
+        return true;
+    }
+
+    void descend(ListedEntry& e) {
+        if (tools_.canceled()) {
+            tools_.postWalkProgress();
+            return;
+        }
+        std::shared_ptr<FolderListing> node = std::move(e.child);
+        FolderFdPtr fd;
+        if (node && pool_ && pool_->take(*node)) {
+            fd = node->fd.lock();
+            // Entered: it no longer counts as gathered ahead, however deep
+            // the walk goes below it.
+            pool_->release(*node);
+        } else {
+            if (!node) {
+                node = std::make_shared<FolderListing>(); // entered through a link
+            }
+            const int parentFd = chain_.fd();
+            if (parentFd == -1) {
+                node->error = errno;
+            } else {
+                fd = gather(*node, parentFd, e.name, path_);
+                if (fd && pool_) {
+                    pool_->submit(*node, fd);
+                }
+            }
+        }
+        if (node->error != 0) {
+            // Listed by its parent, gone or locked now: it contributes nothing.
+            printErrorLine(kOoops, path_, node->error);
+            tools_.postWalkProgress();
+            return;
+        }
+        if (!state_.folders.insert({node->device, node->inode}).second) {
+            if (pool_) {
+                pool_->abandon(*node);
+            }
+            tools_.postWalkProgress();
+            return;
+        }
+        Frame child;
+        child.identity.push_back(FolderRegistry::remember(node->device, node->inode));
+        chain_.push(std::move(fd), e.name, node->device, node->inode);
+        child.dirs.push_back(std::move(node));
+        child.pathLen = path_.size();
+        frames_.push_back(std::move(child));
+    }
+
+    // A package is one item; if its folder was taken or walked already under
+    // another path it is not taken again.
+    void takePackage(const ListedEntry& e, bool folder, std::uint32_t identity) {
+        const int dirFd = chain_.fd();
+        struct stat target {};
+        if (folder && (::fstatat(dirFd, e.name.c_str(), &target, 0) != 0 ||
+                       !state_.folders
+                            .insert({static_cast<std::uint64_t>(target.st_dev),
+                                     static_cast<std::uint64_t>(target.st_ino)})
+                            .second)) {
+            return;
+        }
+        struct stat own {};
+        if (::fstatat(dirFd, e.name.c_str(), &own, AT_SYMLINK_NOFOLLOW) != 0) {
+            return;
+        }
+        EntryAttrs attrs;
+        attrs.device = static_cast<std::uint64_t>(own.st_dev);
+        attrs.inode = static_cast<std::uint64_t>(own.st_ino);
+        attrs.size = static_cast<std::uint64_t>(own.st_size);
+        attrs.mtimeSec = static_cast<std::int64_t>(own.st_mtim.tv_sec);
+        attrs.mtimeNsec = static_cast<std::int32_t>(own.st_mtim.tv_nsec);
+        auto file = std::make_shared<File>(path_, identityOf(attrs), File::Seen{});
+        file->folder = identity;
+        file->size = tools_.packageSizeAt(dirFd, e.name, path_);
+        if (file->size >= minimum_ && file->size <= maximum_) {
+            tools_.fileList.push_back(std::move(file));
+        }
+    }
+
+    void takeFile(ListedEntry& e, std::uint32_t identity) {
+        if (!e.read) {
+            readEntryAttrs(chain_.fd(), e, true);
+        }
+        if (e.attrs.error != 0) {
+            // Listed, but its attributes can't be read now (gone since, or a
+            // folder that can be listed but not searched): a record says so
+            // and has size 0, which the size range then judges.
+            printErrorLine("Error: ", path_, e.attrs.error);
+            if (minimum_ == 0) {
+                auto file = std::make_shared<File>(path_, FileIdentity{}, File::Seen{});
+                file->folder = identity;
+                tools_.fileList.push_back(std::move(file));
+            }
+            return;
+        }
+        if (!S_ISREG(e.attrs.mode)) {
+            return; // replaced by something else since the listing
+        }
+        if (e.attrs.size < minimum_ || e.attrs.size > maximum_) {
+            return;
+        }
+        if (e.attrs.links > 1 &&
+            !state_.linkedFiles.insert({e.attrs.device, e.attrs.inode}).second) {
+            return; // the same file under a second name
+        }
+        auto file = std::make_shared<File>(path_, identityOf(e.attrs), File::Seen{});
+        file->folder = identity;
+        tools_.fileList.push_back(std::move(file));
+    }
+
+    FileTools& tools_;
+    WalkState& state_;
+    NameRules rules_;
+    std::uint64_t minimum_;
+    std::uint64_t maximum_;
+    FolderChain chain_;
+    std::vector<Frame> frames_;
+    std::string path_; // the absolute path of the entry being examined
+    std::unique_ptr<ListingPool> pool_;
+};
+
+unsigned FileTools::defaultWalkThreads() {
+    // Listing and stat calls mostly wait on the file system: more of them in
+    // flight than there are cores keeps a cold disk busy.
+    return std::max(2U, std::min(8U, 2 * std::thread::hardware_concurrency()));
+}
 
 void FileTools::scanFolders(const std::vector<std::string>& folders, bool ignorePackages,
                             const std::vector<std::string>& extensions, std::uint64_t minimum,
@@ -140,204 +358,84 @@ void FileTools::scanFolders(const std::vector<std::string>& folders, bool ignore
     if (!walk_) {
         walk_ = std::make_unique<WalkState>();
     }
-    std::vector<Folder> list;
-    list.reserve(folders.size());
-    for (const std::string& f : folders) {
-        list.push_back({f, AT_FDCWD, f});
+    {
+        Walk walk(*this, ignorePackages, extensions, minimum, maximum);
+        walk.run(folders);
     }
-    const WalkFilter filter{ignorePackages, &extensions, minimum, maximum};
-    walkFolders(list, filter);
+    // The list grew by doubling; what it holds now stays until the end of
+    // the search, so give back the unused half.
+    fileList.shrink_to_fit();
     postWalkProgress();
 }
 
-void FileTools::walkFolders(const std::vector<Folder>& folders, const WalkFilter& filter) {
-    if (canceled()) {
-        return;
-    }
-    ++walk_->depth;
-    struct Opened {
-        DIR* dir;
-        const Folder* folder;
-        std::uint32_t identity; // FolderRegistry index
-    };
-    std::vector<Opened> opened;
-    std::vector<Entry> work;
-    auto closeAll = [&] {
-        for (const Opened& o : opened) {
-            ::closedir(o.dir);
-        }
-        --walk_->depth;
-    };
-
-    // Listing phase: every folder of this call is listed before any entry is
-    // examined; one failure means nothing of this call is examined.
-    for (std::size_t k = 0; k < folders.size(); ++k) {
-        if (k > 0 && canceled()) {
-            closeAll();
-            return;
-        }
-        struct stat st {};
-        DIR* dir = openFolder(folders[k].parentFd, folders[k].nameInParent, st);
-        if (dir == nullptr) {
-            const int err = errno;
-            // A subfolder that vanished since its parent was listed is skipped
-            // silently, like a vanished file; a missing top folder is reported.
-            if (err != ENOENT || walk_->depth == 1) {
-                printErrorLine(kOoops, folders[k].path, err);
-            }
-            closeAll();
-            return;
-        }
-        if (!walk_->folders.insert(devIno(st)).second) {
-            ::closedir(dir); // walked already under another path
-            continue;
-        }
-        const std::size_t first = work.size();
-        if (!readEntries(dir, static_cast<std::uint32_t>(opened.size()), work)) {
-            printErrorLine(kOoops, folders[k].path, errno);
-            ::closedir(dir);
-            closeAll();
-            return;
-        }
-        std::sort(work.begin() + static_cast<std::ptrdiff_t>(first), work.end(),
-                  [](const Entry& a, const Entry& b) { return a.name < b.name; });
-        opened.push_back(
-            {dir, &folders[k], FolderRegistry::remember(devIno(st).first, devIno(st).second)});
-    }
-
-    // Entry phase.
-    const auto& extensions = *filter.extensions;
-    for (const Entry& e : work) {
-        postWalkProgress();
-        if (canceled()) {
-            closeAll();
-            return;
-        }
-        const Folder& parent = *opened[e.folder].folder;
-        const int dirFd = ::dirfd(opened[e.folder].dir);
-        std::string p = joinPath(parent.path, e.name);
-        if (!locationGate.allows(p, e.name)) {
-            continue;
-        }
-        if (e.name.front() == '.') {
-            continue;
-        }
-        const std::string ext = extensionOf(e.name);
-        const bool isPackageExt = packageSet_.contains(ext);
-        if (filter.ignorePackages && isPackageExt) {
-            continue;
-        }
-        struct stat st {};
-        bool haveLstat = false;
-        const Kind kind = classify(dirFd, e, st, haveLstat);
-        if (kind == Kind::Skip) {
-            continue;
-        }
-        if (canceled()) {
-            closeAll();
-            return;
-        }
-        const bool takeAsPackage = !filter.ignorePackages && isPackageExt;
-        if (kind == Kind::Folder && !takeAsPackage) {
-            walkFolders({Folder{std::move(p), dirFd, e.name}}, filter);
-            postWalkProgress();
-            continue;
-        }
-        if (!extensions.empty() &&
-            std::find(extensions.begin(), extensions.end(), ext) == extensions.end()) {
-            continue;
-        }
-        if (takeAsPackage) {
-            // A package is one item; if its folder was taken or walked already
-            // under another path it is not taken again.
-            struct stat target {};
-            if (kind == Kind::Folder) {
-                if (::fstatat(dirFd, e.name.c_str(), &target, 0) != 0 ||
-                    !walk_->folders.insert(devIno(target)).second) {
-                    continue;
-                }
-            }
-            struct stat own {};
-            if (::fstatat(dirFd, e.name.c_str(), &own, AT_SYMLINK_NOFOLLOW) != 0) {
-                continue;
-            }
-            auto file = std::make_shared<File>(std::move(p), identityFromStat(own), File::Seen{});
-            file->folder = opened[e.folder].identity;
-            file->size = packageSize(file->path);
-            if (file->size >= filter.minimum && file->size <= filter.maximum) {
-                fileList.push_back(std::move(file));
-            }
-            continue;
-        }
-        if (!haveLstat && ::fstatat(dirFd, e.name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
-            continue; // vanished since the listing
-        }
-        if (!S_ISREG(st.st_mode)) {
-            continue; // replaced by something else since the listing
-        }
-        const auto size = static_cast<std::uint64_t>(st.st_size);
-        if (size < filter.minimum || size > filter.maximum) {
-            continue;
-        }
-        if (st.st_nlink > 1 && !walk_->linkedFiles.insert(devIno(st)).second) {
-            continue; // the same file under a second name
-        }
-        auto file = std::make_shared<File>(std::move(p), identityFromStat(st), File::Seen{});
-        file->folder = opened[e.folder].identity;
-        fileList.push_back(std::move(file));
-    }
-    closeAll();
-}
-
 std::uint64_t FileTools::packageSize(const std::string& path) {
-    std::vector<std::pair<std::uint64_t, std::uint64_t>> active;
-    return packageSizeAt(AT_FDCWD, path, path, active);
+    return packageSizeAt(AT_FDCWD, path, path);
 }
 
-std::uint64_t
-FileTools::packageSizeAt(int parentFd, const std::string& name, const std::string& path,
-                         std::vector<std::pair<std::uint64_t, std::uint64_t>>& active) {
-    struct stat st {};
-    DIR* dir = openFolder(parentFd, name, st);
-    if (dir == nullptr) {
-        printErrorLine(kOoops, path, errno);
-        return 0;
-    }
-    const DevIno id = devIno(st);
-    if (std::find(active.begin(), active.end(), id) != active.end()) {
-        ::closedir(dir); // a link back to a folder being summed
-        return 0;
-    }
-    std::vector<Entry> entries;
-    if (!readEntries(dir, 0, entries)) {
-        printErrorLine(kOoops, path, errno);
-        ::closedir(dir);
-        return 0;
-    }
-    active.push_back(id);
-    const int dirFd = ::dirfd(dir);
+std::uint64_t FileTools::packageSizeAt(int parentFd, const std::string& name,
+                                       const std::string& path) {
+    // The same kind of walk as above, without filters: every regular file
+    // counts, hidden ones included. A link back to a folder being summed
+    // counts nothing.
+    struct Level {
+        std::unique_ptr<FolderListing> node;
+        std::size_t next = 0;
+        std::size_t pathLen = 0;
+    };
+    FolderChain chain(parentFd == AT_FDCWD ? workingFolder()
+                                           : std::make_shared<FolderFd>(::dup(parentFd)));
+    std::set<DevIno> active;
+    std::vector<Level> levels;
+    std::string p = path;
+    // Enters the folder n (relative to the innermost level); false when it
+    // can't be listed or is being summed already.
+    auto enter = [&](const std::string& n) {
+        auto node = std::make_unique<FolderListing>();
+        const int at = chain.fd();
+        FolderFdPtr fd =
+            at == -1 ? nullptr : gatherListing(*node, at, n.c_str(), p, nullptr, false);
+        if (!fd) {
+            printErrorLine(kOoops, p, at == -1 ? errno : node->error);
+            return;
+        }
+        if (!active.insert({node->device, node->inode}).second) {
+            return;
+        }
+        chain.push(std::move(fd), n, node->device, node->inode);
+        levels.push_back({std::move(node), 0, p.size()});
+    };
+    enter(name);
     std::uint64_t total = 0;
-    for (const Entry& e : entries) {
+    while (!levels.empty()) {
+        Level& level = levels.back();
+        if (level.next == level.node->entries.size()) {
+            active.erase({level.node->device, level.node->inode});
+            levels.pop_back();
+            chain.pop();
+            continue;
+        }
         if (canceled()) {
             break;
         }
+        const std::string& n = level.node->entries[level.next++].name;
+        p.resize(level.pathLen);
+        appendName(p, n);
+        const int dirFd = chain.fd();
         struct stat target {};
-        if (::fstatat(dirFd, e.name.c_str(), &target, 0) != 0) {
+        if (::fstatat(dirFd, n.c_str(), &target, 0) != 0) {
             continue; // vanished, or a broken link
         }
         if (S_ISDIR(target.st_mode)) {
-            total += packageSizeAt(dirFd, e.name, joinPath(path, e.name), active);
+            enter(n);
             continue;
         }
         struct stat own {};
-        if (::fstatat(dirFd, e.name.c_str(), &own, AT_SYMLINK_NOFOLLOW) != 0) {
-            printErrorLine("Error: ", joinPath(path, e.name), errno);
+        if (::fstatat(dirFd, n.c_str(), &own, AT_SYMLINK_NOFOLLOW) != 0) {
+            printErrorLine("Error: ", p, errno);
             continue;
         }
         total += static_cast<std::uint64_t>(own.st_size);
     }
-    active.pop_back();
-    ::closedir(dir);
     return total;
 }
 

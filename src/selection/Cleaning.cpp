@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "engine/Diagnostics.h"
+#include "engine/ProtectedFolders.h"
 #include "selection/KeepOptions.h"
 #include "selection/SameContents.h"
 
@@ -117,7 +118,9 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
             }
             std::string reason;
             RemovalResult result;
-            if (!stillAsSeen(*m, reason) || !sameAsAKeptCopy(*group, *m, reason)) {
+            if (isProtectedCopy(*m, settings.protectedFolders)) {
+                result = {false, m->path + ": in a protected folder, not removed"};
+            } else if (!stillAsSeen(*m, reason) || !sameAsAKeptCopy(*group, *m, reason)) {
                 result = {false, reason};
             } else {
                 result = toTrash ? remover.moveToTrash(m->path) : remover.removeForGood(m->path);

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -24,9 +26,10 @@ class Walker : public ::testing::Test {
     void TearDown() override { SettingsManager::shared()->searchCanceledByUser = false; }
 
     // Walks folders with the Mac layout under the tree and every size accepted.
-    std::vector<std::string> walk(const std::vector<std::string>& folders, bool ignorePackages = true,
-                                  const std::vector<std::string>& exts = {},
-                                  std::uint64_t min = 0, std::uint64_t max = UINT64_MAX) {
+    std::vector<std::string> walk(const std::vector<std::string>& folders,
+                                  bool ignorePackages = true,
+                                  const std::vector<std::string>& exts = {}, std::uint64_t min = 0,
+                                  std::uint64_t max = UINT64_MAX) {
         FileTools tools;
         tools.locationGate = LocationGate::macLayoutUnder(tree.root());
         tools.scanFolders(folders, ignorePackages, exts, min, max);
@@ -55,8 +58,8 @@ TEST_F(Walker, LocationGateKeepsToTheThreeRootsAndSkipsOnlyTheHomeLibrary) {
     tree.write("Other/o.txt", "o");
 
     EXPECT_EQ(walk({tree.root()}), (Paths{"Applications/Tool/t.txt", "Users/bob/a.txt",
-                                           "Users/bob/docs/Library/deep.txt", "Users2/stray.txt",
-                                           "Volumes/Disk/Users/bob/Library/v.txt"}));
+                                          "Users/bob/docs/Library/deep.txt", "Users2/stray.txt",
+                                          "Volumes/Disk/Users/bob/Library/v.txt"}));
     // A home Library added by itself is walked: its entries are not a home's Library.
     EXPECT_EQ(walk({tree.path("Users/bob/Library")}), (Paths{"Users/bob/Library/prefs.txt"}));
     // Entries outside the roots fail the gate even when their folder is listed.
@@ -279,5 +282,150 @@ TEST_F(Walker, EveryRecordKnowsTheIdentityOfTheFolderItWasFoundIn) {
         EXPECT_TRUE(id.known);
         EXPECT_EQ(id.device, static_cast<std::uint64_t>(st.st_dev));
         EXPECT_EQ(id.inode, static_cast<std::uint64_t>(st.st_ino));
+    }
+}
+
+namespace {
+
+// Makes a chain of count folders named "d" under the folder at, relative to
+// open folders (its paths are far longer than PATH_MAX), with a file of
+// size (level % 7 + 1) at every level that is a multiple of 5000 and at the
+// bottom. Returns the files' sizes, top first.
+std::vector<std::uint64_t> makeChain(int at, int count) {
+    std::vector<std::uint64_t> sizes;
+    int fd = ::dup(at);
+    for (int level = 0; level <= count; ++level) {
+        if (level % 5000 == 0 || level == count) {
+            const int f = ::openat(fd, "f", O_WRONLY | O_CREAT, 0644);
+            const std::string bytes(static_cast<std::size_t>(level % 7 + 1), 'x');
+            EXPECT_EQ(::write(f, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+            ::close(f);
+            sizes.push_back(bytes.size());
+        }
+        if (level < count) {
+            EXPECT_EQ(::mkdirat(fd, "d", 0755), 0);
+            const int next = ::openat(fd, "d", O_RDONLY | O_DIRECTORY);
+            ::close(fd);
+            fd = next;
+        }
+    }
+    ::close(fd);
+    return sizes;
+}
+
+void removeChain(int at) {
+    int fd = ::openat(at, "d", O_RDONLY | O_DIRECTORY);
+    int depth = 1;
+    for (int next; fd >= 0 && (next = ::openat(fd, "d", O_RDONLY | O_DIRECTORY)) >= 0; ++depth) {
+        ::close(fd);
+        fd = next;
+    }
+    for (; depth > 0; --depth) {
+        ::unlinkat(fd, "f", 0);
+        const int up = ::openat(fd, "..", O_RDONLY | O_DIRECTORY);
+        ::close(fd);
+        fd = up;
+        ::unlinkat(fd, "d", AT_REMOVEDIR);
+    }
+    ::close(fd);
+}
+
+} // namespace
+
+TEST_F(Walker, TwentyThousandLevelsAreWalkedInOrderWithFewDescriptors) {
+    const std::string top = tree.mkdir("Users/deep");
+    const int topFd = ::open(top.c_str(), O_RDONLY | O_DIRECTORY);
+    const std::vector<std::uint64_t> sizes = makeChain(topFd, 20000);
+    // Far fewer descriptors than levels.
+    rlimit saved{};
+    ::getrlimit(RLIMIT_NOFILE, &saved);
+    rlimit low = saved;
+    low.rlim_cur = 256;
+    ::setrlimit(RLIMIT_NOFILE, &low);
+    for (unsigned threads : {0U, 3U}) {
+        FileTools tools;
+        tools.walkThreads = threads;
+        tools.locationGate = LocationGate::macLayoutUnder(tree.root());
+        tools.scanFolders({top}, true, {}, 0, UINT64_MAX);
+        ASSERT_EQ(tools.fileList.size(), sizes.size()) << threads;
+        // "d" sorts before "f": the deepest file comes first.
+        for (std::size_t k = 0; k < sizes.size(); ++k) {
+            const std::size_t level = (sizes.size() - 1 - k) * 5000;
+            EXPECT_EQ(tools.fileList[k]->size, sizes[sizes.size() - 1 - k]);
+            EXPECT_EQ(tools.fileList[k]->path.size(), top.size() + 2 * level + 2);
+        }
+        EXPECT_NE(FolderRegistry::at(tools.fileList.back()->folder).inode, 0u);
+        EXPECT_EQ(tools.packageSize(top), 1u + 3 + 5 + 7 + 2);
+    }
+    ::setrlimit(RLIMIT_NOFILE, &saved);
+    removeChain(topFd);
+    ::close(topFd);
+}
+
+TEST_F(Walker, EntriesGoneOrUnreadableAfterTheListingAreReported) {
+    tree.write("Users/b/a.txt", "a");
+    tree.write("Users/b/gone.txt", "g");
+    tree.write("Users/b/sub/x.txt", "x");
+    tree.write("Users/b/z.txt", "z");
+    FileTools tools;
+    tools.walkThreads = 0; // so the listing is taken exactly when the walk enters a folder
+    tools.locationGate = LocationGate::macLayoutUnder(tree.root());
+    int posts = 0;
+    ScopedObserver watch(kUpdateProgress, [&](const std::string&, const UserInfo&) {
+        if (++posts == 2) { // Users/b is listed, none of its entries examined yet
+            ::unlink(tree.path("Users/b/gone.txt").c_str());
+            ::unlink(tree.path("Users/b/sub/x.txt").c_str());
+            ::rmdir(tree.path("Users/b/sub").c_str());
+        }
+    });
+    StdoutCapture out;
+    tools.scanFolders({tree.path("Users")}, true, {}, 0, UINT64_MAX);
+    EXPECT_EQ(twinsweep::testing::lines(out.finish()),
+              (Paths{"Error: " + tree.path("Users/b/gone.txt") + ": No such file or directory",
+                     "Ooops! Something went wrong: " + tree.path("Users/b/sub") +
+                         ": No such file or directory"}));
+    // The file that could not be read is a record of size 0, for the size range to judge.
+    ASSERT_EQ(tools.fileList.size(), 3u);
+    EXPECT_EQ(tools.fileList[1]->path, tree.path("Users/b/gone.txt"));
+    EXPECT_EQ(tools.fileList[1]->size, 0u);
+    EXPECT_FALSE(tools.fileList[1]->seen.known);
+}
+
+TEST_F(Walker, ListingAheadOnThreadsChangesNothingTheWalkShows) {
+    // Many folders (more than the threads' budget of entries), links, hidden
+    // names, packages and a folder reached twice.
+    for (int d = 0; d < 60; ++d) {
+        for (int f = 0; f < 300; ++f) {
+            const std::string dir = "Users/b/" + std::to_string(d % 7) + "/" + std::to_string(d);
+            tree.write(dir + "/" + std::to_string(f) + (f % 9 == 0 ? ".app" : ".txt"),
+                       std::string(static_cast<std::size_t>(f % 13), 'x'));
+        }
+    }
+    tree.write("Users/b/3/.hidden/h", "h");
+    tree.write("Users/b/Tool.app/Contents/bin", "12345");
+    tree.symlink(tree.path("Users/b/5"), "Users/b/0/link");
+    tree.symlink(tree.path("Users/b"), "Users/b/6/up");
+    using Post = std::pair<std::int64_t, std::int64_t>;
+    auto run = [&](unsigned threads, bool ignorePackages) {
+        std::vector<Post> posts;
+        ScopedObserver watch(kUpdateProgress, [&](const std::string&, const UserInfo& info) {
+            posts.emplace_back(info.at(kTotalFiles), info.at(kCheckedFiles));
+        });
+        FileTools tools;
+        tools.walkThreads = threads;
+        tools.locationGate = LocationGate::macLayoutUnder(tree.root());
+        StdoutCapture out;
+        tools.scanFolders({tree.path("Users/b/2"), tree.path("Users")}, ignorePackages,
+                          {"txt", "app"}, 1, 11);
+        std::vector<std::string> files = twinsweep::testing::lines(out.finish());
+        for (const auto& f : tools.fileList) {
+            files.push_back(f->path + " " + std::to_string(f->size));
+        }
+        return std::make_pair(files, posts);
+    };
+    for (bool ignorePackages : {true, false}) {
+        const auto serial = run(0, ignorePackages);
+        EXPECT_GT(serial.first.size(), 10000u);
+        EXPECT_EQ(run(4, ignorePackages), serial);
     }
 }

@@ -15,7 +15,8 @@ namespace twinsweep::testing {
 // A full search job over root, as the progress window runs it, with the given
 // number of digest threads (0: the plain comparison loop). Returns the groups.
 inline FileList searchJob(const std::string& root, unsigned threads,
-                          const LocationGate& gate = LocationGate::anywhere()) {
+                          const LocationGate& gate = LocationGate::anywhere(),
+                          unsigned walkThreads = FileTools::defaultWalkThreads()) {
     const auto settings = SettingsManager::shared();
     settings->duplicateFileList.clear();
     settings->fileList.clear();
@@ -28,6 +29,7 @@ inline FileList searchJob(const std::string& root, unsigned threads,
     FileTools tools;
     tools.locationGate = gate;
     tools.digestThreads = threads;
+    tools.walkThreads = walkThreads;
     runSearchJob(*settings, tools);
     return settings->duplicateFileList;
 }

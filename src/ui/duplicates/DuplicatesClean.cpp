@@ -2,6 +2,7 @@
 // window's alerts; the platform removes.
 #include <QPushButton>
 
+#include "engine/ProtectedFolders.h"
 #include "platform/PlatformRemover.h"
 #include "selection/Cleaning.h"
 #include "ui/duplicates/GroupsModel.h"
@@ -40,6 +41,9 @@ void ViewControllerDuplicates::OnClean() {
     if (report.outcome != CleaningOutcome::Cleaned) {
         return;
     }
+    // A group left with protected copies alone has nothing more to offer.
+    std::erase_if(settingsManager->duplicateFileList,
+                  [](const FilePtr& g) { return onlyProtectedCopies(*g); });
     firstUpdate = true;
     groupsModel_->refresh();
     selectGroupRow(0);
