@@ -12,6 +12,8 @@ PACKAGES=(
   libgtest-dev libgmock-dev
   clang-format
   xvfb xauth adwaita-icon-theme hicolor-icon-theme
+  locales
+  file desktop-file-utils appstream lintian bash-completion man-db
 )
 missing=()
 for p in "${PACKAGES[@]}"; do
@@ -20,4 +22,8 @@ done
 if [ "${#missing[@]}" -gt 0 ]; then
   $SUDO apt-get update -q
   $SUDO apt-get install -y -q --no-install-recommends "${missing[@]}"
+fi
+# The tests check that number texts ignore the locale with a German one.
+if ! locale -a 2>/dev/null | grep -qi '^de_DE\.utf-\?8$'; then
+  $SUDO localedef -i de_DE -c -f UTF-8 de_DE.UTF-8
 fi

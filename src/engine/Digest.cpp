@@ -37,10 +37,6 @@ const EVP_MD* md5Algorithm() {
 
 } // namespace
 
-int openForReading(const std::string& path) {
-    return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-}
-
 long readFully(int fd, unsigned char* data, std::size_t length) {
     std::size_t done = 0;
     while (done < length) {
@@ -105,8 +101,9 @@ Md5 md5Of(const void* data, std::size_t length) {
     return out;
 }
 
-// Only a regular file is read whole: a device could stream forever.
-static int openRegular(const std::string& path) {
+// Only a regular file is read: a device could stream forever, and a FIFO
+// never ends.
+int openForReading(const std::string& path) {
     const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (fd < 0) {
         return -1;
@@ -126,9 +123,28 @@ static int openRegular(const std::string& path) {
     return fd;
 }
 
+long preadFully(int fd, unsigned char* data, std::size_t length, std::uint64_t offset) {
+    std::size_t done = 0;
+    while (done < length) {
+        const ssize_t n =
+            ::pread(fd, data + done, length - done, static_cast<off_t>(offset + done));
+        if (n < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return -1;
+        }
+        if (n == 0) {
+            break;
+        }
+        done += static_cast<std::size_t>(n);
+    }
+    return static_cast<long>(done);
+}
+
 Md5 streamDigest(const std::string& path) {
     thread_local std::vector<unsigned char> buffer(kBufferSize);
-    const int fd = openRegular(path);
+    const int fd = openForReading(path);
     if (fd < 0) {
         printErrorLine(kOoops, path, errno);
         return md5Of(nullptr, 0);

@@ -20,13 +20,16 @@ Md5 md5Of(const void* data, std::size_t length);
 // read is digested as empty, after its "Ooops! Something went wrong: " line.
 Md5 streamDigest(const std::string& path);
 
-// Opens a file for reading without ever blocking on a FIFO or a device.
-// Returns -1 with errno set on failure.
+// Opens a regular file for reading, never blocking on a FIFO or a device;
+// anything else fails (EISDIR for a folder, EINVAL otherwise). Returns -1 with
+// errno set on failure.
 int openForReading(const std::string& path);
 
 // Reads up to length bytes, retrying short reads; the count read (less only at
 // the end of the file), or -1 with errno set.
 long readFully(int fd, unsigned char* data, std::size_t length);
+// The same at an offset.
+long preadFully(int fd, unsigned char* data, std::size_t length, std::uint64_t offset);
 
 // A fast hash of a few bytes, only to sort likely-equal byte strings together.
 std::uint64_t quickHash(const unsigned char* data, std::size_t length);

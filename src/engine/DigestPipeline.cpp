@@ -1,7 +1,7 @@
 #include "engine/DigestPipeline.h"
 
 #include <algorithm>
-#include <unordered_map>
+#include <sys/resource.h>
 
 #include "engine/RunContents.h"
 #include "settings/SettingsManager.h"
@@ -13,6 +13,21 @@ namespace {
 // How far the workers may run ahead of the comparison loop, in files: enough
 // to keep every core busy, small enough that progress follows the real work.
 constexpr std::size_t kLookAheadFiles = 8192;
+// Readers while the data comes from the disk: a disk serves many requests in
+// flight far faster than one at a time. Each holds at most a run's side-by-side
+// set of files open.
+constexpr unsigned kColdReaders = 16;
+constexpr unsigned kFilesPerReader = 17;
+
+unsigned readersAllowedByOpenFiles() {
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) {
+        return kColdReaders;
+    }
+    // Leave room for the rest of the process.
+    const rlim_t spare = limit.rlim_cur > 128 ? limit.rlim_cur - 128 : 0;
+    return static_cast<unsigned>(std::min<rlim_t>(kColdReaders, spare / kFilesPerReader));
+}
 
 } // namespace
 
@@ -20,10 +35,11 @@ DigestPipeline::DigestPipeline(const FileList& list, std::vector<Run> runs, unsi
                                const AtomicFlag& cancel)
     : list_(list), runs_(std::move(runs)), cancel_(cancel), next_(runs_.size()),
       done_(runs_.size(), 0) {
-    threads = std::max(1U, threads);
-    workers_.reserve(threads);
-    for (unsigned t = 0; t < threads; ++t) {
-        workers_.emplace_back([this] { work(); });
+    warmReaders_ = std::max(1U, threads);
+    coldReaders_ = std::max(warmReaders_, readersAllowedByOpenFiles());
+    workers_.reserve(coldReaders_);
+    for (unsigned t = 0; t < coldReaders_; ++t) {
+        workers_.emplace_back([this, t] { work(t); });
     }
 }
 
@@ -33,8 +49,18 @@ DigestPipeline::~DigestPipeline() {
         stop_ = true;
     }
     changed_.notify_all();
+    coldChanged_.notify_all();
     for (std::thread& t : workers_) {
         t.join();
+    }
+}
+
+void DigestPipeline::wake() {
+    changed_.notify_all();
+    // The extra readers sleep apart, so that on data in memory they are not
+    // woken for every run.
+    if (signals_.cold()) {
+        coldChanged_.notify_all();
     }
 }
 
@@ -42,7 +68,7 @@ bool DigestPipeline::waitFor(std::size_t r) {
     std::unique_lock guard(lock_);
     if (r > consumed_) {
         consumed_ = r;
-        changed_.notify_all();
+        wake();
     }
     // Wake every so often to notice a cancellation, which nobody signals.
     while (!done_[r]) {
@@ -58,37 +84,38 @@ std::uint32_t DigestPipeline::nextCopy(std::size_t r, std::size_t k) const {
     return next_[r][k];
 }
 
-void DigestPipeline::work() {
+void DigestPipeline::work(unsigned id) {
     for (;;) {
         std::size_t r = 0;
         {
             std::unique_lock guard(lock_);
-            changed_.wait(guard, [&] {
+            (id < warmReaders_ ? changed_ : coldChanged_).wait(guard, [&] {
                 if (stop_ || nextToTake_ >= runs_.size()) {
                     return true;
                 }
                 // A run may start once it is within reach of the loop; the
                 // run the loop waits for may always start.
                 const std::size_t loopAt = runs_[std::min(consumed_, runs_.size() - 1)].begin;
-                return nextToTake_ <= consumed_ ||
-                       runs_[nextToTake_].begin <= loopAt + kLookAheadFiles;
+                // The same few workers while the data is in memory, so that
+                // the others never touch their own allocator memory.
+                const unsigned readers = signals_.cold() ? coldReaders_ : warmReaders_;
+                return id < readers && (nextToTake_ <= consumed_ ||
+                                        runs_[nextToTake_].begin <= loopAt + kLookAheadFiles);
             });
             if (stop_ || nextToTake_ >= runs_.size()) {
                 return;
             }
             r = nextToTake_++;
         }
-        if (cancel_.load()) {
-            return;
-        }
-        if (!digestRun(r)) {
-            return; // cancelled: the loop notices by itself
-        }
+        const bool compared = !cancel_.load() && digestRun(r);
         {
             std::lock_guard guard(lock_);
-            done_[r] = 1;
+            done_[r] = compared ? 1 : 0;
         }
-        changed_.notify_all();
+        wake();
+        if (!compared) {
+            return; // cancelled: the loop notices by itself
+        }
     }
 }
 
@@ -96,25 +123,20 @@ bool DigestPipeline::digestRun(std::size_t r) {
     const Run run = runs_[r];
     const std::size_t count = run.end - run.begin;
     std::vector<std::uint32_t>& next = next_[r];
-    next.assign(count, 0);
-
-    if (!digestRunContents(list_, run.begin, run.end, cancel_)) {
+    std::vector<std::uint32_t> setOf;
+    if (!compareRunContents(list_, run.begin, run.end, cancel_, signals_, setOf)) {
         return false;
     }
-
-    std::unordered_map<std::string, std::uint32_t> lastWithDigest;
-    // Link each digested member to the next one with the same digest.
+    // Link each member of a set to the next one of the same set.
+    next.assign(count, 0);
+    constexpr std::uint32_t kNone = UINT32_MAX;
+    std::vector<std::uint32_t> lastOfSet(count + 1, kNone); // sets are numbered from 1
     for (std::size_t k = count; k-- > 0;) {
-        const File& file = *list_[run.begin + k];
-        if (file.MD5Hash.empty()) {
-            continue;
+        std::uint32_t& last = lastOfSet[setOf[k]];
+        if (setOf[k] != 0 && last != kNone) {
+            next[k] = last - static_cast<std::uint32_t>(k);
         }
-        auto [it, inserted] =
-            lastWithDigest.try_emplace(file.MD5Hash, static_cast<std::uint32_t>(k));
-        if (!inserted) {
-            next[k] = it->second - static_cast<std::uint32_t>(k);
-            it->second = static_cast<std::uint32_t>(k);
-        }
+        last = static_cast<std::uint32_t>(k);
     }
     return true;
 }

@@ -7,17 +7,16 @@
 #include <vector>
 
 #include "engine/File.h"
+#include "engine/RunContents.h"
 
 namespace twinsweep {
 
 class AtomicFlag;
 
-// Reads and digests the equal-size runs of a sorted file list on worker
-// threads, a bounded stretch ahead of the comparison loop that consumes them in
-// order. Within a run, files whose first bytes differ from every other file of
-// the run can't have a copy: they are never read whole and keep an empty
-// MD5Hash. Every other file gets its MD5Hash, exactly the digest of its
-// contents.
+// Compares the contents within the equal-size runs of a sorted file list on
+// worker threads, a bounded stretch ahead of the comparison loop that consumes
+// them in order (see compareRunContents). No digest is computed here: the
+// loop asks only which later member of a run has the same contents.
 class DigestPipeline {
   public:
     struct Run {
@@ -31,14 +30,15 @@ class DigestPipeline {
     DigestPipeline(const DigestPipeline&) = delete;
     DigestPipeline& operator=(const DigestPipeline&) = delete;
 
-    // Waits until run r is digested. False when the search was cancelled first.
+    // Waits until run r is compared. False when the search was cancelled first.
     bool waitFor(std::size_t r);
     // For member k of run r (k counted from the run's start): the next member
     // with the same contents, or 0 when there is none.
     std::uint32_t nextCopy(std::size_t r, std::size_t k) const;
 
   private:
-    void work();
+    void work(unsigned id);
+    void wake();
     bool digestRun(std::size_t r);
 
     const FileList& list_;
@@ -50,10 +50,16 @@ class DigestPipeline {
 
     std::mutex lock_;
     std::condition_variable changed_;
+    std::condition_variable coldChanged_;
     std::size_t nextToTake_ = 0;
     std::size_t consumed_ = 0; // first run the loop has not finished with
     bool stop_ = false;
     std::vector<std::thread> workers_;
+    // Workers that may compare at once: as many as cores while the data comes
+    // from memory, more while it comes from the disk.
+    unsigned warmReaders_ = 1;
+    unsigned coldReaders_ = 1;
+    ReadSignals signals_;
 };
 
 } // namespace twinsweep

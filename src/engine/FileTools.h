@@ -63,6 +63,11 @@ class FileTools {
     // MD5 of the contents; an unreadable file is digested as empty after its
     // "Ooops! Something went wrong: " line.
     static std::array<unsigned char, 16> contentDigest(const std::string& path);
+    // The digest text of a group head: MD5Hash, computed on first request and
+    // kept there (the comparison itself goes by the bytes, and only some
+    // outputs show a digest). "" for a file without copies and for files
+    // compared by size alone. Safe to call from several threads.
+    std::string digestText(File& file) const;
 
     // --- Search run (SearchRun.cpp) ---
     FileList findDuplicateFiles(const std::vector<std::string>& folders, std::uint64_t minimum,
@@ -94,6 +99,8 @@ class FileTools {
     struct WalkState;
     // The comparison steps; false when the run was cancelled (already posted).
     bool compareFiles();
+    // Drops a file met again under another name that the walk let through.
+    void takeEachFileOnce();
     bool byContent(std::uint64_t size) const;
     DuplicateFilePtr memberFor(const File& file) const;
     struct Folder;

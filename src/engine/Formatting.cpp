@@ -1,5 +1,5 @@
 // Size and date texts shown by the windows and stored in member records.
-#include <cstdio>
+#include <charconv>
 #include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -34,9 +34,12 @@ std::string FileTools::fileSizeText(std::uint64_t bytes) {
         shown = value * (1.0F / 1099511627776.0F);
         unit = " TB";
     }
+    // "%.1f" in the C locale: one decimal, "." as the point, whatever the
+    // process locale (the application takes it from LANG).
     char text[64];
-    std::snprintf(text, sizeof text, "%.1f%s", static_cast<double>(shown), unit);
-    return text;
+    const auto written = std::to_chars(text, text + sizeof text, static_cast<double>(shown),
+                                       std::chars_format::fixed, 1);
+    return std::string(text, written.ptr) + unit;
 }
 
 namespace {

@@ -1,5 +1,7 @@
-// Size ordering and the content digest used by the comparison.
+// Size ordering, and the content digest of the plain comparison and of the
+// outputs that show it.
 #include <algorithm>
+#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -85,6 +87,15 @@ void FileTools::quickSort(std::int64_t low, std::int64_t high) {
 
 std::array<unsigned char, 16> FileTools::contentDigest(const std::string& path) {
     return streamDigest(path);
+}
+
+std::string FileTools::digestText(File& file) const {
+    static std::mutex lock;
+    std::lock_guard guard(lock);
+    if (file.MD5Hash.empty() && !file.duplicates.empty() && byContent(file.size)) {
+        file.MD5Hash = base64Text(contentDigest(file.path));
+    }
+    return file.MD5Hash.str();
 }
 
 } // namespace twinsweep

@@ -3,12 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
-#include <memory>
-#include <openssl/evp.h>
 #include <string_view>
+#include <sys/uio.h>
 #include <unistd.h>
-#include <vector>
 
 #include "engine/Diagnostics.h"
 #include "engine/Digest.h"
@@ -20,164 +17,383 @@ namespace {
 
 const char* const kOoops = "Ooops! Something went wrong: ";
 
-// Files up to this size are read whole at once; larger ones first by their head.
+// Files up to this size are read whole at once (one byte more, to see whether
+// they grew); larger ones first by their head.
 constexpr std::uint64_t kWholeReadLimit = 16 * 1024;
 constexpr std::size_t kHeadLength = 4096;
+// The heads of one run held at once; a run of very many files reads less each.
+constexpr std::size_t kHeadBudget = 4 * 1024 * 1024;
+constexpr std::size_t kMinHead = 256;
 constexpr std::size_t kHashedBytes = 256;
 // Block size of the side-by-side comparison.
 constexpr std::size_t kBlock = 64 * 1024;
-// Sets of files that agree in their head larger than this are digested one
-// file at a time instead, so that a run never holds many files open at once.
-constexpr std::size_t kMaxSideBySide = 32;
+// At most this many files are open and compared side by side; larger sets
+// are first told apart by a hash of their contents.
+constexpr std::size_t kMaxSideBySide = 16;
 
-struct Member {
-    std::size_t index;  // in the list
+struct Head {
+    std::size_t k;      // member, counted from the run's start
     std::size_t offset; // of its head in the arena
     std::size_t length; // of its head
     std::uint64_t hash;
     bool complete; // the head is the whole file
 };
 
-struct CtxFree {
-    void operator()(EVP_MD_CTX* c) const { EVP_MD_CTX_free(c); }
-};
-using Ctx = std::unique_ptr<EVP_MD_CTX, CtxFree>;
-
-Ctx newContext() {
-    Ctx ctx(EVP_MD_CTX_new());
-    EVP_DigestInit_ex(ctx.get(), EVP_md5(), nullptr);
-    return ctx;
-}
-
-std::string finish(EVP_MD_CTX* ctx) {
-    Md5 out{};
-    unsigned int n = 0;
-    EVP_DigestFinal_ex(ctx, out.data(), &n);
-    return base64Text(out);
-}
-
 struct Open {
-    std::size_t index;
+    std::size_t k;
     int fd;
 };
 
-class SideBySide {
-  public:
-    SideBySide(const FileList& list, std::vector<std::size_t>& failed, const AtomicFlag& cancel)
-        : list_(list), failed_(failed), cancel_(cancel) {}
+std::uint64_t mix(std::uint64_t h, std::uint64_t v) {
+    h = (h ^ v) * 0xFF51AFD7ED558CCDULL;
+    return h ^ (h >> 32);
+}
 
-    // Members agree in their first headLength bytes (head): compare the rest.
-    bool compare(const std::vector<std::size_t>& indices, const unsigned char* head,
-                 std::size_t headLength) {
+// Reads the first length bytes like preadFully, and tells whether they had to
+// come from the disk: a read that must not wait fails when they are not in
+// memory yet.
+long readFirst(int fd, unsigned char* data, std::size_t length, bool& cold) {
+    cold = false;
+#ifdef RWF_NOWAIT
+    iovec v{data, length};
+    const ssize_t n = ::preadv2(fd, &v, 1, 0, RWF_NOWAIT);
+    if (n >= 0) {
+        if (n == 0 || static_cast<std::size_t>(n) == length) {
+            return static_cast<long>(n);
+        }
+        const long rest = preadFully(fd, data + n, length - static_cast<std::size_t>(n),
+                                     static_cast<std::uint64_t>(n));
+        return rest < 0 ? -1 : n + rest;
+    }
+    cold = errno == EAGAIN;
+#endif
+    return preadFully(fd, data, length, 0);
+}
+
+class RunComparer {
+  public:
+    RunComparer(const FileList& list, std::size_t begin, std::size_t end, const AtomicFlag& cancel,
+                ReadSignals& signals, std::vector<std::uint32_t>& setOf)
+        : list_(list), begin_(begin), count_(end - begin), cancel_(cancel), signals_(signals),
+          setOf_(setOf) {
+        setOf_.assign(count_, 0);
+    }
+
+    bool run() {
+        if (!readHeads()) {
+            return false;
+        }
+        auto bytes = [&](const Head& h) {
+            return std::string_view(reinterpret_cast<const char*>(arena_.data() + h.offset),
+                                    h.length);
+        };
+        std::sort(heads_.begin(), heads_.end(), [&](const Head& a, const Head& b) {
+            if (a.complete != b.complete) {
+                return a.complete < b.complete;
+            }
+            if (a.hash != b.hash) {
+                return a.hash < b.hash;
+            }
+            const int c = bytes(a).compare(bytes(b));
+            return c != 0 ? c < 0 : a.k < b.k;
+        });
+        auto sameHead = [&](const Head& a, const Head& b) {
+            return a.complete == b.complete && a.hash == b.hash && bytes(a) == bytes(b);
+        };
+        for (std::size_t s = 0; s < heads_.size();) {
+            std::size_t e = s + 1;
+            while (e < heads_.size() && sameHead(heads_[s], heads_[e])) {
+                ++e;
+            }
+            if (e - s >= 2) {
+                // Agree so far: complete heads are whole files, the others are
+                // compared from where their heads end.
+                std::vector<std::size_t> ks;
+                for (std::size_t m = s; m < e; ++m) {
+                    ks.push_back(heads_[m].k);
+                }
+                if (heads_[s].complete) {
+                    newSet(ks);
+                } else if (!compareRest(std::move(ks), heads_[s].length)) {
+                    return false;
+                }
+            }
+            s = e; // a head that matches no other: no copy, never read further
+        }
+        // Files read as empty (unreadable, or emptied since the walk) all have
+        // the digest of no bytes: together they are copies of each other.
+        if (empty_.size() >= 2) {
+            std::sort(empty_.begin(), empty_.end());
+            newSet(empty_);
+            const std::string text = base64Text(md5Of(nullptr, 0));
+            for (std::size_t k : empty_) {
+                file(k).MD5Hash = text;
+            }
+        }
+        return true;
+    }
+
+  private:
+    File& file(std::size_t k) const { return *list_[begin_ + k]; }
+
+    void newSet(const std::vector<std::size_t>& ks) {
+        for (std::size_t k : ks) {
+            setOf_[k] = nextSet_;
+        }
+        ++nextSet_;
+    }
+
+    void unreadable(std::size_t k, int fd) {
+        printErrorLine(kOoops, file(k).path, errno);
+        if (fd >= 0) {
+            ::close(fd);
+        }
+        empty_.push_back(k);
+    }
+
+    bool readHeads() {
+        const std::uint64_t size = file(0).size;
+        std::size_t cap =
+            size <= kWholeReadLimit ? static_cast<std::size_t>(size) + 1 : kHeadLength;
+        cap = std::min(cap, std::max(kMinHead, kHeadBudget / count_));
+        heads_.reserve(count_);
+        arena_.reserve(count_ * cap);
+        for (std::size_t k = 0; k < count_; ++k) {
+            if (cancel_.load()) {
+                return false;
+            }
+            const int fd = openForReading(file(k).path);
+            if (fd < 0) {
+                unreadable(k, fd);
+                continue;
+            }
+            Head h{k, arena_.size(), 0, 0, false};
+            arena_.resize(h.offset + cap);
+            bool cold = false;
+            const long n = readFirst(fd, arena_.data() + h.offset, cap, cold);
+            signals_.sawRead(cold);
+            if (n < 0) {
+                arena_.resize(h.offset);
+                unreadable(k, fd);
+                continue;
+            }
+            ::close(fd);
+            h.length = static_cast<std::size_t>(n);
+            arena_.resize(h.offset + h.length);
+            // A short read is the real end of the file, whatever the walk saw.
+            h.complete = h.length < cap;
+            if (h.complete && h.length == 0) {
+                empty_.push_back(k);
+                continue;
+            }
+            // The first bytes separate nearly all different files; ties are
+            // settled by comparing the bytes themselves.
+            h.hash = quickHash(arena_.data() + h.offset, std::min(h.length, kHashedBytes));
+            heads_.push_back(h);
+        }
+        return true;
+    }
+
+    // Files ks agree in their first offset bytes: sort them into sets by the rest.
+    bool compareRest(std::vector<std::size_t> ks, std::uint64_t offset) {
+        if (ks.size() <= kMaxSideBySide) {
+            std::vector<std::vector<std::size_t>> sets;
+            if (!sideBySide(ks, offset, sets)) {
+                return false;
+            }
+            for (const auto& set : sets) {
+                newSet(set);
+            }
+            return true;
+        }
+        return compareMany(std::move(ks), offset);
+    }
+
+    // Too many to hold open at once: a hash of the rest of each file sorts
+    // them into likely sets, and each is then confirmed byte for byte against
+    // its first file, a few files at a time.
+    bool compareMany(std::vector<std::size_t> ks, std::uint64_t offset) {
+        std::vector<std::pair<std::pair<std::uint64_t, std::uint64_t>, std::size_t>> keyed;
+        std::vector<unsigned char>& buffer = blockBuffer(1);
+        for (std::size_t k : ks) {
+            if (cancel_.load()) {
+                return false;
+            }
+            const int fd = openForReading(file(k).path);
+            if (fd < 0) {
+                unreadable(k, fd);
+                continue;
+            }
+            std::uint64_t h = 0x9E3779B97F4A7C15ULL;
+            std::uint64_t at = offset;
+            long n = 0;
+            while ((n = preadFully(fd, buffer.data(), kBlock, at)) > 0) {
+                h = mix(h, quickHash(buffer.data(), static_cast<std::size_t>(n)));
+                at += static_cast<std::uint64_t>(n);
+                if (static_cast<std::size_t>(n) < kBlock) {
+                    break;
+                }
+            }
+            if (n < 0) {
+                unreadable(k, fd);
+                continue;
+            }
+            ::close(fd);
+            keyed.push_back({{h, at}, k});
+        }
+        std::sort(keyed.begin(), keyed.end());
+        for (std::size_t s = 0; s < keyed.size();) {
+            std::size_t e = s + 1;
+            while (e < keyed.size() && keyed[e].first == keyed[s].first) {
+                ++e;
+            }
+            std::vector<std::size_t> candidates;
+            for (std::size_t m = s; m < e; ++m) {
+                candidates.push_back(keyed[m].second);
+            }
+            if (!confirm(std::move(candidates), offset)) {
+                return false;
+            }
+            s = e;
+        }
+        return true;
+    }
+
+    bool confirm(std::vector<std::size_t> candidates, std::uint64_t offset) {
+        std::vector<char> withFirst(count_, 0);
+        while (candidates.size() >= 2) {
+            const std::size_t first = candidates.front();
+            const auto emptyBefore = static_cast<std::ptrdiff_t>(empty_.size());
+            auto lost = [&](std::size_t k) {
+                return std::find(empty_.begin() + emptyBefore, empty_.end(), k) != empty_.end();
+            };
+            std::vector<std::size_t> same{first};
+            for (std::size_t at = 1; at < candidates.size() && !lost(first);
+                 at += kMaxSideBySide - 1) {
+                std::vector<std::size_t> batch{first};
+                for (std::size_t m = at; m < std::min(candidates.size(), at + kMaxSideBySide - 1);
+                     ++m) {
+                    batch.push_back(candidates[m]);
+                }
+                std::vector<std::vector<std::size_t>> sets;
+                if (!sideBySide(batch, offset, sets)) {
+                    return false;
+                }
+                for (const auto& set : sets) {
+                    if (std::find(set.begin(), set.end(), first) != set.end()) {
+                        same.insert(same.end(), set.begin() + (set.front() == first ? 1 : 0),
+                                    set.end());
+                    }
+                }
+            }
+            // Unreadable now, the first file can't confirm anything: those it
+            // matched start over with the others.
+            const bool firstLost = lost(first);
+            if (!firstLost && same.size() >= 2) {
+                std::sort(same.begin(), same.end());
+                same.erase(std::unique(same.begin(), same.end()), same.end());
+                newSet(same);
+                for (std::size_t k : same) {
+                    withFirst[k] = 1;
+                }
+            }
+            std::vector<std::size_t> rest;
+            for (std::size_t k : candidates) {
+                if (k != first && !withFirst[k] && !lost(k)) {
+                    rest.push_back(k);
+                }
+            }
+            candidates = std::move(rest);
+        }
+        return true;
+    }
+
+    std::vector<unsigned char>& blockBuffer(std::size_t files) {
+        thread_local std::vector<unsigned char> buffer;
+        if (buffer.size() < files * kBlock) {
+            buffer.resize(files * kBlock);
+        }
+        return buffer;
+    }
+
+    // Reads files ks block by block from offset, splitting them where their
+    // contents part, to their real end. Every set of two or more files that
+    // reached the end together goes to sets; unreadable files to empty_.
+    bool sideBySide(const std::vector<std::size_t>& ks, std::uint64_t offset,
+                    std::vector<std::vector<std::size_t>>& sets) {
         std::vector<Open> open;
-        for (std::size_t index : indices) {
-            const int fd = openForReading(list_[index]->path);
-            if (fd < 0 || ::lseek(fd, static_cast<off_t>(headLength), SEEK_SET) < 0) {
-                fail(index, fd);
+        for (std::size_t k : ks) {
+            const int fd = openForReading(file(k).path);
+            if (fd < 0) {
+                unreadable(k, fd);
                 continue;
             }
 #ifdef POSIX_FADV_SEQUENTIAL
             ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
 #endif
-            open.push_back({index, fd});
+            open.push_back({k, fd});
         }
-        Ctx ctx = newContext();
-        EVP_DigestUpdate(ctx.get(), head, headLength);
-        const bool done = compareSet(std::move(open), std::move(ctx));
-        return done;
-    }
-
-  private:
-    void fail(std::size_t index, int fd) {
-        printErrorLine(kOoops, list_[index]->path, errno);
-        if (fd >= 0) {
-            ::close(fd);
-        }
-        failed_.push_back(index);
-    }
-
-    // Reads the set block by block, splitting it where contents part.
-    bool compareSet(std::vector<Open> set, Ctx ctx) {
         struct Part {
             std::vector<Open> files;
-            Ctx ctx;
+            std::uint64_t offset;
         };
         std::vector<Part> pending;
-        pending.push_back({std::move(set), std::move(ctx)});
-        std::vector<std::vector<unsigned char>> buffers;
+        pending.push_back({std::move(open), offset});
         std::vector<long> counts;
         bool ok = true;
         while (!pending.empty()) {
             Part part = std::move(pending.back());
             pending.pop_back();
-            if (!ok || cancel_.load()) {
-                ok = false;
+            if (!ok || cancel_.load() || part.files.size() < 2) {
+                ok = ok && !cancel_.load();
                 closeAll(part.files);
                 continue;
             }
-            if (part.files.size() < 2) {
-                closeAll(part.files); // alone: no copy
-                continue;
-            }
             const std::size_t n = part.files.size();
-            buffers.resize(std::max(buffers.size(), n));
+            std::vector<unsigned char>& buffer = blockBuffer(n);
+            auto block = [&](std::size_t slot) { return buffer.data() + slot * kBlock; };
             counts.assign(n, 0);
-            std::vector<Open> readable;
-            std::vector<std::size_t> slot;
-            for (std::size_t k = 0; k < n; ++k) {
-                buffers[k].resize(kBlock);
-                counts[k] = readFully(part.files[k].fd, buffers[k].data(), kBlock);
-                if (counts[k] < 0) {
-                    fail(part.files[k].index, part.files[k].fd);
+            std::vector<std::size_t> readable; // slots
+            for (std::size_t s = 0; s < n; ++s) {
+                counts[s] = preadFully(part.files[s].fd, block(s), kBlock, part.offset);
+                if (counts[s] < 0) {
+                    unreadable(part.files[s].k, part.files[s].fd);
                     continue;
                 }
-                readable.push_back(part.files[k]);
-                slot.push_back(k);
+                readable.push_back(s);
             }
-            // Split by this block's bytes; each new part continues from the
-            // digest state of the bytes all its files share so far.
-            std::vector<std::vector<std::size_t>> groups; // positions in readable
-            for (std::size_t r = 0; r < readable.size(); ++r) {
-                const std::size_t k = slot[r];
-                bool placed = false;
-                for (auto& g : groups) {
-                    const std::size_t first = slot[g.front()];
-                    if (counts[first] == counts[k] &&
-                        std::memcmp(buffers[first].data(), buffers[k].data(),
-                                    static_cast<std::size_t>(counts[k])) == 0) {
-                        g.push_back(r);
-                        placed = true;
-                        break;
-                    }
-                }
-                if (!placed) {
-                    groups.push_back({r});
+            // Split by this block's bytes.
+            std::vector<std::vector<std::size_t>> groups; // slots
+            for (std::size_t s : readable) {
+                auto same = [&](const std::vector<std::size_t>& g) {
+                    return counts[g.front()] == counts[s] &&
+                           std::memcmp(block(g.front()), block(s),
+                                       static_cast<std::size_t>(counts[s])) == 0;
+                };
+                auto it = std::find_if(groups.begin(), groups.end(), same);
+                if (it == groups.end()) {
+                    groups.push_back({s});
+                } else {
+                    it->push_back(s);
                 }
             }
-            for (auto& g : groups) {
+            for (const auto& g : groups) {
                 std::vector<Open> files;
-                for (std::size_t r : g) {
-                    files.push_back(readable[r]);
+                for (std::size_t s : g) {
+                    files.push_back(part.files[s]);
                 }
-                if (files.size() < 2) {
-                    closeAll(files);
-                    continue;
-                }
-                Ctx next(EVP_MD_CTX_new());
-                EVP_MD_CTX_copy_ex(next.get(), part.ctx.get());
-                const std::size_t k = slot[g.front()];
-                EVP_DigestUpdate(next.get(), buffers[k].data(),
-                                 static_cast<std::size_t>(counts[k]));
-                if (static_cast<std::size_t>(counts[k]) < kBlock) {
-                    // The end of every file of the set: identical contents.
-                    const std::string text = finish(next.get());
+                if (files.size() >= 2 && static_cast<std::size_t>(counts[g.front()]) < kBlock) {
+                    // The real end of every file of the group: the same contents.
+                    std::vector<std::size_t> set;
                     for (const Open& f : files) {
-                        list_[f.index]->MD5Hash = text;
+                        set.push_back(f.k);
                     }
+                    std::sort(set.begin(), set.end());
+                    sets.push_back(std::move(set));
                     closeAll(files);
                     continue;
                 }
-                pending.push_back({std::move(files), std::move(next)});
+                pending.push_back({std::move(files), part.offset + kBlock});
             }
         }
         return ok;
@@ -190,127 +406,23 @@ class SideBySide {
     }
 
     const FileList& list_;
-    std::vector<std::size_t>& failed_;
+    const std::size_t begin_;
+    const std::size_t count_;
     const AtomicFlag& cancel_;
+    ReadSignals& signals_;
+    std::vector<std::uint32_t>& setOf_;
+    std::uint32_t nextSet_ = 1;
+    std::vector<Head> heads_;
+    std::vector<unsigned char> arena_;
+    std::vector<std::size_t> empty_; // read as empty: unreadable, or empty now
 };
 
 } // namespace
 
-bool digestRunContents(const FileList& list, std::size_t begin, std::size_t end,
-                       const AtomicFlag& cancel) {
-    const std::uint64_t size = list[begin]->size;
-    const std::size_t headWanted =
-        size <= kWholeReadLimit ? static_cast<std::size_t>(size) : kHeadLength;
-    std::vector<Member> members;
-    members.reserve(end - begin);
-    std::vector<unsigned char> arena;
-    arena.reserve((end - begin) * headWanted);
-    std::vector<std::size_t> failed; // unreadable: their contents count as empty
-
-    // Heads first: one open and one read per file.
-    for (std::size_t index = begin; index < end; ++index) {
-        if (cancel.load()) {
-            return false;
-        }
-        Member m{index, arena.size(), 0, 0, true};
-        const int fd = openForReading(list[index]->path);
-        long n = -1;
-        if (fd >= 0) {
-            arena.resize(m.offset + headWanted);
-            n = readFully(fd, arena.data() + m.offset, headWanted);
-            const int err = errno;
-            ::close(fd);
-            errno = err;
-        }
-        if (n < 0) {
-            printErrorLine(kOoops, list[index]->path, errno);
-            arena.resize(m.offset);
-            failed.push_back(index);
-            continue;
-        }
-        arena.resize(m.offset + static_cast<std::size_t>(n));
-        m.length = static_cast<std::size_t>(n);
-        // A short read is the end of the file.
-        m.complete = m.length < headWanted || size <= kWholeReadLimit;
-        // The first bytes separate nearly all different files; ties are settled
-        // by comparing the bytes themselves.
-        m.hash = quickHash(arena.data() + m.offset, std::min<std::size_t>(m.length, kHashedBytes));
-        members.push_back(m);
-    }
-
-    auto bytes = [&](const Member& m) {
-        return std::string_view(reinterpret_cast<const char*>(arena.data() + m.offset), m.length);
-    };
-    std::sort(members.begin(), members.end(), [&](const Member& a, const Member& b) {
-        if (a.complete != b.complete) {
-            return a.complete < b.complete;
-        }
-        if (a.hash != b.hash) {
-            return a.hash < b.hash;
-        }
-        const int c = bytes(a).compare(bytes(b));
-        return c != 0 ? c < 0 : a.index < b.index;
-    });
-    auto sameHead = [&](const Member& a, const Member& b) {
-        return a.complete == b.complete && a.hash == b.hash && bytes(a) == bytes(b);
-    };
-
-    SideBySide sideBySide(list, failed, cancel);
-    for (std::size_t s = 0; s < members.size();) {
-        std::size_t e = s + 1;
-        while (e < members.size() && sameHead(members[s], members[e])) {
-            ++e;
-        }
-        if (e - s < 2) {
-            s = e; // its head matches no other: no copy, never read further
-            continue;
-        }
-        if (cancel.load()) {
-            return false;
-        }
-        const Member& first = members[s];
-        if (first.complete) {
-            if (first.length == 0) {
-                failed.push_back(first.index); // empty now: joins the unreadable ones below
-                for (std::size_t m = s + 1; m < e; ++m) {
-                    failed.push_back(members[m].index);
-                }
-                s = e;
-                continue;
-            }
-            const std::string text = base64Text(md5Of(arena.data() + first.offset, first.length));
-            for (std::size_t m = s; m < e; ++m) {
-                list[members[m].index]->MD5Hash = text;
-            }
-        } else if (e - s > kMaxSideBySide) {
-            for (std::size_t m = s; m < e; ++m) {
-                if (cancel.load()) {
-                    return false;
-                }
-                File& file = *list[members[m].index];
-                file.MD5Hash = base64Text(streamDigest(file.path));
-            }
-        } else {
-            std::vector<std::size_t> indices;
-            for (std::size_t m = s; m < e; ++m) {
-                indices.push_back(members[m].index);
-            }
-            if (!sideBySide.compare(indices, arena.data() + first.offset, first.length)) {
-                return false;
-            }
-        }
-        s = e;
-    }
-
-    // Files read as empty (unreadable, or emptied since the walk) all have the
-    // digest of no bytes: together they are copies of each other.
-    if (failed.size() >= 2) {
-        const std::string text = base64Text(md5Of(nullptr, 0));
-        for (std::size_t index : failed) {
-            list[index]->MD5Hash = text;
-        }
-    }
-    return true;
+bool compareRunContents(const FileList& list, std::size_t begin, std::size_t end,
+                        const AtomicFlag& cancel, ReadSignals& signals,
+                        std::vector<std::uint32_t>& setOf) {
+    return RunComparer(list, begin, end, cancel, signals, setOf).run();
 }
 
 } // namespace twinsweep

@@ -2,6 +2,8 @@
 // collection of the group heads, with progress and cancellation throughout.
 #include <algorithm>
 #include <optional>
+#include <set>
+#include <sys/stat.h>
 #include <thread>
 
 #include "engine/Digest.h"
@@ -71,6 +73,7 @@ FileList FileTools::findDuplicateFiles(const std::vector<std::string>& folders,
     // The walk posts once more when its top-level call returns: that is the
     // post after the walk.
     scanFolders(removeNestedFolders(folders), ignorePackages, extensions, minimum, maximum);
+    takeEachFileOnce();
     if (canceled()) {
         post(kSearchThreadFinished);
         return {};
@@ -104,6 +107,30 @@ FileList FileTools::findDuplicateFiles(const std::vector<std::string>& folders,
         }
     }
     return heads;
+}
+
+void FileTools::takeEachFileOnce() {
+    // The walk takes a file with several hard links once, but a regular file
+    // with a package extension goes its own way there (as a package of size
+    // 0). Reached under two names it would be its own copy: keep the name met
+    // first. Such files are rare, so the common case costs one pass over sizes.
+    std::set<std::pair<std::uint32_t, std::uint64_t>> linked;
+    for (const FilePtr& f : fileList) {
+        struct stat st {};
+        if (f->size == 0 && f->seen.known && packageSet_.contains(f->ext.view()) &&
+            ::lstat(f->path.c_str(), &st) == 0 && S_ISREG(st.st_mode) && st.st_nlink > 1) {
+            linked.insert({f->seen.device, f->seen.inode});
+        }
+    }
+    if (linked.empty()) {
+        return;
+    }
+    std::set<std::pair<std::uint32_t, std::uint64_t>> taken;
+    std::erase_if(fileList, [&](const FilePtr& f) {
+        const std::pair<std::uint32_t, std::uint64_t> id{f->seen.device, f->seen.inode};
+        return f->seen.known && linked.contains(id) && !taken.insert(id).second;
+    });
+    userInfo[kTotalFiles] = static_cast<std::int64_t>(fileList.size());
 }
 
 bool FileTools::compareFiles() {

@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QIcon>
 #include <QTimer>
 
 #include "ui/main/ViewController.h"
@@ -8,7 +9,11 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("twinsweep"));
     QApplication::setApplicationDisplayName(QStringLiteral("Twinsweep"));
-    QApplication::setDesktopFileName(QStringLiteral("twinsweep"));
+    QApplication::setDesktopFileName(QStringLiteral(TWINSWEEP_APP_ID));
+    // Every window's icon: the installed theme's, else the built-in copy.
+    QApplication::setWindowIcon(
+        QIcon::fromTheme(QStringLiteral(TWINSWEEP_APP_ID),
+                         QIcon(QStringLiteral(":/icons/" TWINSWEEP_APP_ID ".svg"))));
     twinsweep::ui::AppDelegate delegate(app);
 
     twinsweep::ui::ViewController mainWindow;

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
@@ -25,9 +27,19 @@ TEST(Formatting, SizeTextsStepBy1024AndRoundIn32BitFloat) {
         {1099511627776ULL, "1.0 TB"},
         {UINT64_MAX, "16777216.0 TB"},
     };
-    for (const auto& [bytes, text] : cases) {
-        EXPECT_EQ(FileTools::fileSizeText(bytes), text) << bytes;
+    // The same texts whatever locale the environment asks for (a German one
+    // writes "1,5" through printf).
+    const std::string saved = std::setlocale(LC_ALL, nullptr);
+    for (const char* locale : {"C", "de_DE.UTF-8"}) {
+        if (std::setlocale(LC_ALL, locale) == nullptr) {
+            std::printf("locale %s is not installed; its case is skipped\n", locale);
+            continue;
+        }
+        for (const auto& [bytes, text] : cases) {
+            EXPECT_EQ(FileTools::fileSizeText(bytes), text) << bytes << " in " << locale;
+        }
     }
+    std::setlocale(LC_ALL, saved.c_str());
 }
 
 namespace {

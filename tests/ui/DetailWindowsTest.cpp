@@ -82,13 +82,30 @@ void DetailWindowsTest::sizeFieldsAreCheckedAndSteppersFollow() {
     } cases[] = {{"abc", "200", "100"}, {"-5", "0", "0"},      {"250000", "100000", "100000"},
                  {" 12", "200", "100"}, {"inf", "200", "100"}, {"12.5", "12.5", "12.5"},
                  {"", "200", "100"}};
-    for (const auto& c : cases) {
-        typeSize(w.textFieldFirstFileSize, c.typed);
-        typeSize(w.textFieldSecondFileSize, c.typed);
-        QCOMPARE(w.textFieldFirstFileSize->text(), c.first);
-        QCOMPARE(w.textFieldSecondFileSize->text(), c.second);
-        QCOMPARE(w.stepperFirstFileSize->value(), c.first.toDouble());
+    // Numbers read the same whatever locale the environment asks for.
+    for (const char* locale : {"C", "de_DE.UTF-8"}) {
+        const twinsweep::testing::ScopedLocale numbers(locale);
+        if (!numbers.ok()) {
+            qWarning("locale %s is not installed; its case is skipped", locale);
+            continue;
+        }
+        for (const auto& c : cases) {
+            typeSize(w.textFieldFirstFileSize, c.typed);
+            typeSize(w.textFieldSecondFileSize, c.typed);
+            QCOMPARE(w.textFieldFirstFileSize->text(), c.first);
+            QCOMPARE(w.textFieldSecondFileSize->text(), c.second);
+            QCOMPARE(w.stepperFirstFileSize->value(), c.first.toDouble());
+        }
     }
+
+    // Return in a size field confirms the field, not the window.
+    w.show();
+    w.textFieldFirstFileSize->clear();
+    QTest::keyClicks(w.textFieldFirstFileSize, QStringLiteral("x"));
+    twinsweep::testing::typeKey(w.textFieldFirstFileSize, Qt::Key_Return);
+    QCOMPARE(w.textFieldFirstFileSize->text(), QStringLiteral("200"));
+    QVERIFY(w.isVisible());
+    QCOMPARE(SettingsManager::shared()->customSettingsOption, std::string("Cancel"));
     typeSize(w.textFieldFirstFileSize, QStringLiteral("41"));
     w.stepperFirstFileSize->stepBy(1);
     QCOMPARE(w.textFieldFirstFileSize->text(), QStringLiteral("42"));

@@ -31,6 +31,7 @@ using twinsweep::testing::ModalAnswers;
 using twinsweep::testing::pressAlertButton;
 using twinsweep::testing::setDates;
 using twinsweep::testing::settled;
+using twinsweep::testing::typeKey;
 using twinsweep::ui::GroupsModel;
 using twinsweep::ui::ViewControllerCustomKeep;
 using twinsweep::ui::ViewControllerDuplicates;
@@ -541,4 +542,46 @@ void DuplicatesWindowTest::revealFallsBackToTheFolder() {
     QCOMPARE(opened_, QList<QUrl>{QUrl::fromLocalFile(
                           QString::fromStdString(path.substr(0, path.rfind('/'))))});
     opened_.clear();
+}
+
+void DuplicatesWindowTest::keyboardMarksAndReturnOpensNothing() {
+    Found found;
+    QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "openedUrl");
+    ViewControllerDuplicates w(nullptr);
+    w.show();
+    QVERIFY(settled(w));
+    QCOMPARE(twinsweep::testing::commandsWithoutShortcut(w.menuBar()), QStringList());
+    selectGroup(w, found.photos);
+    QTableView* members = w.tableViewDuplicates;
+
+    // Space marks the current member from any column of its row.
+    for (int column = 0; column < members->model()->columnCount(); ++column) {
+        members->setCurrentIndex(members->model()->index(1, column));
+        typeKey(members, Qt::Key_Space);
+        QCOMPARE(marksOf(found.photos), (Marks{0, column % 2 == 0 ? 1 : 0, 0}));
+    }
+    QVERIFY(settled(w));
+    QCOMPARE(cell(w.tableViewFiles, rowOf(w, found.photos), GroupsModel::ColumnCount),
+             QStringLiteral("1/3"));
+
+    // Return in either table neither reveals nor opens anything; Tab leaves.
+    for (QTableView* table : {w.tableViewFiles, members}) {
+        typeKey(table, Qt::Key_Return);
+        typeKey(table, Qt::Key_Enter);
+        QApplication::processEvents();
+        QCOMPARE(QApplication::activeModalWidget(), &w);
+        QVERIFY(w.isVisible());
+        typeKey(table, Qt::Key_Tab);
+        QVERIFY(!table->hasFocus());
+    }
+    QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+    QVERIFY(opened_.isEmpty());
+
+    // The keep options and apply-to-all from the keyboard.
+    typeKey(w.tableViewFiles, Qt::Key_3, Qt::ControlModifier);
+    QVERIFY(settled(w));
+    QCOMPARE(w.segmentedControlKeep->selectedSegment(), 2);
+    QCOMPARE(marksOf(found.photos), (Marks{1, 1, 0}));
+    typeKey(w.tableViewFiles, Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
+    QVERIFY(w.checkApplyForAll->isChecked());
 }

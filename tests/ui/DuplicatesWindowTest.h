@@ -22,6 +22,7 @@ class DuplicatesWindowTest : public QObject {
     void cleaningAsksFirstAndMovesToTheTrash();
     void cleaningForGoodAndClosingAfterTheLastGroup();
     void revealFallsBackToTheFolder();
+    void keyboardMarksAndReturnOpensNothing();
 
   private:
     QList<QUrl> opened_;

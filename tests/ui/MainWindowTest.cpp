@@ -23,6 +23,7 @@ using twinsweep::testing::alertText;
 using twinsweep::testing::ModalAnswers;
 using twinsweep::testing::pressAlertButton;
 using twinsweep::testing::TempTree;
+using twinsweep::testing::typeKey;
 using twinsweep::ui::ViewController;
 
 namespace {
@@ -234,6 +235,8 @@ void MainWindowTest::slidersStopOnTheTenSizes() {
         {1073741824, "1.0 GB"},      {10737418240ULL, "10.0 GB"}, {107374182400ULL, "100.0 GB"},
         {1099511627776ULL, "1.0 TB"}};
     QCOMPARE(window_->sliderMinimumFileSize->maximum(), 9);
+    // The texts ignore the locale the environment asks for.
+    const twinsweep::testing::ScopedLocale german("de_DE.UTF-8");
     for (int stop = 9; stop >= 0; --stop) {
         window_->sliderMinimumFileSize->setValue(stop);
         window_->sliderMaximumFileSize->setValue(stop);
@@ -247,6 +250,8 @@ void MainWindowTest::slidersStopOnTheTenSizes() {
     window_->sliderMaximumFileSize->setFocus();
     QTest::keyClick(window_->sliderMaximumFileSize, Qt::Key_Right);
     QCOMPARE(settings->maximumFileSize, std::uint64_t{5242880});
+    window_->OnFileNew();
+    QCOMPARE(window_->textFieldMinimumFileSize->text(), QStringLiteral("200.0 KB"));
 }
 
 void MainWindowTest::fileNewPutsEveryOptionBack() {
@@ -333,4 +338,35 @@ void MainWindowTest::closingAsksOnlyWithUnsavedMark() {
     window_->setWindowTitle(QString());
     QVERIFY(window_->close());
     QCOMPARE(answers.answered(), 2);
+}
+
+void MainWindowTest::keyboardLeavesTablesAndDeleteRemoves() {
+    QCOMPARE(twinsweep::testing::commandsWithoutShortcut(window_->menuBar()), QStringList());
+    TempTree tree;
+    window_->addFolders(
+        {QString::fromStdString(tree.mkdir("a")), QString::fromStdString(tree.mkdir("b"))});
+    window_->OnCustomFileTypesSelected();
+    window_->textFieldCustomFileTypesExtension->setText(QStringLiteral("png"));
+    typeKey(window_->textFieldCustomFileTypesExtension, Qt::Key_Return);
+    QCOMPARE(SettingsManager::shared()->listFileExtensions, std::vector<std::string>{"png"});
+
+    // Tab and Shift+Tab move out of a table, not from cell to cell.
+    for (QTableView* table :
+         {static_cast<QTableView*>(window_->tableViewFolders), window_->tableViewFileTypes}) {
+        table->selectRow(0);
+        typeKey(table, Qt::Key_Tab);
+        QVERIFY(!table->hasFocus());
+        typeKey(table, Qt::Key_Backtab, Qt::ShiftModifier);
+        QVERIFY(!table->hasFocus());
+    }
+
+    // Delete removes from the table that has the focus, and only there.
+    window_->tableViewFolders->selectRow(0);
+    window_->tableViewFileTypes->selectRow(0);
+    typeKey(window_->tableViewFolders, Qt::Key_Delete);
+    QCOMPARE(folders(), std::vector<std::string>{tree.path("b")});
+    QCOMPARE(SettingsManager::shared()->listFileExtensions.size(), std::size_t{1});
+    typeKey(window_->tableViewFileTypes, Qt::Key_Delete);
+    QVERIFY(SettingsManager::shared()->listFileExtensions.empty());
+    QCOMPARE(folders().size(), std::size_t{1});
 }

@@ -18,6 +18,7 @@ class MainWindowTest : public QObject {
     void fileNewPutsEveryOptionBack();
     void findWithoutFoldersOnlyWarns();
     void closingAsksOnlyWithUnsavedMark();
+    void keyboardLeavesTablesAndDeleteRemoves();
 
   private:
     std::unique_ptr<twinsweep::ui::ViewController> window_;

@@ -2,13 +2,18 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QTest>
 #include <QTimer>
 #include <QWidget>
+#include <clocale>
 #include <functional>
+#include <string>
 
 namespace twinsweep::testing {
 
@@ -83,5 +88,43 @@ inline bool waitUntil(const std::function<bool()>& done, int timeoutMs = 20000) 
     }
     return true;
 }
+
+// The menu commands of a menu bar that have no shortcut, by their texts.
+inline QStringList commandsWithoutShortcut(const QMenuBar* bar) {
+    QStringList missing;
+    for (const QMenu* menu : bar->findChildren<QMenu*>()) {
+        for (const QAction* action : menu->actions()) {
+            if (!action->isSeparator() && action->menu() == nullptr &&
+                action->shortcut().isEmpty()) {
+                missing << action->text();
+            }
+        }
+    }
+    return missing;
+}
+
+// A key typed into widget, which gets the focus first, as a user would:
+// shortcuts of the window see it before the widget does.
+inline void typeKey(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    widget->window()->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(widget->window()));
+    widget->setFocus(Qt::OtherFocusReason);
+    QTest::keyClick(widget, key, modifiers);
+}
+
+// The process locale switched for a scope, as LANG or LC_ALL would set it for
+// the whole application. ok() is false when the system lacks that locale.
+class ScopedLocale {
+  public:
+    explicit ScopedLocale(const char* name) : saved_(std::setlocale(LC_ALL, nullptr)) {
+        ok_ = std::setlocale(LC_ALL, name) != nullptr;
+    }
+    ~ScopedLocale() { std::setlocale(LC_ALL, saved_.c_str()); }
+    bool ok() const { return ok_; }
+
+  private:
+    std::string saved_;
+    bool ok_ = false;
+};
 
 } // namespace twinsweep::testing

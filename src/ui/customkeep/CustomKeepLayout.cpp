@@ -7,11 +7,13 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 #include "ui/customkeep/Stepper.h"
 #include "ui/customkeep/ViewControllerCustomKeep.h"
+#include "ui/shell/WindowCommands.h"
 
 namespace twinsweep::ui {
 
@@ -124,7 +126,7 @@ void ViewControllerCustomKeep::buildLayout() {
     checkCustomFilePath =
         named(new QCheckBox(QStringLiteral("In folder"), contents), "checkCustomFilePath");
     textFieldCustomFilePath = named(new QLineEdit(contents), "textFieldCustomFilePath");
-    auto* browse = named(new QPushButton(QStringLiteral("Browse…"), contents), "buttonBrowse");
+    auto* browse = named(new QPushButton(QStringLiteral("&Browse…"), contents), "buttonBrowse");
     checkSubfolders =
         named(new QCheckBox(QStringLiteral("Include subfolders"), contents), "checkSubfolders");
     folder->addWidget(checkCustomFilePath);
@@ -142,10 +144,11 @@ void ViewControllerCustomKeep::buildLayout() {
     outer->addLayout(matchRow);
 
     auto* buttons = new QHBoxLayout;
-    buttonReset = named(new QPushButton(QStringLiteral("Reset"), contents), "buttonReset");
+    buttonReset = named(new QPushButton(QStringLiteral("&Reset"), contents), "buttonReset");
     buttonCancel = named(new QPushButton(QStringLiteral("Cancel"), contents), "buttonCancel");
     buttonOk = named(new QPushButton(QStringLiteral("OK"), contents), "buttonOk");
-    buttonOk->setDefault(true);
+    // No default button: Return in a field confirms that field, never the
+    // window. A focused button still takes Return.
     buttons->addWidget(buttonReset);
     buttons->addStretch(1);
     buttons->addWidget(buttonCancel);
@@ -163,6 +166,8 @@ void ViewControllerCustomKeep::buildLayout() {
             &ViewControllerCustomKeep::OnStepperSecondFileSizeChanged);
     connect(add, &QPushButton::clicked, this,
             &ViewControllerCustomKeep::OncustomFileTypesAddFileExtension);
+    connect(textFieldExtension, &QLineEdit::returnPressed, this,
+            &ViewControllerCustomKeep::OncustomFileTypesAddFileExtension);
     connect(remove, &QPushButton::clicked, this,
             &ViewControllerCustomKeep::OnCustomFileTypesRemoveSelected);
     connect(removeAll, &QPushButton::clicked, this,
@@ -171,6 +176,14 @@ void ViewControllerCustomKeep::buildLayout() {
     connect(buttonOk, &QPushButton::clicked, this, &ViewControllerCustomKeep::OnOk);
     connect(buttonCancel, &QPushButton::clicked, this, &ViewControllerCustomKeep::OnCancel);
     connect(buttonReset, &QPushButton::clicked, this, &ViewControllerCustomKeep::OnReset);
+
+    QMenu* edit = addCommandMenu(menuBar(), QStringLiteral("&Edit"));
+    addCommand(
+        edit, QStringLiteral("Remove E&xtension"), QKeySequence::Delete,
+        [this] { OnCustomFileTypesRemoveSelected(); }, tableViewCustomFileTypes);
+    addCommand(
+        edit, QStringLiteral("Remove All Ex&tensions"), QKeySequence(Qt::SHIFT | Qt::Key_Delete),
+        [this] { OnCustomFileTypesRemoveAll(); }, tableViewCustomFileTypes);
 }
 
 } // namespace twinsweep::ui

@@ -1,7 +1,7 @@
 #include "ui/customkeep/SizeField.h"
 
+#include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 
 namespace twinsweep::ui {
@@ -10,9 +10,6 @@ namespace {
 
 bool parseDecimal(const QString& text, double& value) {
     const std::string bytes = text.toStdString();
-    if (bytes.empty()) {
-        return false;
-    }
     for (char c : bytes) {
         const bool allowed =
             (c >= '0' && c <= '9') || c == '.' || c == '-' || c == '+' || c == 'e' || c == 'E';
@@ -20,9 +17,18 @@ bool parseDecimal(const QString& text, double& value) {
             return false;
         }
     }
-    char* end = nullptr;
-    value = std::strtod(bytes.c_str(), &end);
-    return end == bytes.c_str() + bytes.size() && std::isfinite(value);
+    // "." is the decimal point whatever the locale says; one leading "+" is
+    // allowed, as a user may type it.
+    const char* first = bytes.data();
+    const char* last = first + bytes.size();
+    if (first != last && *first == '+' && last - first > 1 && first[1] != '-' && first[1] != '+') {
+        ++first;
+    }
+    if (first == last) {
+        return false;
+    }
+    const auto [end, error] = std::from_chars(first, last, value);
+    return error == std::errc() && end == last && std::isfinite(value);
 }
 
 } // namespace

@@ -32,6 +32,9 @@ QTableView* makeTable(QWidget* parent, const QString& name) {
     table->setWordWrap(false);
     table->setShowGrid(false);
     table->setAlternatingRowColors(true);
+    // Tab leaves the table; paths keep their file name in sight.
+    table->setTabKeyNavigation(false);
+    table->setTextElideMode(Qt::ElideMiddle);
     return table;
 }
 

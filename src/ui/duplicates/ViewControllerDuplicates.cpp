@@ -25,6 +25,7 @@ namespace twinsweep::ui {
 ViewControllerDuplicates::ViewControllerDuplicates(QWidget* opener)
     : ModalWindow(opener), settingsManager(SettingsManager::shared()) {
     buildLayout();
+    buildCommands();
     viewDidLoad();
 }
 

@@ -97,6 +97,9 @@ class ViewControllerDuplicates : public ModalWindow {
     void viewDidLoad();
     void buildLayout();
     void ResetResultsWindow();
+    // Menus, shortcuts and keys (DuplicatesCommands.cpp).
+    void buildCommands();
+    void toggleCurrentMember();
 
     // Results update (DuplicatesUpdate.cpp).
     void UpdateResults();

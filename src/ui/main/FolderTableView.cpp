@@ -22,6 +22,9 @@ FolderTableView::FolderTableView(QWidget* parent) : QTableView(parent) {
     verticalHeader()->setVisible(false);
     setShowGrid(false);
     setAlternatingRowColors(true);
+    // Tab moves on to the next control, not to the next cell.
+    setTabKeyNavigation(false);
+    setTextElideMode(Qt::ElideMiddle);
 }
 
 void FolderTableView::dragEnterEvent(QDragEnterEvent* event) {

@@ -6,6 +6,7 @@
 class QCheckBox;
 class QLabel;
 class QLineEdit;
+class QMenu;
 class QPushButton;
 class QRadioButton;
 class QSlider;
@@ -91,6 +92,7 @@ class ViewController : public QMainWindow {
     // Builds the controls and menus (ViewControllerLayout.cpp).
     void buildLayout();
     void buildMenus();
+    void buildListCommands(QMenu* edit);
     void setExtensionControlsEnabled(bool enabled);
     int selectedRow(QTableView* table) const;
 

@@ -116,6 +116,7 @@ void ViewController::buildLayout() {
     tableViewFileTypes->horizontalHeader()->setStretchLastSection(true);
     tableViewFileTypes->verticalHeader()->setVisible(false);
     tableViewFileTypes->setShowGrid(false);
+    tableViewFileTypes->setTabKeyNavigation(false);
     tableViewFileTypes->setMaximumHeight(110);
     textFieldCustomFileTypesExtension =
         named(new QLineEdit(types), "textFieldCustomFileTypesExtension");
@@ -218,15 +219,42 @@ void ViewController::buildMenus() {
     fileNew->setObjectName(QStringLiteral("actionFileNew"));
     fileNew->setShortcut(QKeySequence::New);
     connect(fileNew, &QAction::triggered, this, &ViewController::OnFileNew);
+    addCommand(file, QStringLiteral("&Add Folder..."), QKeySequence::Open, [this] {
+        OnAddFolder();
+    })->setObjectName(QStringLiteral("actionAddFolder"));
+    addCommand(file, QStringLiteral("&Find Duplicate Files"), QKeySequence::Find, [this] {
+        OnFindDuplicateFiles();
+    })->setObjectName(QStringLiteral("actionFindDuplicateFiles"));
     file->addSeparator();
     QAction* quit = file->addAction(QStringLiteral("&Quit"));
     quit->setObjectName(QStringLiteral("actionQuit"));
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
     connect(quit, &QAction::triggered, this, &ViewController::OnAppQuit);
+    buildListCommands(menuBar()->addMenu(QStringLiteral("&Edit")));
     addWindowMenu(menuBar(), [this] { OnMinimize(); });
     addHelpMenu(
         menuBar(), [this] { OnRemoveDuplicatesFromMac(); }, [this] { OnCustomSelectDuplicates(); });
+}
+
+void ViewController::buildListCommands(QMenu* edit) {
+    // Delete acts on the table that has the focus, as in a file manager.
+    const QKeySequence removeAll(Qt::SHIFT | Qt::Key_Delete);
+    addCommand(
+        edit, QStringLiteral("&Remove Folder"), QKeySequence::Delete,
+        [this] { OnRemoveSelected(); }, tableViewFolders)
+        ->setObjectName(QStringLiteral("actionRemoveFolder"));
+    addCommand(
+        edit, QStringLiteral("Remove All F&olders..."), removeAll, [this] { OnRemoveAll(); },
+        tableViewFolders);
+    edit->addSeparator();
+    addCommand(
+        edit, QStringLiteral("Remove E&xtension"), QKeySequence::Delete,
+        [this] { OnCustomFileTypesRemoveSelected(); }, tableViewFileTypes)
+        ->setObjectName(QStringLiteral("actionRemoveExtension"));
+    addCommand(
+        edit, QStringLiteral("Remove All Ex&tensions"), removeAll,
+        [this] { OnCustomFileTypesRemoveAll(); }, tableViewFileTypes);
 }
 
 } // namespace twinsweep::ui

@@ -1,6 +1,7 @@
 #include "ui/shell/ModalWindow.h"
 
 #include <QHideEvent>
+#include <QKeyEvent>
 #include <QMenuBar>
 #include <QVBoxLayout>
 
@@ -49,6 +50,16 @@ void ModalWindow::hideEvent(QHideEvent* event) {
     if (!event->spontaneous()) {
         viewDidDisappear();
     }
+}
+
+void ModalWindow::keyPressEvent(QKeyEvent* event) {
+    // A focused button takes Return itself; what reaches the window would
+    // otherwise press the dialog's default button.
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        event->accept();
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 void ModalWindow::setContents(QWidget* contents) {

@@ -29,6 +29,9 @@ class ModalWindow : public QDialog {
     // minimised); its modal session has ended by then.
     virtual void viewDidDisappear();
     void hideEvent(QHideEvent* event) override;
+    // Return that no control took does nothing: a window never closes or acts
+    // because the user pressed Return in a table or a field.
+    void keyPressEvent(QKeyEvent* event) override;
 
     // Sets the window's contents below its menu bar.
     void setContents(QWidget* contents);
