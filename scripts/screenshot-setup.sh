@@ -11,10 +11,15 @@ if [ "${#need[@]}" -gt 0 ]; then
   $SUDO apt-get update -q
   $SUDO DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${need[@]}"
 fi
-BUILD_DIR=${BUILD_DIR:-build}
-[ -f "$BUILD_DIR/CMakeCache.txt" ] || bash scripts/build.sh
-cmake --build "$BUILD_DIR" --target twinsweep
-APP=$PWD/$BUILD_DIR/src/ui/twinsweep
+# TWINSWEEP_APP names a program to use instead, e.g. the installed one.
+if [ -n "${TWINSWEEP_APP:-}" ]; then
+  APP=$TWINSWEEP_APP
+else
+  BUILD_DIR=${BUILD_DIR:-build}
+  [ -f "$BUILD_DIR/CMakeCache.txt" ] || bash scripts/build.sh
+  cmake --build "$BUILD_DIR" --target twinsweep
+  APP=$PWD/$BUILD_DIR/src/ui/twinsweep
+fi
 
 case "$HOME" in
   /home/*) demo="$HOME/twinsweep-demo" ;;

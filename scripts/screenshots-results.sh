@@ -58,7 +58,7 @@ main=$(xdotool search --sync --onlyvisible --name '^Twinsweep$' | head -n 1)
 sleep 1
 # Add the demo folder through the folder dialog, then search.
 xdotool mousemove --window "$main" 577 67 click 1
-xdotool search --sync --onlyvisible --name '^Add Folders$' >/dev/null
+xdotool search --sync --onlyvisible --name '^Select Folder\(s\)$' >/dev/null
 sleep 0.5
 xdotool type --delay 5 "$demo"
 xdotool key Return
@@ -86,7 +86,7 @@ xdotool key Escape
 sleep 0.5
 
 xdotool mousemove --window "$results" 808 48 click 1 # untick apply to all
-xdotool mousemove --window "$results" 722 49 click 1 # Custom…
+xdotool mousemove --window "$results" 636 52 click 1 # Custom…
 custom=$(xdotool search --sync --onlyvisible --name '^Custom Selection$' | head -n 1)
 sleep 1
 import -window "$custom" docs/custom-keep-window.png

@@ -103,9 +103,19 @@ const std::vector<OptionRule>& optionRules() {
                  o.format = OutputFormat::Text;
              } else if (v == "json") {
                  o.format = OutputFormat::Json;
+             } else if (v == "csv") {
+                 o.format = OutputFormat::Csv;
              } else {
-                 return "invalid --format '" + v + "' (text or json)";
+                 return "invalid --format '" + v + "' (text, json or csv)";
              }
+             return {};
+         }},
+        {"--protect", true,
+         [](Options& o, const std::string& v) -> std::string {
+             if (v.empty()) {
+                 return "--protect needs a folder";
+             }
+             o.protectedFolders.push_back(v); // made absolute with the folders
              return {};
          }},
         {"--keep", true,
@@ -209,6 +219,26 @@ std::optional<std::string> physicalFolder(const std::string& given, const std::s
     std::string out(resolved);
     std::free(resolved);
     return out;
+}
+
+// The absolute form of a folder argument in folder; an error text when it is
+// not a folder.
+std::string checkedFolder(const std::string& given, const std::string& cwd, std::string& folder) {
+    // As the kernel resolves it: "link/.." is the parent of the link's
+    // target, as `ls link/..` shows, and the output shows that folder.
+    const auto physical = physicalFolder(given, cwd);
+    if (!physical) {
+        return "cannot use folder '" + given + "': " + std::strerror(errno);
+    }
+    folder = *physical;
+    struct stat st {};
+    if (::stat(folder.c_str(), &st) != 0) {
+        return "cannot use folder '" + given + "': " + std::strerror(errno);
+    }
+    if (!S_ISDIR(st.st_mode)) {
+        return "not a folder: '" + given + "'";
+    }
+    return {};
 }
 
 } // namespace
@@ -321,28 +351,34 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
                        "which copies go";
         return result;
     }
-    if (given.empty()) {
+    if (o.format == OutputFormat::Csv && marks(o)) {
+        result.error = "--format csv lists the groups; with --keep or --rules use text or json";
+        return result;
+    }
+    if (given.empty() && o.protectedFolders.empty()) {
         result.error = "no folder given (see --help)";
         return result;
     }
+    const std::vector<std::string> protectGiven = std::move(o.protectedFolders);
+    o.protectedFolders.clear();
+    for (const std::string& g : protectGiven) {
+        std::string folder;
+        if (std::string err = checkedFolder(g, cwd, folder); !err.empty()) {
+            result.error = err;
+            return result;
+        }
+        o.protectedFolders.push_back(folder);
+        given.push_back(g); // a protected folder is searched too
+    }
     for (const std::string& g : given) {
-        // As the kernel resolves it: "link/.." is the parent of the link's
-        // target, as `ls link/..` shows, and the output shows that folder.
-        const auto folder = physicalFolder(g, cwd);
-        if (!folder) {
-            result.error = "cannot use folder '" + g + "': " + std::strerror(errno);
+        std::string folder;
+        if (std::string err = checkedFolder(g, cwd, folder); !err.empty()) {
+            result.error = err;
             return result;
         }
-        struct stat st {};
-        if (::stat(folder->c_str(), &st) != 0) {
-            result.error = "cannot use folder '" + g + "': " + std::strerror(errno);
-            return result;
+        if (std::find(o.folders.begin(), o.folders.end(), folder) == o.folders.end()) {
+            o.folders.push_back(folder);
         }
-        if (!S_ISDIR(st.st_mode)) {
-            result.error = "not a folder: '" + g + "'";
-            return result;
-        }
-        o.folders.push_back(*folder);
     }
     if (o.locations == Locations::MacLayoutUnder) {
         // The gate compares the walk's (physical) paths with it as text.
@@ -371,7 +407,11 @@ std::string usageText() {
            "                         PREFIX/Volumes\n"
            "  --any-location         look anywhere (by default only under /home, /opt,\n"
            "                         /media, /mnt and /run/media)\n"
-           "  --format text|json     output format (default text)\n"
+           "  --format text|json|csv output format (default text); csv has one line per\n"
+           "                         copy: group number, path, size, date, category\n"
+           "  --protect FOLDER       search FOLDER too, but never mark or remove a copy in\n"
+           "                         it; repeatable. Groups of protected copies alone are\n"
+           "                         not listed; JSON adds \"protected\":true to such copies\n"
            "\n"
            "Removing copies (every group found):\n"
            "  --keep oldest|newest   keep the oldest (newest) copy of each group, by\n"
@@ -393,7 +433,8 @@ std::string usageText() {
            "\n"
            "Text output: one path per line, a blank line between groups. Control\n"
            "characters and backslashes in names are written as C escapes (\\n, \\\\, \\x1b).\n"
-           "JSON output: bytes that are not valid UTF-8 are written as \\udcXX escapes.\n"
+           "JSON and CSV output: bytes that are not valid UTF-8 are written as \\udcXX\n"
+           "escapes (in CSV paths, a backslash is doubled).\n"
            "Progress goes to standard error when it is a terminal.\n"
            "\n"
            "Exit status: 0 when the search (and any removal) ran, 1 when a removal\n"

@@ -7,13 +7,15 @@
 
 namespace twinsweep::cli {
 
-enum class OutputFormat { Text, Json };
+enum class OutputFormat { Text, Json, Csv };
 enum class Locations { PlatformDefault, MacLayoutUnder, Anywhere };
 // What happens to the marked copies: listed only, moved to the Trash, deleted.
 enum class Removal { DryRun, Trash, Delete };
 
 struct Options {
     std::vector<std::string> folders; // absolute, as given otherwise
+    // --protect: searched like the folders (and among them), never removed from.
+    std::vector<std::string> protectedFolders;
     std::uint64_t minimumSize = 1;
     std::uint64_t maximumSize = UINT64_MAX;
     std::vector<std::string> extensions; // lower-case, no dot; empty: every type

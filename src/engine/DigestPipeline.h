@@ -25,7 +25,7 @@ class DigestPipeline {
     };
 
     DigestPipeline(const FileList& list, std::vector<Run> runs, unsigned threads,
-                   const AtomicFlag& cancel);
+                   const AtomicFlag& cancel, ByteProgress& progress);
     ~DigestPipeline();
     DigestPipeline(const DigestPipeline&) = delete;
     DigestPipeline& operator=(const DigestPipeline&) = delete;
@@ -44,6 +44,7 @@ class DigestPipeline {
     const FileList& list_;
     std::vector<Run> runs_;
     const AtomicFlag& cancel_;
+    ByteProgress& progress_;
     // Per run, per member: distance to the next member with the same digest.
     std::vector<std::vector<std::uint32_t>> next_;
     std::vector<char> done_;

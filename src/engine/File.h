@@ -66,6 +66,8 @@ class DuplicateFile {
     FileIdentity seen;
     // The folder the walk found it in (FolderRegistry; 0 when unknown).
     std::uint32_t folder = 0;
+    // Under a folder the user protected: never marked, never removed.
+    bool isProtected = false;
 };
 
 using DuplicateFilePtr = std::shared_ptr<DuplicateFile>;

@@ -10,6 +10,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "engine/ByteProgress.h"
 #include "engine/File.h"
 #include "engine/LocationGate.h"
 #include "engine/NotificationCenter.h"
@@ -55,6 +56,9 @@ class FileTools {
     unsigned walkThreads = defaultWalkThreads();
     std::chrono::nanoseconds walkAheadAfter = std::chrono::milliseconds(20);
     static unsigned defaultWalkThreads();
+    // Bytes to compare and compared so far, for the progress displays, which
+    // may hand in their own before the search starts.
+    std::shared_ptr<ByteProgress> byteProgress = std::make_shared<ByteProgress>();
 
     // --- Walk (Walker.cpp) ---
     // Appends accepted files to fileList in walk order. Every call, the top

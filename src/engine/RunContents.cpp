@@ -9,6 +9,7 @@
 
 #include "engine/Diagnostics.h"
 #include "engine/Digest.h"
+#include "engine/SideBySide.h"
 #include "settings/SettingsManager.h"
 
 namespace twinsweep {
@@ -25,11 +26,6 @@ constexpr std::size_t kHeadLength = 4096;
 constexpr std::size_t kHeadBudget = 4 * 1024 * 1024;
 constexpr std::size_t kMinHead = 256;
 constexpr std::size_t kHashedBytes = 256;
-// Block size of the side-by-side comparison.
-constexpr std::size_t kBlock = 64 * 1024;
-// At most this many files are open and compared side by side; larger sets
-// are first told apart by a hash of their contents.
-constexpr std::size_t kMaxSideBySide = 16;
 
 struct Head {
     std::size_t k;      // member, counted from the run's start
@@ -37,11 +33,6 @@ struct Head {
     std::size_t length; // of its head
     std::uint64_t hash;
     bool complete; // the head is the whole file
-};
-
-struct Open {
-    std::size_t k;
-    int fd;
 };
 
 std::uint64_t mix(std::uint64_t h, std::uint64_t v) {
@@ -70,12 +61,12 @@ long readFirst(int fd, unsigned char* data, std::size_t length, bool& cold) {
     return preadFully(fd, data, length, 0);
 }
 
-class RunComparer {
+class RunComparer final : public RunFiles {
   public:
     RunComparer(const FileList& list, std::size_t begin, std::size_t end, const AtomicFlag& cancel,
-                ReadSignals& signals, std::vector<std::uint32_t>& setOf)
+                ReadSignals& signals, ByteProgress& progress, std::vector<std::uint32_t>& setOf)
         : list_(list), begin_(begin), count_(end - begin), cancel_(cancel), signals_(signals),
-          setOf_(setOf) {
+          progress_(progress), budget_(count_ * list[begin]->size), setOf_(setOf) {
         setOf_.assign(count_, 0);
     }
 
@@ -130,11 +121,23 @@ class RunComparer {
                 file(k).MD5Hash = text;
             }
         }
+        // What was not read needed no reading.
+        progress_.add(budget_ - counted_);
         return true;
     }
 
   private:
     File& file(std::size_t k) const { return *list_[begin_ + k]; }
+
+    void counted(long bytes) override {
+        if (bytes <= 0) {
+            return;
+        }
+        const std::uint64_t add =
+            std::min<std::uint64_t>(static_cast<std::uint64_t>(bytes), budget_ - counted_);
+        counted_ += add;
+        progress_.add(add);
+    }
 
     void newSet(const std::vector<std::size_t>& ks) {
         for (std::size_t k : ks) {
@@ -143,11 +146,10 @@ class RunComparer {
         ++nextSet_;
     }
 
-    void unreadable(std::size_t k, int fd) {
+    const std::string& pathOf(std::size_t k) const override { return file(k).path; }
+
+    void unreadable(std::size_t k) override {
         printErrorLine(kOoops, file(k).path, errno);
-        if (fd >= 0) {
-            ::close(fd);
-        }
         empty_.push_back(k);
     }
 
@@ -164,7 +166,7 @@ class RunComparer {
             }
             const int fd = openForReading(file(k).path);
             if (fd < 0) {
-                unreadable(k, fd);
+                unreadable(k);
                 continue;
             }
             Head h{k, arena_.size(), 0, 0, false};
@@ -172,9 +174,11 @@ class RunComparer {
             bool cold = false;
             const long n = readFirst(fd, arena_.data() + h.offset, cap, cold);
             signals_.sawRead(cold);
+            counted(n);
             if (n < 0) {
                 arena_.resize(h.offset);
-                unreadable(k, fd);
+                closeKeepingErrno(fd);
+                unreadable(k);
                 continue;
             }
             ::close(fd);
@@ -198,7 +202,7 @@ class RunComparer {
     bool compareRest(std::vector<std::size_t> ks, std::uint64_t offset) {
         if (ks.size() <= kMaxSideBySide) {
             std::vector<std::vector<std::size_t>> sets;
-            if (!sideBySide(ks, offset, sets)) {
+            if (!compareSideBySide(ks, offset, cancel_, *this, sets)) {
                 return false;
             }
             for (const auto& set : sets) {
@@ -221,21 +225,23 @@ class RunComparer {
             }
             const int fd = openForReading(file(k).path);
             if (fd < 0) {
-                unreadable(k, fd);
+                unreadable(k);
                 continue;
             }
             std::uint64_t h = 0x9E3779B97F4A7C15ULL;
             std::uint64_t at = offset;
             long n = 0;
-            while ((n = preadFully(fd, buffer.data(), kBlock, at)) > 0) {
+            while ((n = preadFully(fd, buffer.data(), kCompareBlock, at)) > 0) {
                 h = mix(h, quickHash(buffer.data(), static_cast<std::size_t>(n)));
+                counted(n);
                 at += static_cast<std::uint64_t>(n);
-                if (static_cast<std::size_t>(n) < kBlock) {
+                if (static_cast<std::size_t>(n) < kCompareBlock) {
                     break;
                 }
             }
             if (n < 0) {
-                unreadable(k, fd);
+                closeKeepingErrno(fd);
+                unreadable(k);
                 continue;
             }
             ::close(fd);
@@ -276,7 +282,7 @@ class RunComparer {
                     batch.push_back(candidates[m]);
                 }
                 std::vector<std::vector<std::size_t>> sets;
-                if (!sideBySide(batch, offset, sets)) {
+                if (!compareSideBySide(batch, offset, cancel_, *this, sets)) {
                     return false;
                 }
                 for (const auto& set : sets) {
@@ -308,108 +314,14 @@ class RunComparer {
         return true;
     }
 
-    std::vector<unsigned char>& blockBuffer(std::size_t files) {
-        thread_local std::vector<unsigned char> buffer;
-        if (buffer.size() < files * kBlock) {
-            buffer.resize(files * kBlock);
-        }
-        return buffer;
-    }
-
-    // Reads files ks block by block from offset, splitting them where their
-    // contents part, to their real end. Every set of two or more files that
-    // reached the end together goes to sets; unreadable files to empty_.
-    bool sideBySide(const std::vector<std::size_t>& ks, std::uint64_t offset,
-                    std::vector<std::vector<std::size_t>>& sets) {
-        std::vector<Open> open;
-        for (std::size_t k : ks) {
-            const int fd = openForReading(file(k).path);
-            if (fd < 0) {
-                unreadable(k, fd);
-                continue;
-            }
-#ifdef POSIX_FADV_SEQUENTIAL
-            ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
-#endif
-            open.push_back({k, fd});
-        }
-        struct Part {
-            std::vector<Open> files;
-            std::uint64_t offset;
-        };
-        std::vector<Part> pending;
-        pending.push_back({std::move(open), offset});
-        std::vector<long> counts;
-        bool ok = true;
-        while (!pending.empty()) {
-            Part part = std::move(pending.back());
-            pending.pop_back();
-            if (!ok || cancel_.load() || part.files.size() < 2) {
-                ok = ok && !cancel_.load();
-                closeAll(part.files);
-                continue;
-            }
-            const std::size_t n = part.files.size();
-            std::vector<unsigned char>& buffer = blockBuffer(n);
-            auto block = [&](std::size_t slot) { return buffer.data() + slot * kBlock; };
-            counts.assign(n, 0);
-            std::vector<std::size_t> readable; // slots
-            for (std::size_t s = 0; s < n; ++s) {
-                counts[s] = preadFully(part.files[s].fd, block(s), kBlock, part.offset);
-                if (counts[s] < 0) {
-                    unreadable(part.files[s].k, part.files[s].fd);
-                    continue;
-                }
-                readable.push_back(s);
-            }
-            // Split by this block's bytes.
-            std::vector<std::vector<std::size_t>> groups; // slots
-            for (std::size_t s : readable) {
-                auto same = [&](const std::vector<std::size_t>& g) {
-                    return counts[g.front()] == counts[s] &&
-                           std::memcmp(block(g.front()), block(s),
-                                       static_cast<std::size_t>(counts[s])) == 0;
-                };
-                auto it = std::find_if(groups.begin(), groups.end(), same);
-                if (it == groups.end()) {
-                    groups.push_back({s});
-                } else {
-                    it->push_back(s);
-                }
-            }
-            for (const auto& g : groups) {
-                std::vector<Open> files;
-                for (std::size_t s : g) {
-                    files.push_back(part.files[s]);
-                }
-                if (files.size() >= 2 && static_cast<std::size_t>(counts[g.front()]) < kBlock) {
-                    // The real end of every file of the group: the same contents.
-                    std::vector<std::size_t> set;
-                    for (const Open& f : files) {
-                        set.push_back(f.k);
-                    }
-                    std::sort(set.begin(), set.end());
-                    sets.push_back(std::move(set));
-                    closeAll(files);
-                    continue;
-                }
-                pending.push_back({std::move(files), part.offset + kBlock});
-            }
-        }
-        return ok;
-    }
-
-    static void closeAll(const std::vector<Open>& files) {
-        for (const Open& f : files) {
-            ::close(f.fd);
-        }
-    }
-
     const FileList& list_;
     const std::size_t begin_;
     const std::size_t count_;
     const AtomicFlag& cancel_;
     ReadSignals& signals_;
+    ByteProgress& progress_;
+    const std::uint64_t budget_; // the run's share of the bytes to compare
+    std::uint64_t counted_ = 0;
     std::vector<std::uint32_t>& setOf_;
     std::uint32_t nextSet_ = 1;
     std::vector<Head> heads_;
@@ -420,9 +332,9 @@ class RunComparer {
 } // namespace
 
 bool compareRunContents(const FileList& list, std::size_t begin, std::size_t end,
-                        const AtomicFlag& cancel, ReadSignals& signals,
+                        const AtomicFlag& cancel, ReadSignals& signals, ByteProgress& progress,
                         std::vector<std::uint32_t>& setOf) {
-    return RunComparer(list, begin, end, cancel, signals, setOf).run();
+    return RunComparer(list, begin, end, cancel, signals, progress, setOf).run();
 }
 
 } // namespace twinsweep

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "engine/ByteProgress.h"
 #include "engine/File.h"
 
 namespace twinsweep {
@@ -46,9 +47,11 @@ struct ReadSignals {
 // setOf[k] (k counted from begin) is 0 for a file with no copy in the run,
 // else a number shared by exactly the files with the same contents. Files
 // whose contents are empty get the empty digest in MD5Hash; no other digest
-// is computed. Returns false when cancelled part way.
+// is computed. The run's bytes (its size times its files) are added to
+// progress as they are read, the rest when the run is done. Returns false
+// when cancelled part way.
 bool compareRunContents(const FileList& list, std::size_t begin, std::size_t end,
-                        const AtomicFlag& cancel, ReadSignals& signals,
+                        const AtomicFlag& cancel, ReadSignals& signals, ByteProgress& progress,
                         std::vector<std::uint32_t>& setOf);
 
 } // namespace twinsweep

@@ -10,7 +10,9 @@ class SettingsManager;
 // tools.findDuplicateFiles, and leaves every group that has copies in
 // settings.duplicateFileList with the head's own entry first; settings.fileList
 // is empty afterwards. Each member's `seen` holds what the search saw of that
-// file, so that cleaning can refuse a file that changed since.
+// file, so that cleaning can refuse a file that changed since. Copies under
+// settings.protectedFolders are flagged, and groups with nothing but such
+// copies are left out.
 // Returns false when the run was cancelled (nothing is added then).
 bool runSearchJob(SettingsManager& settings, FileTools& tools);
 

@@ -70,6 +70,7 @@ FileList FileTools::findDuplicateFiles(const std::vector<std::string>& folders,
                                        bool ignorePackages,
                                        const std::vector<std::string>& extensions) {
     finishedPosted_ = false;
+    byteProgress->start(0);
     // The walk posts once more when its top-level call returns: that is the
     // post after the walk.
     scanFolders(removeNestedFolders(folders), ignorePackages, extensions, minimum, maximum);
@@ -143,21 +144,31 @@ bool FileTools::compareFiles() {
     std::vector<DigestPipeline::Run> runs;
     std::vector<std::size_t> runOf; // for each run start: its run number
     std::optional<DigestPipeline> pipeline;
-    if (digestThreads > 0) {
-        for (std::size_t i = 0; i < n;) {
-            std::size_t j = i + 1;
-            while (j < n && sameSize(i, j)) {
-                ++j;
-            }
-            if (j - i >= 2 && byContent(fileList[i]->size)) {
-                runs.push_back({i, j});
-            }
-            i = j;
+    std::uint64_t bytesToCompare = 0;
+    for (std::size_t i = 0; i < n;) {
+        std::size_t j = i + 1;
+        while (j < n && sameSize(i, j)) {
+            ++j;
         }
-        if (!runs.empty()) {
-            pipeline.emplace(fileList, runs, digestThreads, settingsManager->searchCanceledByUser);
+        if (j - i >= 2 && byContent(fileList[i]->size)) {
+            runs.push_back({i, j});
+            bytesToCompare += (j - i) * fileList[i]->size;
         }
+        i = j;
     }
+    ByteProgress& progress = *byteProgress;
+    progress.start(bytesToCompare);
+    if (digestThreads > 0 && !runs.empty()) {
+        pipeline.emplace(fileList, runs, digestThreads, settingsManager->searchCanceledByUser,
+                         progress);
+    }
+    // The plain loop counts each file's bytes once it is digested.
+    auto digest = [&](File& f) {
+        if (f.MD5Hash.empty()) {
+            f.MD5Hash = base64Text(contentDigest(f.path));
+            progress.add(f.size);
+        }
+    };
     auto cancelled = [&] {
         if (!canceled()) {
             return false;
@@ -217,12 +228,8 @@ bool FileTools::compareFiles() {
         }
         for (std::size_t j = i + 1; j < n && sameSize(i, j); ++j) {
             File& b = *fileList[j];
-            if (a.MD5Hash.empty()) {
-                a.MD5Hash = base64Text(contentDigest(a.path));
-            }
-            if (b.MD5Hash.empty()) {
-                b.MD5Hash = base64Text(contentDigest(b.path));
-            }
+            digest(a);
+            digest(b);
             if (a.MD5Hash == b.MD5Hash) {
                 b.wasFound = true;
                 a.duplicates.push_back(memberFor(b));

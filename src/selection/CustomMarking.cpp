@@ -14,7 +14,7 @@ bool markByRules(File& target, const File& group, const CustomRules& rules) {
     target.keepOption = kKeepCustom;
     bool all = true;
     for (const DuplicateFilePtr& m : target.duplicates) {
-        m->checkState = rules.matches(*m, group.size, group.ext) ? 1 : 0;
+        m->checkState = !m->isProtected && rules.matches(*m, group.size, group.ext) ? 1 : 0;
         all = all && m->checkState == 1;
     }
     return all;

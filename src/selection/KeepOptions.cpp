@@ -20,6 +20,10 @@ std::int64_t markedCount(const File& group) {
 }
 
 std::optional<std::time_t> parseMemberDate(const std::string& text) {
+    return parseMemberDate(text, std::time(nullptr));
+}
+
+std::optional<std::time_t> parseMemberDate(const std::string& text, std::time_t now) {
     std::tm tm{};
     // %I reads 01..12 as the writer's %I wrote them: with no day half, 12 is
     // taken as 0, so 00:30 and 12:30 read alike, just as they were written.
@@ -27,12 +31,32 @@ std::optional<std::time_t> parseMemberDate(const std::string& text) {
     if (end == nullptr || *end != '\0') {
         return std::nullopt;
     }
-    tm.tm_isdst = -1;
-    const std::time_t t = std::mktime(&tm);
-    if (t == static_cast<std::time_t>(-1)) {
+    // strptime puts two-digit years in 1969..2068; a date formatter puts them
+    // in the hundred years that start 80 years before now.
+    std::tm start{};
+    if (::localtime_r(&now, &start) == nullptr) {
         return std::nullopt;
     }
-    return t;
+    start.tm_year -= 80;
+    start.tm_isdst = -1;
+    const std::time_t windowStart = std::mktime(&start);
+    const int startYear = start.tm_year + 1900;
+    const int twoDigits = (tm.tm_year + 1900) % 100;
+    const std::tm fields = tm;
+    for (const int year :
+         {startYear - startYear % 100 + twoDigits, startYear - startYear % 100 + twoDigits + 100}) {
+        tm = fields;
+        tm.tm_year = year - 1900;
+        tm.tm_isdst = -1;
+        const std::time_t t = std::mktime(&tm);
+        if (t == static_cast<std::time_t>(-1)) {
+            return std::nullopt;
+        }
+        if (t >= windowStart) {
+            return t;
+        }
+    }
+    return std::nullopt;
 }
 
 namespace {
@@ -54,15 +78,17 @@ const DuplicateFilePtr& pickCopy(const std::vector<DuplicateFilePtr>& members, B
     return members[pick];
 }
 
+// keptPath null: the group holds protected copies, which are kept in place of
+// the oldest or newest one.
 void markKeeping(File& group, std::int64_t option, const std::string* keptPath) {
     group.keepOption = option;
     for (const DuplicateFilePtr& m : group.duplicates) {
-        if (option == kKeepAll) {
+        if (option == kKeepAll || m->isProtected) {
             m->checkState = 0;
         } else if (option == kRemoveAll) {
             m->checkState = 1;
         } else {
-            m->checkState = m->path == *keptPath ? 0 : 1;
+            m->checkState = keptPath != nullptr && m->path == *keptPath ? 0 : 1;
         }
     }
 }
@@ -77,10 +103,14 @@ bool applyTo(File& group, std::int64_t option, SamePath&& forEachSamePath) {
         keptPath = option == kKeepOldest ? oldestCopy(group.duplicates)->path
                                          : newestCopy(group.duplicates)->path;
     }
-    markKeeping(group, option, &keptPath);
+    const bool holdsProtected =
+        std::any_of(group.duplicates.begin(), group.duplicates.end(),
+                    [](const DuplicateFilePtr& m) { return m->isProtected; });
+    const std::string* kept = holdsProtected ? nullptr : &keptPath;
+    markKeeping(group, option, kept);
     forEachSamePath([&](File& other) {
         if (&other != &group) {
-            markKeeping(other, option, &keptPath);
+            markKeeping(other, option, kept);
         }
     });
     return true;

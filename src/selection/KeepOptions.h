@@ -27,7 +27,10 @@ std::int64_t markedCount(const File& group);
 
 // Reads a member date text ("yy-MM-dd hh:mm:ss", 12-hour clock without a
 // day half, local time) back into a time. Absent when the text is not one.
+// The two-digit year is read as a date formatter reads it: the year within
+// 80 years before and 20 years after now.
 std::optional<std::time_t> parseMemberDate(const std::string& text);
+std::optional<std::time_t> parseMemberDate(const std::string& text, std::time_t now);
 
 // The member that the keep-oldest / keep-newest options keep. The list must not
 // be empty. Only a strictly earlier (later) date replaces the pick, so the
@@ -53,6 +56,8 @@ class SamePathIndex {
 // Applies keep option 0 to 3 to group and to every group of duplicateFileList
 // with the same path (in practice the same object). Sets keepOption and every
 // member's mark; other option values change nothing and return false.
+// Protected copies are never marked; in a group that holds one, keep oldest
+// and keep newest keep the protected copies and mark every other copy.
 bool applyKeepOption(File& group, std::int64_t option, const FileList& duplicateFileList);
 bool applyKeepOption(File& group, std::int64_t option, const SamePathIndex& duplicateFileList);
 

@@ -90,6 +90,9 @@ class SettingsManager {
 
     // Our extra option: compare files of 100 MiB and more by content too.
     bool compareLargeFilesByContent = false;
+    // Our extra option: folders whose copies are never marked or removed.
+    // Each is also one of listFolderPaths (or inside one).
+    std::vector<std::string> protectedFolders;
 };
 
 } // namespace twinsweep

@@ -10,6 +10,10 @@
 #include <thread>
 #include <unistd.h>
 
+#include <set>
+
+#include "export/ResultsExport.h"
+#include "support/Csv.h"
 #include "support/TempTree.h"
 
 using twinsweep::testing::TempTree;
@@ -98,6 +102,37 @@ TEST(Cli, JsonReportCarriesSizesCategoriesDigestsAndOddNames) {
     EXPECT_NE(r.out.find("bad\\udcff.jpg"), std::string::npos);
     EXPECT_EQ(r.out.rfind("{\"groups\":[", 0), 0U);
     EXPECT_EQ(r.out.substr(r.out.size() - 4), "\n]}\n");
+}
+
+TEST(Cli, CsvReportReadsBackToTheExactPaths) {
+    TempTree tree;
+    std::set<std::string> paths;
+    for (const char* name :
+         {"a,b.jpg", "q\"uote.jpg", "line\nbreak.jpg", "bad\xff.jpg", "back\\slash \\udcff.jpg"}) {
+        paths.insert(tree.write(name, "pixels"));
+    }
+    tree.write("other/x.txt", "words");
+    tree.write("other/y.txt", "words");
+    const Outcome r = run({"--any-location", "--format", "csv", tree.root()});
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::vector<std::vector<std::string>> rows;
+    ASSERT_TRUE(twinsweep::testing::parseCsv(r.out, rows)) << r.out;
+    ASSERT_EQ(rows.size(), 8u);
+    EXPECT_EQ(rows[0], (std::vector<std::string>{"group", "path", "size", "date", "category"}));
+    std::set<std::string> back;
+    for (std::size_t k = 1; k < rows.size(); ++k) {
+        ASSERT_EQ(rows[k].size(), 5u);
+        std::string path;
+        ASSERT_TRUE(twinsweep::csvPathBytes(rows[k][1], path)) << rows[k][1];
+        EXPECT_EQ(rows[k][0], k <= 5 ? "1" : "2");
+        EXPECT_EQ(rows[k][2], k <= 5 ? "6" : "5");
+        EXPECT_EQ(rows[k][3].size(), 17u); // yy-MM-dd hh:mm:ss
+        EXPECT_EQ(rows[k][4], k <= 5 ? "pictures" : "documents");
+        if (k <= 5) {
+            back.insert(path);
+        }
+    }
+    EXPECT_EQ(back, paths);
 }
 
 TEST(Cli, FiltersAndLocationGateNarrowTheSearch) {

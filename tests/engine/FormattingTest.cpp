@@ -117,3 +117,24 @@ TEST(Formatting, DateOfLinkIsTheLinkOwnAndMissingItemHasNone) {
     EXPECT_TRUE(FileTools::fileDateText(link, DateKind::Modification).has_value());
     EXPECT_FALSE(FileTools::fileDateText(tree.path("gone"), DateKind::Creation).has_value());
 }
+
+TEST(Formatting, ProgressLineTellsBytesAndOnceSettledTheTimeLeft) {
+    const std::uint64_t mb = 1024 * 1024;
+    EXPECT_EQ(TimeLeft::text(0, 3 * mb, std::nullopt), "0 B of 3.0 MB compared");
+    EXPECT_EQ(TimeLeft::text(mb, 3 * mb, 12), "1.0 MB of 3.0 MB compared, about 12 s left");
+    EXPECT_EQ(TimeLeft::text(mb, 3 * mb, 0), "1.0 MB of 3.0 MB compared, about 1 s left");
+    EXPECT_EQ(TimeLeft::text(mb, 3 * mb, 150), "1.0 MB of 3.0 MB compared, about 3 min left");
+    EXPECT_EQ(TimeLeft::text(mb, 3 * mb, 4 * 3600), "1.0 MB of 3.0 MB compared, about 4 h left");
+    EXPECT_EQ(TimeLeft::text(3 * mb, 3 * mb, 5), "3.0 MB of 3.0 MB compared");
+
+    // No line before the comparison; no estimate in its first second; then
+    // the rate so far: 1 MB in 2 s leaves 4 s for the other 2 MB.
+    TimeLeft estimate;
+    const auto t0 = TimeLeft::Clock::now();
+    EXPECT_EQ(estimate.line(0, 0, t0), "");
+    EXPECT_EQ(estimate.line(0, 3 * mb, t0), "0 B of 3.0 MB compared");
+    EXPECT_EQ(estimate.line(mb / 2, 3 * mb, t0 + std::chrono::milliseconds(500)),
+              "512.0 KB of 3.0 MB compared");
+    EXPECT_EQ(estimate.line(mb, 3 * mb, t0 + std::chrono::seconds(2)),
+              "1.0 MB of 3.0 MB compared, about 4 s left");
+}

@@ -151,6 +151,9 @@ TEST_P(GroupingBothWays, EqualSizesAreSplitByContentWithHeadsFirstInSortedOrder)
     const FileList heads = search(tools, {tree.root()});
     auto got = names(heads, tree.root());
     EXPECT_EQ(got, (std::vector<std::string>{"u", "b3 b1 b2", "a1 a3", "a2 a4"}));
+    // Every byte of the files with a same-size rival counted, the unique one not.
+    EXPECT_EQ(tools.byteProgress->total(), 3U * 12 + 4 * 4);
+    EXPECT_EQ(tools.byteProgress->done(), tools.byteProgress->total());
     for (const FilePtr& h : heads) {
         if (h->path.ends_with("/u")) {
             EXPECT_EQ(h->MD5Hash, "") << "a unique size is never read";
@@ -203,6 +206,11 @@ TEST_P(GroupingBothWays, FoldersTakenAsPackagesAreDigestedAsEmpty) {
     tree.write("One.app/x", "12345");
     tree.write("Two.app/y", "abcde");
     tree.write("file.txt", "zzzzz");
+    // Regular files with a package extension: size 0 to the walk, yet read
+    // for what they hold; one of them under a second name is still one file.
+    tree.write("a.pkg", "first");
+    tree.write("b.pkg", "other");
+    ASSERT_EQ(::link(tree.path("a.pkg").c_str(), tree.path("c.pkg").c_str()), 0);
     FileTools tools;
     prepare(tools, GetParam());
     StdoutCapture out;
@@ -219,6 +227,7 @@ TEST_P(GroupingBothWays, FoldersTakenAsPackagesAreDigestedAsEmpty) {
         }
     }
     EXPECT_EQ(groups, 1U);
+    EXPECT_EQ(heads.size(), 4U) << "c.pkg is a.pkg";
 }
 
 INSTANTIATE_TEST_SUITE_P(SequentialAndParallel, GroupingBothWays, ::testing::Values(0U, 2U));

@@ -28,7 +28,7 @@ id=io.github.twinsweep.Twinsweep
     usr/share/bash-completion/completions/twinsweep-cli \
     usr/share/doc/twinsweep/copyright usr/share/doc/twinsweep/changelog.gz
   shopt -s nullglob
-  for doc in "$source"/docs/*.md; do echo "usr/share/doc/twinsweep/$(basename "$doc")"; done
+  for doc in "$source"/docs/*.md "$source"/docs/*.png; do echo "usr/share/doc/twinsweep/$(basename "$doc")"; done
 } | sort >"$work/expected"
 dpkg-deb --fsys-tarfile "$deb" | tar -t | grep -v '/$' | sed 's|^\./||' | sort >"$work/actual"
 diff -u "$work/expected" "$work/actual" >"$work/list.diff" || { cat "$work/list.diff"; fail "file list"; }

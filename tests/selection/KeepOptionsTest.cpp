@@ -77,6 +77,26 @@ TEST_F(KeepOptions, UnreadableDatesNeverWinAndAnUnreadablePickStays) {
     EXPECT_EQ(oldestCopy(group->duplicates), group->duplicates[0]);
     EXPECT_EQ(newestCopy(group->duplicates), group->duplicates[0]);
 
+    // Two-digit years fall within 80 years before and 20 after now.
+    std::tm nowFields{};
+    nowFields.tm_year = 2026 - 1900;
+    nowFields.tm_mon = 10;
+    nowFields.tm_mday = 23;
+    nowFields.tm_hour = 12;
+    nowFields.tm_isdst = -1;
+    const std::time_t now = std::mktime(&nowFields);
+    const auto yearOf = [now](const char* text) {
+        const auto t = parseMemberDate(text, now);
+        std::tm out{};
+        return t && ::localtime_r(&*t, &out) ? out.tm_year + 1900 : -1;
+    };
+    EXPECT_EQ(yearOf("46-12-01 01:00:00"), 1946);
+    EXPECT_EQ(yearOf("46-11-01 01:00:00"), 2046);
+    EXPECT_EQ(yearOf("45-12-31 11:59:59"), 2045);
+    EXPECT_EQ(yearOf("68-06-15 03:00:00"), 1968);
+    EXPECT_EQ(yearOf("99-01-01 01:00:00"), 1999);
+    EXPECT_EQ(yearOf("00-01-01 01:00:00"), 2000);
+
     EXPECT_FALSE(parseMemberDate("17-03-05 13:04:09"));
     EXPECT_FALSE(parseMemberDate("17-03-05 03:04:09 "));
     EXPECT_FALSE(parseMemberDate(""));

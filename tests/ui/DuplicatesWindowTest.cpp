@@ -199,8 +199,21 @@ void DuplicatesWindowTest::keepOptionsOnOneGroupAndOnAll() {
     w.checkApplyForAll->click();
     QVERIFY(settled(w));
     QCOMPARE(marksOf(found.docs), (Marks{0, 0}));
+    // Every group: busy until shown, and the indicator moves nothing.
+    const auto geometries = [&w] {
+        QList<QRect> out;
+        for (int k = 0; k < w.segmentedControlKeep->segmentCount(); ++k) {
+            QWidget* button = w.segmentedControlKeep->segmentButton(k);
+            out << QRect(button->mapTo(&w, QPoint(0, 0)), button->size());
+        }
+        out << QRect(w.checkApplyForAll->mapTo(&w, QPoint(0, 0)), w.checkApplyForAll->size());
+        return out;
+    };
+    const QList<QRect> idle = geometries();
     chooseSegment(w, 3);
-    QVERIFY(w.progressIndicator->isVisible()); // every group: busy until shown
+    QVERIFY(w.progressIndicator->isVisible());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    QCOMPARE(geometries(), idle);
     QVERIFY(settled(w));
     QVERIFY(!w.progressIndicator->isVisible());
     for (const FilePtr& g : {found.photos, found.docs, found.songs}) {
@@ -321,6 +334,25 @@ void DuplicatesWindowTest::segmentChangesDuringAnUpdateFoldIntoOne() {
     QCOMPARE(marksOf(found.photos), (Marks{1, 1, 1}));
     QCOMPARE(w.segmentedControlKeep->selectedSegment(), 3);
     QCOMPARE(w.labelSpaceSaved->text(), sizeText(9000));
+}
+
+void DuplicatesWindowTest::segmentChosenDuringAFullUpdateIsKept() {
+    Found found;
+    ViewControllerDuplicates w(nullptr);
+    w.show();
+    QVERIFY(settled(w));
+    QCOMPARE(w.fileList.front(), found.photos);
+    // As after a cleaning: a full update runs on row 0 while the user picks
+    // another option. That option is applied and stays shown; the group's
+    // option stored by the running update does not replace it.
+    w.firstUpdate = true;
+    chooseSegment(w, 1);
+    QVERIFY(w.updating);
+    chooseSegment(w, 2);
+    QVERIFY(settled(w));
+    QCOMPARE(w.segmentedControlKeep->selectedSegment(), 2);
+    QCOMPARE(found.photos->keepOption, std::int64_t{2});
+    QCOMPARE(marksOf(found.photos), (Marks{1, 1, 0}));
 }
 
 void DuplicatesWindowTest::customWindowOkCancelAndTheKeepOneQuestion() {

@@ -18,6 +18,7 @@ class DuplicatesWindowTest : public QObject {
     void handMarksRecountAtOnce();
     void categoryBoxesHideGroupsButKeepMarks();
     void segmentChangesDuringAnUpdateFoldIntoOne();
+    void segmentChosenDuringAFullUpdateIsKept();
     void customWindowOkCancelAndTheKeepOneQuestion();
     void cleaningAsksFirstAndMovesToTheTrash();
     void cleaningForGoodAndClosingAfterTheLastGroup();

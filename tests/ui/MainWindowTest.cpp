@@ -13,6 +13,7 @@
 
 #include "MainWindowTest.h"
 #include "UiTestSupport.h"
+#include "engine/LocationGate.h"
 #include "settings/SettingsManager.h"
 #include "support/TempTree.h"
 #include "ui/main/FolderTableView.h"
@@ -87,6 +88,10 @@ void MainWindowTest::folderPanelAddsEachFolderOnce() {
         return [paths](QWidget* modal) {
             auto* dialog = qobject_cast<QFileDialog*>(modal);
             QVERIFY(dialog != nullptr);
+            // Folders are chosen here, never made.
+            QCOMPARE(dialog->labelText(QFileDialog::Accept), QStringLiteral("Select Folder(s)"));
+            QVERIFY(dialog->testOption(QFileDialog::ReadOnly));
+            QVERIFY(!dialog->findChild<QWidget*>(QStringLiteral("newFolderButton"))->isVisible());
             QStringList quoted;
             for (const QString& p : paths) {
                 quoted << QLatin1Char('"') + p + QLatin1Char('"');
@@ -110,6 +115,8 @@ void MainWindowTest::folderPanelAddsEachFolderOnce() {
     QCOMPARE(folders(), (std::vector<std::string>{a, b}));
     QVERIFY(answers.allAnswered());
     QCOMPARE(window_->tableViewFolders->model()->rowCount(), 2);
+    const QModelIndex first = window_->tableViewFolders->model()->index(0, 0);
+    QVERIFY(!first.data(Qt::DecorationRole).value<QIcon>().isNull());
 }
 
 void MainWindowTest::droppedFoldersGoBetweenRowsInOrder() {
@@ -369,4 +376,39 @@ void MainWindowTest::keyboardLeavesTablesAndDeleteRemoves() {
     typeKey(window_->tableViewFileTypes, Qt::Key_Delete);
     QVERIFY(SettingsManager::shared()->listFileExtensions.empty());
     QCOMPARE(folders().size(), std::size_t{1});
+}
+
+void MainWindowTest::foldersOutsideTheSearchedLocationsAreNamed() {
+    using twinsweep::LocationGate;
+    TempTree tree;
+    const std::string mac = tree.mkdir("mac");
+    const std::string home = tree.mkdir("mac/Users/bob");
+    const std::string volume = tree.mkdir("mac/Volumes/Disk");
+    const std::string data = tree.mkdir("data");
+    LocationGate::setProcessDefault(LocationGate::macLayoutUnder(mac));
+    const auto line = [this] {
+        return window_->labelOutsideLocations->isVisibleTo(window_.get())
+                   ? window_->labelOutsideLocations->text()
+                   : QString();
+    };
+
+    window_->addFolders({QString::fromStdString(home), QString::fromStdString(volume)});
+    QCOMPARE(line(), QString());
+    const QString roots =
+        QString::fromStdString(mac + "/Users, " + mac + "/Applications and " + mac + "/Volumes");
+    window_->addFolders({QString::fromStdString(data), QString::fromStdString(mac)});
+    QCOMPARE(line(), QStringLiteral("The search looks only under ") + roots +
+                         QStringLiteral(". Outside those locations: ") +
+                         QString::fromStdString(data + ", " + mac) + QLatin1Char('.'));
+
+    // The line follows the list, and a gate that lets everything pass has none.
+    window_->tableViewFolders->selectRow(2);
+    window_->OnRemoveSelected();
+    QVERIFY(line().endsWith(QString::fromStdString(": " + mac + ".")));
+    LocationGate::setProcessDefault(LocationGate::anywhere());
+    window_->addFolders({});
+    QCOMPARE(line(), QString());
+    LocationGate::setProcessDefault(LocationGate::platformDefault());
+    window_->OnFileNew();
+    QCOMPARE(line(), QString());
 }

@@ -19,6 +19,7 @@ class MainWindowTest : public QObject {
     void findWithoutFoldersOnlyWarns();
     void closingAsksOnlyWithUnsavedMark();
     void keyboardLeavesTablesAndDeleteRemoves();
+    void foldersOutsideTheSearchedLocationsAreNamed();
 
   private:
     std::unique_ptr<twinsweep::ui::ViewController> window_;

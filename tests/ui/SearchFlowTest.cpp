@@ -3,12 +3,16 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSlider>
 #include <QTest>
+#include <QTimer>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <fcntl.h>
 #include <mutex>
+#include <unistd.h>
 
 #include "UiTestSupport.h"
 #include "engine/LocationGate.h"
@@ -249,4 +253,51 @@ void SearchFlowTest::minimisedProgressKeepsItsSession() {
     QVERIFY(minimisedAndRunning);
     QVERIFY(restoredOnClosing);
     QCOMPARE(answers.answered(), 2);
+}
+
+void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
+    SearchTree where;
+    // Four files of one size, two pairs that part only in the last byte: all
+    // are read to the end. Out of memory, so that reading takes a while.
+    std::string body(64 << 20, 'x');
+    for (const char* name : {"a1", "a2", "b1", "b2"}) {
+        body.back() = name[0];
+        const std::string path = where.tree.write(std::string("Users/me/") + name, body);
+        const int fd = ::open(path.c_str(), O_RDONLY);
+        ::fdatasync(fd);
+        ::posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED);
+        ::close(fd);
+    }
+    auto window = searchWindow({QString::fromStdString(where.home)});
+
+    ModalAnswers answers;
+    QStringList lines;
+    answers.then("twinsweep::ui::ViewControllerProgress", [&](QWidget* modal) {
+        ViewControllerProgress* progress = progressWindow(modal);
+        QVERIFY(progress != nullptr);
+        // Note every line shown until the window goes.
+        auto* watch = new QTimer(progress);
+        QObject::connect(watch, &QTimer::timeout, progress, [&lines, progress] {
+            const QString line = progress->textFieldBytesCompared->text();
+            if (lines.isEmpty() || lines.back() != line) {
+                lines.push_back(line);
+            }
+        });
+        watch->start(2);
+    });
+    answers.then("twinsweep::ui::ViewControllerDuplicates", [](QWidget* modal) { modal->close(); });
+    window->buttonFindDuplicateFiles->click();
+
+    // Empty during the walk, then bytes of the 256 MB growing.
+    QVERIFY(!lines.isEmpty());
+    QCOMPARE(lines.front(), QString());
+    const QRegularExpression shape(QStringLiteral(
+        "^(\\d+(\\.\\d)? [KMG]?B) of 256\\.0 MB compared(, about \\d+ (s|min) left)?$"));
+    int partial = 0;
+    for (const QString& line : lines.mid(1)) {
+        const auto match = shape.match(line);
+        QVERIFY2(match.hasMatch(), qPrintable(line));
+        partial += match.captured(1) != QStringLiteral("256.0 MB") ? 1 : 0;
+    }
+    QVERIFY2(lines.size() >= 3 && partial >= 1, qPrintable(lines.join(QLatin1Char('|'))));
 }

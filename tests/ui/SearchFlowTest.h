@@ -14,4 +14,5 @@ class SearchFlowTest : public QObject {
     void searchWithoutDuplicatesSaysSoAfterClosing();
     void cancelStopsSearchWithoutResults();
     void minimisedProgressKeepsItsSession();
+    void progressTellsBytesComparedOfLargeFiles();
 };

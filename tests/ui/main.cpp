@@ -5,8 +5,10 @@
 #include "DetailWindowsTest.h"
 #include "DuplicatesWindowTest.h"
 #include "MainWindowTest.h"
+#include "ProtectExportTest.h"
 #include "SearchFlowTest.h"
 #include "ShellTest.h"
+#include "ui/platform/FileTypeIcons.h"
 
 int main(int argc, char** argv) {
     // Help pages are written to the cache folder; keep the user's untouched.
@@ -16,6 +18,7 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("twinsweep-tests"));
     // The tests open and close main windows one after another.
     QApplication::setQuitOnLastWindowClosed(false);
+    twinsweep::ui::chooseIconTheme(); // as the application does at launch
     int failed = 0;
     {
         ShellTest shell;
@@ -36,6 +39,10 @@ int main(int argc, char** argv) {
     {
         DetailWindowsTest details;
         failed += QTest::qExec(&details, argc, argv);
+    }
+    {
+        ProtectExportTest additions;
+        failed += QTest::qExec(&additions, argc, argv);
     }
     return failed == 0 ? 0 : 1;
 }

@@ -147,8 +147,10 @@ void ViewControllerCustomKeep::buildLayout() {
     buttonReset = named(new QPushButton(QStringLiteral("&Reset"), contents), "buttonReset");
     buttonCancel = named(new QPushButton(QStringLiteral("Cancel"), contents), "buttonCancel");
     buttonOk = named(new QPushButton(QStringLiteral("OK"), contents), "buttonOk");
-    // No default button: Return in a field confirms that field, never the
-    // window. A focused button still takes Return.
+    // OK is the button the window offers, but Return in a field only confirms
+    // that field (the window swallows what the field leaves); a focused
+    // button takes Return itself.
+    buttonOk->setDefault(true);
     buttons->addWidget(buttonReset);
     buttons->addStretch(1);
     buttons->addWidget(buttonCancel);

@@ -1,7 +1,9 @@
 // Cleaning from the window: the core decides what goes and asks through the
 // window's alerts; the platform removes.
 #include <QPushButton>
+#include <QThread>
 
+#include "engine/ProtectedFolders.h"
 #include "platform/PlatformRemover.h"
 #include "selection/Cleaning.h"
 #include "ui/duplicates/GroupsModel.h"
@@ -35,11 +37,28 @@ void ViewControllerDuplicates::OnClean() {
     waitForBackgroundJobs();
     categoriesChanged = false;
     AlertPrompt prompt(this);
+    // One cleaning at a time per user, the command-line tool included. The
+    // window can't wait long on it: after a moment it says so and changes
+    // nothing.
+    CleaningLock lock;
+    CleaningLock::Outcome taken = lock.tryTake();
+    for (int i = 0; i < 20 && taken == CleaningLock::Outcome::Busy; ++i) {
+        QThread::msleep(100);
+        taken = lock.tryTake();
+    }
+    if (taken != CleaningLock::Outcome::Taken) {
+        runAlert(this, QString::fromStdString(lock.message() + ". Nothing was removed."),
+                 {QStringLiteral("OK")});
+        return;
+    }
     PlatformRemover remover;
     const CleaningReport report = clean(fileList, *settingsManager, prompt, remover);
     if (report.outcome != CleaningOutcome::Cleaned) {
         return;
     }
+    // A group left with protected copies alone has nothing more to offer.
+    std::erase_if(settingsManager->duplicateFileList,
+                  [](const FilePtr& g) { return onlyProtectedCopies(*g); });
     firstUpdate = true;
     groupsModel_->refresh();
     selectGroupRow(0);

@@ -62,6 +62,10 @@ void ViewControllerDuplicates::buildLayout() {
     progressIndicator->setRange(0, 0); // busy: no amount, just motion
     progressIndicator->setTextVisible(false);
     progressIndicator->setFixedWidth(90);
+    // Its place stays when it is hidden, so nothing moves when an update starts.
+    QSizePolicy keepPlace = progressIndicator->sizePolicy();
+    keepPlace.setRetainSizeWhenHidden(true);
+    progressIndicator->setSizePolicy(keepPlace);
     keepRow->addWidget(progressIndicator);
     outer->addLayout(keepRow);
 
@@ -70,6 +74,8 @@ void ViewControllerDuplicates::buildLayout() {
     tableViewFiles = makeTable(split, QStringLiteral("TableViewFiles"));
     groupsModel_ = new GroupsModel(&fileList, this);
     tableViewFiles->setModel(groupsModel_);
+    tableViewFiles->setItemDelegateForColumn(GroupsModel::ColumnCount,
+                                             new CountDelegate(tableViewFiles));
     QHeaderView* groupsHeader = tableViewFiles->horizontalHeader();
     groupsHeader->setSectionResizeMode(GroupsModel::ColumnIcon, QHeaderView::Fixed);
     groupsHeader->resizeSection(GroupsModel::ColumnIcon, 26);
@@ -98,6 +104,11 @@ void ViewControllerDuplicates::buildLayout() {
     buttonInfo->setObjectName(QStringLiteral("buttonInfo"));
     memberRow->addWidget(buttonReveal);
     memberRow->addWidget(buttonInfo);
+    buttonExport = new QPushButton(QStringLiteral("Export..."), contents);
+    buttonExport->setObjectName(QStringLiteral("buttonExport"));
+    buttonExport->setToolTip(
+        QStringLiteral("Save the listed groups and their marks as CSV or JSON"));
+    memberRow->addWidget(buttonExport);
     outer->addLayout(memberRow);
 
     // Categories, space saved and Clean.

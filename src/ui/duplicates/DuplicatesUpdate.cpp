@@ -89,6 +89,17 @@ void ViewControllerDuplicates::installList(FileList list) {
     membersModel_->setGroup(nullptr);
 }
 
+void ViewControllerDuplicates::installFoldedList(FileList list) {
+    // The next run applies the option the control shows, which is what the
+    // user chose meanwhile: selecting a row must not put the group's stored
+    // option in its place. The run works on the selected index, as before.
+    const int shown = segmentedControlKeep->selectedSegment();
+    const std::int64_t row = selectedRow;
+    installList(std::move(list));
+    selectGroupRow(static_cast<std::size_t>(row) < fileList.size() ? static_cast<int>(row) : 0);
+    segmentedControlKeep->setSelectedSegment(shown);
+}
+
 void ViewControllerDuplicates::ShowResults(ComputedResults results) {
     updating = false;
     if (selectionChanged) {
@@ -96,8 +107,7 @@ void ViewControllerDuplicates::ShowResults(ComputedResults results) {
         // The next run starts from the list this one built; its figures are
         // not shown.
         if (results.listedRebuilt) {
-            installList(std::move(results.listed));
-            selectGroupRow(0);
+            installFoldedList(std::move(results.listed));
         }
         UpdateResults();
         return;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QPainter>
 #include <QPalette>
 
 #include "engine/FileTools.h"
@@ -40,10 +41,12 @@ QVariant GroupsModel::data(const QModelIndex& index, int role) const {
     case ColumnIcon:
         return role == Qt::DecorationRole ? QVariant(fileIcon(group.path)) : QVariant();
     case ColumnName:
-        if (role == Qt::DisplayRole || role == Qt::ToolTipRole) {
+        if (role == Qt::DisplayRole) {
             return lastComponent(group.path);
         }
-        return {};
+        return role == Qt::ToolTipRole
+                   ? QVariant(QFile::decodeName(QByteArray::fromStdString(group.path)))
+                   : QVariant();
     case ColumnSize:
         if (role == Qt::DisplayRole) {
             return QString::fromStdString(FileTools::fileSizeText(group.size));
@@ -106,6 +109,38 @@ QColor GroupsModel::countColour(std::int64_t members, std::int64_t marked) {
         return QColor(249, 183, 27);
     }
     return QColor(Qt::red);
+}
+
+void CountDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const {
+    if (!(option.state & QStyle::State_Selected)) {
+        QStyledItemDelegate::paint(painter, option, index);
+        return;
+    }
+    QStyleOptionViewItem cell(option);
+    initStyleOption(&cell, index);
+    const QString text = cell.text;
+    cell.text.clear();
+    const QWidget* view = option.widget;
+    QStyle* style = view != nullptr ? view->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, view);
+
+    // The count on a small plate of the table's own background, so its
+    // colour reads on the selection colour.
+    const QFontMetrics metrics(cell.font);
+    const int width = metrics.horizontalAdvance(text) + 10;
+    const int height = std::min(cell.rect.height() - 4, metrics.height() + 2);
+    QRect plate(0, 0, std::min(width, cell.rect.width() - 2), height);
+    plate.moveCenter(cell.rect.center());
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(cell.palette.color(QPalette::Base));
+    painter->drawRoundedRect(plate, 4, 4);
+    painter->setPen(index.data(Qt::ForegroundRole).value<QColor>());
+    painter->setFont(cell.font);
+    painter->drawText(plate, Qt::AlignCenter, text);
+    painter->restore();
 }
 
 } // namespace twinsweep::ui

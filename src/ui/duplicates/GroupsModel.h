@@ -2,6 +2,7 @@
 
 #include <QAbstractTableModel>
 #include <QColor>
+#include <QStyledItemDelegate>
 
 #include "engine/File.h"
 
@@ -33,6 +34,16 @@ class GroupsModel : public QAbstractTableModel {
 
   private:
     const FileList* groups_;
+};
+
+// Draws the count in its colour on the selected row too, where the style
+// would paint every text in the selection's text colour.
+class CountDelegate : public QStyledItemDelegate {
+    Q_OBJECT
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
 };
 
 } // namespace twinsweep::ui

@@ -38,10 +38,17 @@ QVariant MembersModel::data(const QModelIndex& index, int role) const {
         if (role == Qt::CheckStateRole) {
             return member.checkState == 1 ? Qt::Checked : Qt::Unchecked;
         }
+        if (role == Qt::ToolTipRole && member.isProtected) {
+            return protectedCopyTip();
+        }
         return {};
     case ColumnPath:
-        if (role == Qt::DisplayRole || role == Qt::ToolTipRole) {
+        if (role == Qt::DisplayRole) {
             return QFile::decodeName(QByteArray::fromStdString(member.path));
+        }
+        if (role == Qt::ToolTipRole) {
+            const QString path = QFile::decodeName(QByteArray::fromStdString(member.path));
+            return member.isProtected ? path + QLatin1Char('\n') + protectedCopyTip() : path;
         }
         return {};
     default:
@@ -52,7 +59,7 @@ QVariant MembersModel::data(const QModelIndex& index, int role) const {
 bool MembersModel::setData(const QModelIndex& index, const QVariant&, int role) {
     // The value passed is not used: a click flips the mark.
     if (!group_ || role != Qt::CheckStateRole || index.column() != ColumnCheck ||
-        index.row() >= rowCount()) {
+        index.row() >= rowCount() || isProtectedRow(index.row())) {
         return false;
     }
     if (onToggle) {
@@ -65,9 +72,22 @@ bool MembersModel::setData(const QModelIndex& index, const QVariant&, int role) 
 Qt::ItemFlags MembersModel::flags(const QModelIndex& index) const {
     Qt::ItemFlags f = QAbstractTableModel::flags(index);
     if (index.column() == ColumnCheck) {
-        f |= Qt::ItemIsUserCheckable;
+        if (isProtectedRow(index.row())) {
+            f &= ~Qt::ItemIsEnabled; // shown, never ticked
+        } else {
+            f |= Qt::ItemIsUserCheckable;
+        }
     }
     return f;
+}
+
+bool MembersModel::isProtectedRow(int row) const {
+    return group_ && row >= 0 && static_cast<std::size_t>(row) < group_->duplicates.size() &&
+           group_->duplicates[static_cast<std::size_t>(row)]->isProtected;
+}
+
+QString MembersModel::protectedCopyTip() {
+    return QStringLiteral("In a protected folder: never marked or removed.");
 }
 
 QVariant MembersModel::headerData(int section, Qt::Orientation orientation, int role) const {

@@ -33,6 +33,10 @@ class MembersModel : public QAbstractTableModel {
     Qt::ItemFlags flags(const QModelIndex& index) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
+    // Copies under a protected folder: the box is shown disabled.
+    bool isProtectedRow(int row) const;
+    static QString protectedCopyTip();
+
   private:
     FilePtr group_;
 };

@@ -46,6 +46,7 @@ void ViewControllerDuplicates::viewDidLoad() {
     connect(buttonReveal, &QPushButton::clicked, this,
             &ViewControllerDuplicates::OnGoToSourceDirectoryButton);
     connect(buttonInfo, &QPushButton::clicked, this, &ViewControllerDuplicates::OnShowInfo);
+    connect(buttonExport, &QPushButton::clicked, this, &ViewControllerDuplicates::OnExport);
     connect(tableViewDuplicates, &QTableView::doubleClicked, this,
             &ViewControllerDuplicates::OnShowInfo);
     ResetResultsWindow();
@@ -109,6 +110,9 @@ void ViewControllerDuplicates::toggleMember(int row) {
     }
     const auto index = static_cast<std::size_t>(row);
     DuplicateFile& member = *group.duplicates[index];
+    if (member.isProtected) {
+        return;
+    }
     member.checkState = member.checkState == 0 ? 1 : 0;
     // Another entry of the same group (never the case with shared records)
     // carries the same mark.

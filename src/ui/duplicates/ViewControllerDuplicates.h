@@ -23,6 +23,13 @@ class GroupsModel;
 class MembersModel;
 class SegmentedControl;
 
+enum class ExportFormat { Csv, Json };
+
+// Writes groups, with their marks, to path (replaced only when the whole
+// export was written). Returns the reason when it fails, else "".
+QString exportGroups(const FileList& groups, bool protection, const QString& path,
+                     ExportFormat format);
+
 // The results window: the listed duplicate groups, the members of the selected
 // one with their marks, the keep options, the category breakdown and the space
 // saved, and the commands that clean, reveal and inspect. Marking and figures
@@ -54,6 +61,7 @@ class ViewControllerDuplicates : public ModalWindow {
     QPushButton* buttonClean = nullptr;
     QPushButton* buttonReveal = nullptr;
     QPushButton* buttonInfo = nullptr;
+    QPushButton* buttonExport = nullptr;
 
     // The folder of the group at index row of fileList ("" when out of range):
     // what the custom keep window puts in place of an unset folder rule.
@@ -72,6 +80,14 @@ class ViewControllerDuplicates : public ModalWindow {
     void OnClean();
     void OnGoToSourceDirectoryButton();
     void OnShowInfo();
+    // Asks where, then exports the listed groups (DuplicatesExport.cpp).
+    void OnExport();
+    // Exports the listed groups to path in the background; exportFinished
+    // follows, after an alert when it failed.
+    void startExport(const QString& path, ExportFormat format);
+
+  signals:
+    void exportFinished(const QString& error);
 
   protected:
     void viewDidDisappear() override;
@@ -95,6 +111,7 @@ class ViewControllerDuplicates : public ModalWindow {
     void showFigures(const CategoryFigures& figures);
     void setBusy(bool busy);
     void installList(FileList list);
+    void installFoldedList(FileList list);
 
     // Tables (ViewControllerDuplicates.cpp).
     void tableViewSelectionDidChange();

@@ -1,6 +1,8 @@
 #include "ui/main/StringListModel.h"
 
 #include <QFile>
+#include <QFileIconProvider>
+#include <QIcon>
 #include <QMimeData>
 #include <algorithm>
 #include <sys/stat.h>
@@ -31,6 +33,14 @@ bool isFolderUrl(const QUrl& url) {
     return isFolder(localPath(url));
 }
 
+QIcon folderIcon() {
+    static const QIcon icon = [] {
+        const QIcon themed = QIcon::fromTheme(QStringLiteral("folder"));
+        return themed.isNull() ? QFileIconProvider().icon(QFileIconProvider::Folder) : themed;
+    }();
+    return icon;
+}
+
 } // namespace
 
 StringListModel::StringListModel(std::vector<std::string>& list, Kind kind, QObject* parent)
@@ -52,6 +62,9 @@ QVariant StringListModel::data(const QModelIndex& index, int role) const {
     if (role == Qt::DisplayRole || role == Qt::ToolTipRole) {
         return kind_ == Kind::FolderPaths ? QFile::decodeName(QByteArray::fromStdString(item))
                                           : QString::fromStdString(item);
+    }
+    if (role == Qt::DecorationRole && kind_ == Kind::FolderPaths) {
+        return folderIcon();
     }
     return {};
 }

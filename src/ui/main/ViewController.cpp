@@ -15,8 +15,11 @@
 #include <sys/stat.h>
 
 #include "engine/FileTools.h"
+#include "engine/LocationGate.h"
 #include "settings/SettingsManager.h"
+#include "ui/main/FolderModel.h"
 #include "ui/main/FolderTableView.h"
+#include "ui/main/OutsideLocations.h"
 #include "ui/main/SizeStops.h"
 #include "ui/main/StringListModel.h"
 #include "ui/platform/FolderPicker.h"
@@ -38,8 +41,8 @@ ViewController::ViewController(QWidget* parent)
     : QMainWindow(parent), settingsManager(SettingsManager::shared()) {
     setObjectName(QStringLiteral("WindowControllerMain"));
     setWindowTitle(QStringLiteral("Twinsweep"));
-    folderModel_ = new StringListModel(settingsManager->listFolderPaths,
-                                       StringListModel::Kind::FolderPaths, this);
+    folderModel_ =
+        new FolderModel(settingsManager->listFolderPaths, settingsManager->protectedFolders, this);
     extensionModel_ = new StringListModel(settingsManager->listFileExtensions,
                                           StringListModel::Kind::Extensions, this);
     buildLayout();
@@ -217,6 +220,7 @@ void ViewController::ResetSettings() {
 
     SettingsManager& s = *settingsManager;
     s.listFolderPaths.clear();
+    s.protectedFolders.clear();
     s.listFileExtensions.clear();
     s.minimumFileSize = 204800;
     s.maximumFileSize = 107374182400ULL;
@@ -245,6 +249,13 @@ void ViewController::OnFindDuplicateFiles() {
 
 void ViewController::ShowDuplicatesWindow() {
     WindowFactory::runModal(kWindowControllerDuplicates, this);
+}
+
+void ViewController::updateOutsideLocationsLine() {
+    const QString text =
+        outsideLocationsText(LocationGate::processDefault(), settingsManager->listFolderPaths);
+    labelOutsideLocations->setText(text);
+    outsideLocationsLine_->setVisible(!text.isEmpty());
 }
 
 void ViewController::OnFileNew() {

@@ -18,6 +18,7 @@ class SettingsManager;
 
 namespace twinsweep::ui {
 
+class FolderModel;
 class FolderTableView;
 class StringListModel;
 
@@ -52,6 +53,9 @@ class ViewController : public QMainWindow {
     QCheckBox* checkIgnoreBundles = nullptr;
     QCheckBox* checkCompareLargeFilesByContent = nullptr;
     QPushButton* buttonFindDuplicateFiles = nullptr;
+    // Under the folder table: which listed folders the search will not look
+    // in, and where it does look. Hidden while there are none.
+    QLabel* labelOutsideLocations = nullptr;
 
   public slots:
     void OnAddFolder();
@@ -81,6 +85,7 @@ class ViewController : public QMainWindow {
     void ResetSettings();
     void UpdateSettings();
     void ShowDuplicatesWindow();
+    void updateOutsideLocationsLine();
     // Whether the window may close; asks first when the title ends in "*".
     bool windowShouldClose();
 
@@ -92,11 +97,13 @@ class ViewController : public QMainWindow {
     void buildLayout();
     void buildMenus();
     void buildListCommands(QMenu* edit);
+    QWidget* buildOutsideLocationsLine(QWidget* parent);
     void setExtensionControlsEnabled(bool enabled);
     int selectedRow(QTableView* table) const;
 
-    StringListModel* folderModel_ = nullptr;
+    FolderModel* folderModel_ = nullptr;
     StringListModel* extensionModel_ = nullptr;
+    QWidget* outsideLocationsLine_ = nullptr;
 };
 
 } // namespace twinsweep::ui

@@ -14,9 +14,11 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
+#include <QStyle>
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include "ui/main/FolderModel.h"
 #include "ui/main/FolderTableView.h"
 #include "ui/main/SizeStops.h"
 #include "ui/main/StringListModel.h"
@@ -58,9 +60,13 @@ void ViewController::buildLayout() {
 
     // Folders to scan.
     auto* folders = new QGroupBox(QStringLiteral("Folders to scan"), central);
-    auto* folderRow = new QHBoxLayout(folders);
+    auto* folderColumn = new QVBoxLayout(folders);
+    auto* folderRow = new QHBoxLayout;
+    folderColumn->addLayout(folderRow, 1);
+    folderColumn->addWidget(buildOutsideLocationsLine(folders));
     tableViewFolders = named(new FolderTableView(folders), "TableViewFolderPaths");
     tableViewFolders->setModel(folderModel_);
+    FolderModel::fitColumns(tableViewFolders);
     tableViewFolders->setToolTip(QStringLiteral("Add folders with the buttons, or drag them here "
                                                 "from your file manager."));
     tableViewFolders->setMinimumHeight(150);
@@ -209,6 +215,26 @@ void ViewController::buildLayout() {
             &ViewController::OnCompareLargeFilesByContentChecked);
     connect(buttonFindDuplicateFiles, &QPushButton::clicked, this,
             &ViewController::OnFindDuplicateFiles);
+}
+
+QWidget* ViewController::buildOutsideLocationsLine(QWidget* parent) {
+    outsideLocationsLine_ = new QWidget(parent);
+    auto* row = new QHBoxLayout(outsideLocationsLine_);
+    row->setContentsMargins(0, 0, 0, 0);
+    auto* icon = new QLabel(outsideLocationsLine_);
+    const int side = style()->pixelMetric(QStyle::PM_SmallIconSize);
+    icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(side, side));
+    row->addWidget(icon, 0, Qt::AlignTop);
+    labelOutsideLocations = named(new QLabel(outsideLocationsLine_), "labelOutsideLocations");
+    labelOutsideLocations->setWordWrap(true);
+    labelOutsideLocations->setTextFormat(Qt::PlainText);
+    row->addWidget(labelOutsideLocations, 1);
+    outsideLocationsLine_->hide();
+    const auto update = [this] { updateOutsideLocationsLine(); };
+    connect(folderModel_, &QAbstractItemModel::modelReset, this, update);
+    connect(folderModel_, &QAbstractItemModel::rowsInserted, this, update);
+    connect(folderModel_, &QAbstractItemModel::rowsRemoved, this, update);
+    return outsideLocationsLine_;
 }
 
 void ViewController::buildMenus() {

@@ -8,8 +8,6 @@
 
 namespace twinsweep::ui {
 
-namespace {
-
 // Without a desktop session (a bare X server, a minimal window manager) Qt
 // picks no icon theme and every type gets the same blank page; the theme the
 // project installs has an icon for each kind of file.
@@ -23,8 +21,6 @@ void chooseIconTheme() {
     }();
     (void)chosen;
 }
-
-} // namespace
 
 QIcon iconForExtension(const QString& extension) {
     chooseIconTheme();

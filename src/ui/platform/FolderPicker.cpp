@@ -9,12 +9,18 @@
 namespace twinsweep::ui {
 
 std::optional<QStringList> chooseFolders(QWidget* parent) {
-    QFileDialog dialog(parent, QStringLiteral("Add Folders"), QDir::homePath());
+    const QString prompt = QStringLiteral("Select Folder(s)");
+    QFileDialog dialog(parent, prompt, QDir::homePath());
     dialog.setObjectName(QStringLiteral("FolderPicker"));
     dialog.setFileMode(QFileDialog::Directory);
     // The toolkit's own dialog: the desktop portals choose only one folder.
-    dialog.setOptions(QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog);
-    dialog.setLabelText(QFileDialog::Accept, QStringLiteral("Add"));
+    // Read-only: folders are chosen here, never made or renamed.
+    dialog.setOptions(QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog |
+                      QFileDialog::ReadOnly);
+    dialog.setLabelText(QFileDialog::Accept, prompt);
+    if (auto* newFolder = dialog.findChild<QWidget*>(QStringLiteral("newFolderButton"))) {
+        newFolder->hide();
+    }
     for (QAbstractItemView* view : dialog.findChildren<QAbstractItemView*>()) {
         if (qobject_cast<QListView*>(view) != nullptr ||
             qobject_cast<QTreeView*>(view) != nullptr) {

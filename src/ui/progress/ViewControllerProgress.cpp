@@ -80,6 +80,9 @@ void ViewControllerProgress::buildLayout() {
     counts->addWidget(textFieldFilesScanned, 1);
     counts->addWidget(textFieldPercents);
     layout->addLayout(counts);
+    textFieldBytesCompared = new QLabel(contents);
+    textFieldBytesCompared->setObjectName(QStringLiteral("textFieldBytesCompared"));
+    layout->addWidget(textFieldBytesCompared);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
@@ -95,17 +98,36 @@ void ViewControllerProgress::buildLayout() {
 void ViewControllerProgress::RunSearch() {
     {
         FileTools tools;
+        tools.byteProgress = bytes_;
         runSearchJob(*settingsManager, tools);
     } // the engine's records are freed here, before SearchDone joins this thread
     submitToMain(this, [this] { SearchDone(); });
 }
 
 void ViewControllerProgress::repaintLatest() {
-    if (!fresh_.exchange(false, std::memory_order_acquire)) {
-        return;
+    if (fresh_.exchange(false, std::memory_order_acquire)) {
+        ShowProgress(latestTotal_.load(std::memory_order_relaxed),
+                     latestChecked_.load(std::memory_order_relaxed));
     }
-    ShowProgress(latestTotal_.load(std::memory_order_relaxed),
-                 latestChecked_.load(std::memory_order_relaxed));
+    // The bytes move while one large file is read and no file count changes.
+    showBytes();
+}
+
+void ViewControllerProgress::showBytes() {
+    const std::uint64_t total = bytes_->total();
+    const std::uint64_t done = bytes_->done();
+    const QString line =
+        QString::fromStdString(timeLeft_.line(done, total, TimeLeft::Clock::now()));
+    if (textFieldBytesCompared->text() != line) {
+        textFieldBytesCompared->setText(line);
+    }
+    if (total > 0) {
+        // Large files move the bar as they are read; it never goes back.
+        const int bytesPercent = static_cast<int>(done * 100 / total);
+        if (bytesPercent > progressIndicator->value()) {
+            progressIndicator->setValue(bytesPercent);
+        }
+    }
 }
 
 void ViewControllerProgress::ShowProgress(std::int64_t total, std::int64_t checked) {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <thread>
 
+#include "engine/ByteProgress.h"
 #include "engine/NotificationCenter.h"
 #include "ui/shell/ModalWindow.h"
 
@@ -32,6 +33,8 @@ class ViewControllerProgress : public ModalWindow {
     QProgressBar* progressIndicator = nullptr;
     QLabel* textFieldPercents = nullptr;
     QLabel* textFieldFilesScanned = nullptr;
+    // Our addition below the counts: bytes compared and the time left.
+    QLabel* textFieldBytesCompared = nullptr;
     QPushButton* buttonCancelSearch = nullptr;
 
     // How often the counts are repainted at most: the engine posts per file,
@@ -52,12 +55,16 @@ class ViewControllerProgress : public ModalWindow {
     void buildLayout();
     void RunSearch();
     void repaintLatest();
+    void showBytes();
 
     ScopedObserver updateProgressObserver_;
     ScopedObserver searchFinishedObserver_;
     std::atomic<std::int64_t> latestTotal_{0};
     std::atomic<std::int64_t> latestChecked_{0};
     std::atomic<bool> fresh_{false};
+    // Handed to the engine; read here while its readers add to it.
+    std::shared_ptr<ByteProgress> bytes_ = std::make_shared<ByteProgress>();
+    TimeLeft timeLeft_;
     QTimer repaintTimer_;
     bool closed_ = false;
     std::thread job_;

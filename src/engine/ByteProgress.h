@@ -1,0 +1,58 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace twinsweep {
+
+// Bytes of the content comparison: how many there are to compare, and how
+// many are done (read, or known to need no reading). The readers add as they
+// go; the progress displays read from other threads. Relaxed counters: they
+// order nothing, and cost the search nothing it would notice.
+class ByteProgress {
+  public:
+    void start(std::uint64_t total) {
+        done_.store(0, std::memory_order_relaxed);
+        total_.store(total, std::memory_order_relaxed);
+    }
+    void add(std::uint64_t bytes) { done_.fetch_add(bytes, std::memory_order_relaxed); }
+    std::uint64_t total() const { return total_.load(std::memory_order_relaxed); }
+    // Never more than the total: a file that grew since the walk is read
+    // further than its size.
+    std::uint64_t done() const {
+        const std::uint64_t d = done_.load(std::memory_order_relaxed);
+        const std::uint64_t t = total();
+        return d < t ? d : t;
+    }
+
+  private:
+    std::atomic<std::uint64_t> total_{0};
+    std::atomic<std::uint64_t> done_{0};
+};
+
+// Turns readings of a ByteProgress into the line the progress displays show:
+// "1.2 GB of 3.4 GB compared, about 12 s left". The estimate comes from the
+// rate since the first reading with bytes to compare, once that has lasted a
+// moment; before, the line has no estimate, and before the comparison it is
+// empty. Fed from one thread.
+class TimeLeft {
+  public:
+    using Clock = std::chrono::steady_clock;
+    std::string line(std::uint64_t done, std::uint64_t total, Clock::time_point now);
+    // Seconds left at the rate so far; absent while there is too little to go by.
+    std::optional<std::int64_t> secondsLeft(std::uint64_t done, std::uint64_t total,
+                                            Clock::time_point now);
+
+    // The line's text for given figures; secondsLeft absent: no estimate.
+    static std::string text(std::uint64_t done, std::uint64_t total,
+                            std::optional<std::int64_t> secondsLeft);
+
+  private:
+    std::optional<Clock::time_point> start_;
+    std::uint64_t doneAtStart_ = 0;
+};
+
+} // namespace twinsweep

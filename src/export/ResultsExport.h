@@ -1,0 +1,50 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "engine/File.h"
+
+namespace twinsweep {
+
+class FileTools;
+
+// Receives the written text piece by piece; false stops the writing.
+using ExportSink = std::function<bool(std::string_view)>;
+
+// What goes into an export beyond the groups themselves.
+struct ExportFields {
+    bool marks = false;      // each member's mark (the results window's export)
+    bool protection = false; // CSV: a "protected" column (JSON names protected copies always)
+};
+
+// {"groups":[{"path","size","ext","category","md5","members":[{"path","date"}]}]}
+// with "marked":true|false on each member when fields.marks, and
+// "protected":true on each protected member. "md5" is null for files compared
+// by size alone. One group a line, written in bounded pieces.
+bool writeJsonExport(const FileList& groups, const FileTools& tools, ExportFields fields,
+                     const ExportSink& sink);
+
+// RFC 4180: a header line, then one line per member: group (counted from 1),
+// path, size, date, category, then "marked" (1 or 0) and "protected" (1 or 0)
+// as fields asks. Lines end in CR LF; a field holding a comma, a quote, CR or
+// LF is quoted, with its quotes doubled. Paths: backslashes doubled and bytes
+// that are not UTF-8 written \udcXX, as in the JSON, so the bytes come back.
+bool writeCsvExport(const FileList& groups, const FileTools& tools, ExportFields fields,
+                    const ExportSink& sink);
+
+// A JSON string literal, quotes included. Bytes that are not valid UTF-8
+// become \udcXX (XX the byte), which Python's surrogateescape turns back
+// into the original bytes.
+std::string jsonString(std::string_view bytes);
+
+// The path escaping of writeCsvExport, and its reverse (false when text is not
+// such an escaped path).
+std::string csvPathText(std::string_view bytes);
+bool csvPathBytes(std::string_view text, std::string& bytes);
+
+// The names of category codes 1 to 6: "pictures" ... "other".
+const char* categoryName(int code);
+
+} // namespace twinsweep

@@ -1,0 +1,139 @@
+// Protected folders: no keep option, rule, hand mark or clean touches a copy
+// under one, however the search reached it.
+#include <gtest/gtest.h>
+
+#include "CoreSupport.h"
+#include "FaultSupport.h"
+#include "engine/ProtectedFolders.h"
+#include "selection/CustomMarking.h"
+#include "selection/CustomSettingsText.h"
+#include "selection/KeepOptions.h"
+#include "support/TempTree.h"
+
+using namespace twinsweep;
+using namespace twinsweep::testing;
+
+namespace {
+
+struct Protected : ::testing::Test {
+    TempTree tree;
+    std::shared_ptr<SettingsManager> settings = SettingsManager::shared();
+    void TearDown() override {
+        settings->protectedFolders.clear();
+        settings->duplicateFileList.clear();
+        resetCustomSettings(*settings);
+    }
+    // Paths (relative to the tree) of the members of group with their flag.
+    std::map<std::string, bool> flags(const File& group) const {
+        std::map<std::string, bool> out;
+        for (const DuplicateFilePtr& m : group.duplicates) {
+            out[m->path.substr(tree.root().size() + 1)] = m->isProtected;
+        }
+        return out;
+    }
+    // Every member's mark is !isProtected: the option marks all it may.
+    static void expectOnlyUnprotectedMarked(const File& group, const char* how) {
+        for (const DuplicateFilePtr& m : group.duplicates) {
+            EXPECT_EQ(m->checkState, m->isProtected ? 0 : 1) << how << ": " << m->path;
+        }
+    }
+};
+
+} // namespace
+
+TEST(ProtectedFolder, InsideMeansWholePathComponents) {
+    struct Case {
+        const char* path;
+        const char* folder;
+        bool inside;
+    };
+    for (const Case& c : std::initializer_list<Case>{{"/a/photos/x.jpg", "/a/photos", true},
+                                                     {"/a/photos/x.jpg", "/a/photos/", true},
+                                                     {"/a/photos", "/a/photos", true},
+                                                     {"/a/photos2/x.jpg", "/a/photos", false},
+                                                     {"/a/photo", "/a/photos", false},
+                                                     {"/a/x.jpg", "/", true},
+                                                     {"/a/x.jpg", "", false}}) {
+        EXPECT_EQ(isInsideFolder(c.path, c.folder), c.inside) << c.path << " in " << c.folder;
+    }
+}
+
+TEST_F(Protected, NoKeepOptionOrRuleMarksAProtectedCopyAndCleaningRefusesOne) {
+    for (const char* p : {"photos/a.jpg", "photos2/a.jpg", "dl/a.jpg", "dl/b.jpg"}) {
+        tree.write(p, "the same picture");
+    }
+    // Copies inside the protected folder alone: not listed.
+    tree.write("photos/p1.txt", "only protected");
+    tree.write("photos/sub/p2.txt", "only protected");
+    settings->protectedFolders = {tree.path("photos")};
+    const FileList groups = searchJob(tree.root(), 2);
+    ASSERT_EQ(groups.size(), 1u);
+    File& g = *groups[0];
+    EXPECT_EQ(flags(g), (std::map<std::string, bool>{{"dl/a.jpg", false},
+                                                     {"dl/b.jpg", false},
+                                                     {"photos/a.jpg", true},
+                                                     {"photos2/a.jpg", false}}));
+
+    // Oldest, newest and remove-all keep the protected copy and mark the rest.
+    for (std::int64_t option : {kKeepOldest, kKeepNewest, kRemoveAll}) {
+        applyKeepOption(g, option, groups);
+        expectOnlyUnprotectedMarked(g, "keep option");
+    }
+    // Rules that every copy passes (a type rule with no types), on one group
+    // and on all with the keep-one answer.
+    settings->customFileTypesState = 1;
+    settings->customSettingsOption = "OK";
+    ASSERT_TRUE(applyCustomRules(g, *settings));
+    expectOnlyUnprotectedMarked(g, "rules");
+    settings->customMessageRespone = 1;
+    ASSERT_TRUE(applyCustomRulesToAll(groups, *settings));
+    expectOnlyUnprotectedMarked(g, "rules, all groups");
+
+    // A protected copy marked all the same (by a fault elsewhere) stays.
+    for (const DuplicateFilePtr& m : g.duplicates) {
+        m->checkState = 1;
+    }
+    const Snapshot before = snapshot(tree.root());
+    const CleaningReport report = cleanForGood();
+    EXPECT_EQ(report.removed, 3);
+    EXPECT_EQ(report.failed, 1);
+    EXPECT_TRUE(
+        nothingLost(before, snapshot(tree.root()), {"dl/a.jpg", "dl/b.jpg", "photos2/a.jpg"}));
+}
+
+TEST_F(Protected, AFolderReachedThroughALinkIsProtectedByIdentity) {
+    tree.write("search/x.jpg", "same bytes");
+    tree.write("real/y.jpg", "same bytes");
+    tree.symlink("../real", "search/alias");
+    settings->protectedFolders = {tree.path("real")};
+    const FileList groups = searchJob(tree.path("search"), 0);
+    ASSERT_EQ(groups.size(), 1u);
+    EXPECT_EQ(flags(*groups[0]),
+              (std::map<std::string, bool>{{"search/alias/y.jpg", true}, {"search/x.jpg", false}}));
+}
+
+TEST_F(Protected, CommandLineProtectsSearchesAndMarksProtectedCopies) {
+    for (const char* p : {"photos/a.jpg", "photos2/a.jpg", "dl/a.jpg"}) {
+        tree.write(p, "the same picture");
+    }
+    tree.write("photos/p1.txt", "only protected");
+    tree.write("photos/p2.txt", "only protected");
+    const std::vector<std::string> base = {"--any-location", "--protect", tree.path("photos"),
+                                           tree.path("dl"), tree.path("photos2")};
+
+    std::vector<std::string> args = base;
+    args.insert(args.end(), {"--format", "json"});
+    const CliOutcome json = runCli(args);
+    ASSERT_EQ(json.status, 0) << json.err;
+    EXPECT_NE(json.out.find(tree.path("photos/a.jpg") + "\",\"date\":"), std::string::npos);
+    EXPECT_EQ(nonEmptyLines(json.out).size(), 3u) << json.out; // one group
+    EXPECT_NE(json.out.find("\"protected\":true}"), std::string::npos) << json.out;
+    EXPECT_EQ(json.out.find("p1.txt"), std::string::npos);
+
+    args = base;
+    args.insert(args.end(), {"--keep", "none", "--delete", "--yes"});
+    const Snapshot before = snapshot(tree.root());
+    const CliOutcome cleaned = runCli(args);
+    EXPECT_EQ(cleaned.status, 0) << cleaned.err;
+    EXPECT_TRUE(nothingLost(before, snapshot(tree.root()), {"dl/a.jpg", "photos2/a.jpg"}));
+}
