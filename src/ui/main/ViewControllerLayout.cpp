@@ -192,7 +192,7 @@ void ViewController::buildLayout() {
     bottom->addWidget(buttonFindDuplicateFiles);
     page->addLayout(bottom);
     setCentralWidget(central);
-    resize(640, 720);
+    resize(640, 750);
 
     connect(buttonAddFolder, &QPushButton::clicked, this, &ViewController::OnAddFolder);
     connect(buttonRemoveSelected, &QPushButton::clicked, this, &ViewController::OnRemoveSelected);
