@@ -116,8 +116,9 @@ void ViewControllerProgress::repaintLatest() {
 void ViewControllerProgress::showBytes() {
     const std::uint64_t total = bytes_->total();
     const std::uint64_t done = bytes_->done();
-    const QString line =
-        QString::fromStdString(timeLeft_.line(done, total, TimeLeft::Clock::now()));
+    const QString line = QString::fromStdString(timeLeft_.line(
+        done, total, TimeLeft::Clock::now(), latestChecked_.load(std::memory_order_relaxed),
+        latestTotal_.load(std::memory_order_relaxed)));
     if (textFieldBytesCompared->text() != line) {
         textFieldBytesCompared->setText(line);
     }
