@@ -10,7 +10,7 @@ PACKAGES=(
   libgl-dev libxkbcommon-dev
   libssl-dev libutf8proc-dev
   libgtest-dev libgmock-dev
-  clang-format
+  clang-format trash-cli
   xvfb xauth adwaita-icon-theme hicolor-icon-theme
   locales
   file desktop-file-utils appstream lintian bash-completion man-db

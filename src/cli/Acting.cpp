@@ -2,8 +2,9 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
+#include <fcntl.h>
 #include <sstream>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -12,33 +13,13 @@
 #include "selection/CustomMarking.h"
 #include "selection/CustomSettingsText.h"
 #include "selection/KeepOptions.h"
+#include "selection/TrashRecord.h"
 
 namespace twinsweep::cli {
 
 namespace {
 
-// Records what the cleaning code removed; a dry run removes nothing.
-class RecordingRemover : public FileRemover {
-  public:
-    RecordingRemover(FileRemover* real) : real_(real) {}
-    RemovalResult moveToTrash(const std::string& path) override {
-        return note(path, real_ ? real_->moveToTrash(path) : RemovalResult{});
-    }
-    RemovalResult removeForGood(const std::string& path) override {
-        return note(path, real_ ? real_->removeForGood(path) : RemovalResult{});
-    }
-    std::vector<std::string> removed;
-
-  private:
-    RemovalResult note(const std::string& path, RemovalResult r) {
-        if (r.ok) {
-            removed.push_back(path);
-        }
-        return r;
-    }
-    FileRemover* real_;
-};
-
+// A signal ends the read: the answer is then no.
 std::string readLine(int fd) {
     std::string line;
     char c = 0;
@@ -47,6 +28,8 @@ std::string readLine(int fd) {
     }
     return line;
 }
+
+constexpr std::uint64_t kMaxRuleText = 1024 * 1024;
 
 std::string textSummary(bool dryRun, std::size_t files, std::uint64_t bytes) {
     std::ostringstream out;
@@ -68,19 +51,57 @@ std::string jsonSummary(bool dryRun, const std::vector<std::string>& removed, st
     return out;
 }
 
+// Keeps the record that --undo reads, and says how to use it.
+void noteTrashed(const std::vector<TrashedCopy>& trashed) {
+    const std::string path = lastTrashRecordPath();
+    if (const std::string err = saveTrashRecord(path, trashed); !err.empty()) {
+        std::fprintf(stderr, "twinsweep-cli: cannot keep a record to undo this clean: %s\n",
+                     err.c_str());
+        return;
+    }
+    std::fprintf(stderr,
+                 "twinsweep-cli: %zu %s moved to the Trash; to put %s back, run: "
+                 "twinsweep-cli --undo\n",
+                 trashed.size(), trashed.size() == 1 ? "copy was" : "copies were",
+                 trashed.size() == 1 ? "it" : "them");
+}
+
 } // namespace
 
 std::string loadRulesFile(const std::string& path, SettingsManager& settings) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
+    // Never blocks on a FIFO or a device: only a regular file is read.
+    const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (fd < 0) {
         return "cannot read rule file '" + path + "': " + std::strerror(errno);
     }
-    std::stringstream text;
-    text << in.rdbuf();
-    if (!loadCustomSettings(settings, text.str())) {
-        return "'" + path + "' is not a custom rule text (23 lines or more: see the user guide)";
+    struct stat st {};
+    std::string text;
+    std::string error;
+    if (::fstat(fd, &st) != 0) {
+        error = "cannot read rule file '" + path + "': " + std::strerror(errno);
+    } else if (!S_ISREG(st.st_mode)) {
+        error = "rule file '" + path + "' is not a regular file (see docs/rules.md)";
+    } else if (static_cast<std::uint64_t>(st.st_size) > kMaxRuleText) {
+        error = "rule file '" + path +
+                "' is larger than 1 MiB; a rule text is a few lines (see "
+                "docs/rules.md)";
+    } else {
+        char buf[65536];
+        ssize_t n = 0;
+        while ((n = ::read(fd, buf, sizeof buf)) > 0 && text.size() <= kMaxRuleText) {
+            text.append(buf, static_cast<std::size_t>(n));
+        }
+        if (n < 0) {
+            error = "cannot read rule file '" + path + "': " + std::strerror(errno);
+        } else if (text.size() > kMaxRuleText) {
+            error = "rule file '" + path + "' is larger than 1 MiB (see docs/rules.md)";
+        }
     }
-    return {};
+    ::close(fd);
+    if (error.empty() && !loadCustomSettings(settings, text)) {
+        error = "'" + path + "' is not a custom rule text (23 lines or more: see docs/rules.md)";
+    }
+    return error;
 }
 
 CommandLinePrompt::CommandLinePrompt(bool yes, bool dryRun, int inputFd, std::FILE* messages)
@@ -120,7 +141,8 @@ bool CommandLinePrompt::ask(CleaningAlert alert) {
 }
 
 ActResult markAndClean(const Options& options, SettingsManager& settings, CleaningPrompt& prompt,
-                       FileRemover& remover) {
+                       FileRemover& remover, const ReportSink& out,
+                       const std::function<bool()>& stop) {
     const FileList groups = settings.duplicateFileList;
     if (options.keepOption) {
         const SamePathIndex samePath(groups);
@@ -134,28 +156,57 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
     }
 
     const bool dryRun = options.removal == Removal::DryRun;
+    const bool json = options.format == OutputFormat::Json;
     settings.moveToTrash = options.removal != Removal::Delete;
-    RecordingRemover recorder(dryRun ? nullptr : &remover);
-    const CleaningReport report = clean(groups, settings, prompt, recorder);
-
+    settings.replaceWithHardLinks = options.removal == Removal::Link;
+    const bool linking = options.removal == Removal::Link;
+    std::vector<TrashedCopy> trashed;
     ActResult result;
+    std::vector<std::string> removed;
+    CleaningRun run;
+    run.dryRun = dryRun;
+    run.stop = stop;
+    run.done = [&](const DuplicateFile& m, const RemovalResult& r) {
+        if (!r.ok) {
+            return true;
+        }
+        removed.push_back(m.path);
+        if (!r.trashed.originalPath.empty()) {
+            trashed.push_back({r.trashed, m.seen});
+        }
+        const char* verb = linking ? (dryRun ? "would link: " : "linked: ")
+                                   : (dryRun ? "would remove: " : "removed: ");
+        if (!json && !out(verb + textEscaped(m.path) + "\n")) {
+            result.outputClosed = true;
+            return false;
+        }
+        return true;
+    };
+    const CleaningReport report = clean(groups, settings, prompt, remover, run);
+    result.stopped = report.stopped;
+    if (!trashed.empty()) {
+        noteTrashed(trashed);
+    }
+
     if (report.outcome == CleaningOutcome::Declined) {
         std::fprintf(stderr, "twinsweep-cli: nothing was removed\n");
         result.exitCode = 1;
         return result;
     }
-    if (options.format == OutputFormat::Json) {
-        result.report = jsonSummary(dryRun, recorder.removed, report.bytesFreed, report.failed);
-    } else {
-        for (const std::string& path : recorder.removed) {
-            result.report += (dryRun ? "would remove: " : "removed: ") + textEscaped(path) + "\n";
-        }
-        result.report += textSummary(dryRun, recorder.removed.size(), report.bytesFreed);
+    if (!result.outputClosed) {
+        const std::string summary =
+            json ? jsonSummary(dryRun, removed, report.bytesFreed, report.failed)
+                 : textSummary(dryRun, removed.size(), report.bytesFreed);
+        result.outputClosed = !out(summary);
     }
     if (report.failed > 0) {
-        std::fprintf(stderr, "twinsweep-cli: %lld %s not removed (see the Error lines above)\n",
+        std::fprintf(stderr, "twinsweep-cli: %lld %s not %s (see the Error lines above)\n",
                      static_cast<long long>(report.failed),
-                     report.failed == 1 ? "copy was" : "copies were");
+                     report.failed == 1 ? "copy was" : "copies were",
+                     linking ? "replaced by a link" : "removed");
+        result.exitCode = 1;
+    }
+    if (result.outputClosed) {
         result.exitCode = 1;
     }
     return result;

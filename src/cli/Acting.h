@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/Options.h"
+#include "cli/Output.h"
 #include "selection/Cleaning.h"
 #include "settings/SettingsManager.h"
 
@@ -30,12 +31,16 @@ class CommandLinePrompt : public CleaningPrompt {
 
 struct ActResult {
     int exitCode = 0;
-    std::string report; // for standard output
+    bool outputClosed = false; // standard output went away: stopped there
+    bool stopped = false;      // stopped before the end
 };
 
 // Marks every group as the options say, then removes the marked copies (or,
-// for a dry run, lists them) through the cleaning code the windows use.
+// for a dry run, lists them) through the cleaning code the windows use. Each
+// "removed: " line goes to out as soon as its copy is gone; stop is asked
+// before each removal.
 ActResult markAndClean(const Options& options, SettingsManager& settings, CleaningPrompt& prompt,
-                       FileRemover& remover);
+                       FileRemover& remover, const ReportSink& out,
+                       const std::function<bool()>& stop);
 
 } // namespace twinsweep::cli

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits.h>
 #include <memory>
+#include <poll.h>
 #include <string_view>
 #include <unistd.h>
 
@@ -13,6 +14,7 @@
 #include "cli/Options.h"
 #include "cli/Output.h"
 #include "cli/Progress.h"
+#include "cli/Undo.h"
 #include "engine/FileTools.h"
 #include "engine/SearchJob.h"
 #include "platform/PlatformRemover.h"
@@ -23,15 +25,35 @@ using namespace twinsweep;
 namespace {
 
 constexpr int kExitBadUsage = 2;
-constexpr int kExitInterrupted = 130;
 
 AtomicFlag* cancelFlag = nullptr;
+volatile std::sig_atomic_t lastSignal = 0;
 
-extern "C" void onInterrupt(int) {
-    // A lock-free atomic store: safe in a signal handler.
+extern "C" void onInterrupt(int sig) {
+    // Lock-free stores only: safe in a signal handler.
+    lastSignal = sig;
     if (cancelFlag != nullptr) {
         cancelFlag->store(true);
     }
+}
+
+bool interrupted() {
+    return lastSignal != 0;
+}
+
+// Ctrl-C, SIGTERM and SIGHUP end the run between two steps, never within one;
+// the exit code is 128 + the signal, as shells expect.
+[[noreturn]] void leaveInterrupted() {
+    std::fprintf(stderr, "twinsweep-cli: interrupted\n");
+    std::fflush(nullptr);
+    ::_exit(128 + static_cast<int>(lastSignal));
+}
+
+// A reader that went away shows as an error on the pipe: stop before the
+// next removal rather than remove what can't be reported.
+bool outputGone(int fd) {
+    pollfd p{fd, POLLOUT, 0};
+    return ::poll(&p, 1, 0) == 1 && (p.revents & (POLLERR | POLLHUP | POLLNVAL)) != 0;
 }
 
 bool writeAll(int fd, std::string_view text) {
@@ -75,6 +97,10 @@ int main(int argc, char** argv) {
                    : 1;
     }
 
+    if (options.undo) {
+        return cli::undoLastTrash();
+    }
+
     switch (options.locations) {
     case cli::Locations::PlatformDefault:
         LocationGate::setProcessDefault(LocationGate::platformDefault());
@@ -114,12 +140,15 @@ int main(int argc, char** argv) {
     settings->searchCanceledByUser = false;
 
     cancelFlag = &settings->searchCanceledByUser;
+    // No SA_RESTART: a signal must also end a wait for the terminal or the
+    // cleaning lock.
     struct sigaction action {};
     action.sa_handler = onInterrupt;
     sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
-    ::sigaction(SIGINT, &action, nullptr);
-    ::sigaction(SIGTERM, &action, nullptr);
+    action.sa_flags = 0;
+    for (const int sig : {SIGINT, SIGTERM, SIGHUP}) {
+        ::sigaction(sig, &action, nullptr);
+    }
     ::signal(SIGPIPE, SIG_IGN);
 
     // The engine writes its diagnostic lines to standard output; keep them
@@ -140,35 +169,59 @@ int main(int argc, char** argv) {
         completed = runSearchJob(*settings, *tools);
     }
 
-    // From here on an interrupt can't cut the report short.
-    sigset_t block;
-    sigemptyset(&block);
-    sigaddset(&block, SIGINT);
-    sigaddset(&block, SIGTERM);
-    ::sigprocmask(SIG_BLOCK, &block, nullptr);
     if (!completed || settings->searchCanceledByUser.load()) {
-        std::fprintf(stderr, "twinsweep-cli: interrupted\n");
-        std::fflush(nullptr);
-        ::_exit(kExitInterrupted);
-    }
-
-    if (cli::marks(options)) {
-        PlatformRemover remover;
-        cli::CommandLinePrompt prompt(options.yes, options.removal == cli::Removal::DryRun,
-                                      STDIN_FILENO, stderr);
-        const cli::ActResult acted = cli::markAndClean(options, *settings, prompt, remover);
-        int code = acted.exitCode;
-        if (!writeAll(reportFd, acted.report)) {
-            std::fprintf(stderr, "twinsweep-cli: cannot write the report: %s\n",
-                         std::strerror(errno));
-            code = 1;
-        }
-        // Like the plain report below: leave without taking the records apart.
-        std::fflush(nullptr);
-        ::_exit(code);
+        leaveInterrupted();
     }
 
     const cli::ReportSink sink = [&](std::string_view piece) { return writeAll(reportFd, piece); };
+    if (cli::marks(options)) {
+        const bool dryRun = options.removal == cli::Removal::DryRun;
+        CleaningLock lock;
+        if (!dryRun) {
+            CleaningLock::Outcome taken = lock.tryTake();
+            if (taken == CleaningLock::Outcome::Busy) {
+                std::fprintf(stderr, "twinsweep-cli: %s; waiting for it to end\n",
+                             lock.message().c_str());
+                taken = lock.take(interrupted);
+            }
+            if (taken == CleaningLock::Outcome::Interrupted) {
+                leaveInterrupted();
+            }
+            if (taken != CleaningLock::Outcome::Taken) {
+                std::fprintf(stderr, "twinsweep-cli: %s; nothing was removed\n",
+                             lock.message().c_str());
+                std::fflush(nullptr);
+                ::_exit(1);
+            }
+        }
+        PlatformRemover remover;
+        cli::CommandLinePrompt prompt(options.yes, dryRun, STDIN_FILENO, stderr);
+        bool closed = false;
+        const auto stop = [&] {
+            closed = closed || outputGone(reportFd);
+            return interrupted() || closed;
+        };
+        const cli::ActResult acted =
+            cli::markAndClean(options, *settings, prompt, remover, sink, stop);
+        if (interrupted()) {
+            leaveInterrupted();
+        }
+        if (acted.outputClosed || closed) {
+            std::fprintf(stderr, "twinsweep-cli: standard output is closed; stopped before the "
+                                 "next removal\n");
+        }
+        // Like the plain report below: leave without taking the records apart.
+        std::fflush(nullptr);
+        ::_exit(acted.outputClosed || closed ? 1 : acted.exitCode);
+    }
+
+    // From here on an interrupt can't cut the report short.
+    sigset_t block;
+    sigemptyset(&block);
+    for (const int sig : {SIGINT, SIGTERM, SIGHUP}) {
+        sigaddset(&block, sig);
+    }
+    ::sigprocmask(SIG_BLOCK, &block, nullptr);
     bool written = false;
     switch (options.format) {
     case cli::OutputFormat::Json:

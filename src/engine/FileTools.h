@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -49,9 +50,11 @@ class FileTools {
     unsigned digestThreads = defaultDigestThreads();
     static unsigned defaultDigestThreads();
     // Threads that list folders and read attributes ahead of the walk, which
-    // still takes everything in its own order; 0 lists each folder on the
-    // search thread when the walk enters it.
+    // still takes everything in its own order. They start once the walk's
+    // listings have waited on the disk for walkAheadAfter in all (a cold
+    // cache); a warm walk is quicker on the search thread alone. 0: never.
     unsigned walkThreads = defaultWalkThreads();
+    std::chrono::nanoseconds walkAheadAfter = std::chrono::milliseconds(20);
     static unsigned defaultWalkThreads();
     // Bytes to compare and compared so far, for the progress displays, which
     // may hand in their own before the search starts.

@@ -17,7 +17,7 @@ namespace {
 
 // Entries gathered ahead and not yet used by the walk (about 100 bytes each
 // plus the name), and folder descriptors held for waiting subfolders.
-constexpr std::size_t kBudgetEntries = 16384;
+constexpr std::size_t kBudgetEntries = 4096;
 constexpr int kBudgetFds = 128;
 
 std::atomic<int> heldFds{0};

@@ -1,37 +1,58 @@
 #pragma once
 
-#include <memory>
+#include <atomic>
 #include <string>
 
 namespace twinsweep {
 
 // A text value that shares one buffer until it is written. Every record starts
-// with the same 23-line rule text; sharing it keeps a million records small.
+// with the same 23-line rule text; sharing it keeps a million records small,
+// and one pointer (the count lives with the text) keeps each record smaller.
 class RuleText {
   public:
-    RuleText() : text_(emptyText()) {}
-    RuleText(std::string text) : text_(std::make_shared<const std::string>(std::move(text))) {}
+    RuleText() : block_(emptyBlock()) { retain(); }
+    RuleText(std::string text) : block_(new Block{{1}, std::move(text)}) {}
     RuleText(const char* text) : RuleText(std::string(text)) {}
-    explicit RuleText(std::shared_ptr<const std::string> shared) : text_(std::move(shared)) {}
-
-    RuleText& operator=(std::string text) {
-        text_ = std::make_shared<const std::string>(std::move(text));
+    RuleText(const RuleText& other) : block_(other.block_) { retain(); }
+    RuleText& operator=(const RuleText& other) {
+        Block* old = block_;
+        block_ = other.block_;
+        retain();
+        release(old);
         return *this;
     }
+    RuleText& operator=(std::string text) {
+        Block* old = block_;
+        block_ = new Block{{1}, std::move(text)};
+        release(old);
+        return *this;
+    }
+    ~RuleText() { release(block_); }
 
-    const std::string& str() const { return *text_; }
-    operator const std::string&() const { return *text_; }
-    bool empty() const { return text_->empty(); }
+    const std::string& str() const { return block_->text; }
+    operator const std::string&() const { return block_->text; }
+    bool empty() const { return block_->text.empty(); }
 
     friend bool operator==(const RuleText& a, const RuleText& b) { return a.str() == b.str(); }
     friend bool operator==(const RuleText& a, const std::string& b) { return a.str() == b; }
 
   private:
-    static const std::shared_ptr<const std::string>& emptyText() {
-        static const auto value = std::make_shared<const std::string>();
-        return value;
+    struct Block {
+        std::atomic<long> refs;
+        const std::string text;
+    };
+    void retain() { block_->refs.fetch_add(1, std::memory_order_relaxed); }
+    static void release(Block* block) {
+        if (block->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+            delete block;
+        }
     }
-    std::shared_ptr<const std::string> text_;
+    // Holds a count of its own, so it is never freed.
+    static Block* emptyBlock() {
+        static Block empty{{1}, std::string()};
+        return &empty;
+    }
+    Block* block_;
 };
 
 } // namespace twinsweep

@@ -2,9 +2,31 @@
 
 #include "engine/FileTools.h"
 #include "engine/ProtectedFolders.h"
+#include "engine/SameFile.h"
 #include "settings/SettingsManager.h"
 
 namespace twinsweep {
+
+namespace {
+
+// One file seen under two names (a bind mount, an overlay view) is one
+// member: its later names leave the group.
+void dropSecondViews(File& group, const SameFile& sameFile) {
+    std::vector<DuplicateFilePtr> kept;
+    const auto id = [](const FileIdentity& s) { return SameFile::DevIno{s.device, s.inode}; };
+    for (const DuplicateFilePtr& m : group.duplicates) {
+        bool twice = sameFile(group.path, id(group.seen), m->path, id(m->seen));
+        for (std::size_t i = 0; !twice && i < kept.size(); ++i) {
+            twice = sameFile(kept[i]->path, id(kept[i]->seen), m->path, id(m->seen));
+        }
+        if (!twice) {
+            kept.push_back(m);
+        }
+    }
+    group.duplicates = std::move(kept);
+}
+
+} // namespace
 
 bool runSearchJob(SettingsManager& settings, FileTools& tools) {
     tools.compareLargeFilesByContent = settings.compareLargeFilesByContent;
@@ -14,7 +36,9 @@ bool runSearchJob(SettingsManager& settings, FileTools& tools) {
         tools.findDuplicateFiles(settings.listFolderPaths, settings.minimumFileSize,
                                  settings.maximumFileSize, settings.ignorePackages, extensions);
     const bool completed = !tools.runWasCancelled();
+    const SameFile sameFile;
     for (const FilePtr& file : settings.fileList) {
+        dropSecondViews(*file, sameFile);
         if (file->duplicates.empty()) {
             continue;
         }

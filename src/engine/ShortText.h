@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <ostream>
@@ -8,9 +9,9 @@
 
 namespace twinsweep {
 
-// A text that is nearly always short (a file's extension), in 16 bytes: up to
-// 15 bytes are kept in place, a longer text on the heap. Every record carries
-// one, so it is half the size of a std::string.
+// A text that is nearly always short (a file's extension), in 8 bytes: up to
+// 7 bytes are kept in place, a longer text on the heap. Every record carries
+// one, so it is a quarter of the size of a std::string.
 class ShortText {
   public:
     ShortText() { setInline({}); }
@@ -50,9 +51,9 @@ class ShortText {
 
     std::string_view view() const {
         if (onHeap()) {
-            return {heapPointer(), heapLength()};
+            return {heapBlock() + sizeof(std::uint32_t), heapLength()};
         }
-        return {bytes_, static_cast<std::size_t>(bytes_[kLast])};
+        return {bytes_, static_cast<std::size_t>(static_cast<unsigned char>(bytes_[kLast]) & 0x7F)};
     }
     std::string str() const { return std::string(view()); }
     operator std::string_view() const { return view(); }
@@ -71,18 +72,22 @@ class ShortText {
     }
 
   private:
-    static constexpr std::size_t kLast = 15;
-    static constexpr unsigned char kHeapMark = 0x80;
+    // Up to 7 bytes in place, the eighth holding 0x80 | length. A longer text
+    // lives on the heap behind a 32-bit length, its pointer in place: the top
+    // byte of a user-space pointer is 0 on the 64-bit little-endian targets.
+    static constexpr std::size_t kLast = 7;
+    static constexpr unsigned char kInlineMark = 0x80;
+    static_assert(sizeof(char*) == 8 && std::endian::native == std::endian::little);
 
-    bool onHeap() const { return static_cast<unsigned char>(bytes_[kLast]) == kHeapMark; }
-    const char* heapPointer() const {
+    bool onHeap() const { return (static_cast<unsigned char>(bytes_[kLast]) & kInlineMark) == 0; }
+    const char* heapBlock() const {
         const char* p = nullptr;
         std::memcpy(&p, bytes_, sizeof p);
         return p;
     }
     std::size_t heapLength() const {
         std::uint32_t n = 0;
-        std::memcpy(&n, bytes_ + sizeof(char*), sizeof n);
+        std::memcpy(&n, heapBlock(), sizeof n);
         return n;
     }
     void setInline(std::string_view text) {
@@ -90,29 +95,27 @@ class ShortText {
         if (!text.empty()) { // an empty view may have no data at all
             std::memcpy(bytes_, text.data(), text.size());
         }
-        bytes_[kLast] = static_cast<char>(text.size());
+        bytes_[kLast] = static_cast<char>(kInlineMark | text.size());
     }
     void set(std::string_view text) {
         if (text.size() <= kLast) {
             setInline(text);
             return;
         }
-        char* p = new char[text.size()];
-        std::memcpy(p, text.data(), text.size());
         const auto n = static_cast<std::uint32_t>(text.size());
-        std::memset(bytes_, 0, sizeof bytes_);
+        char* p = new char[sizeof n + text.size()];
+        std::memcpy(p, &n, sizeof n);
+        std::memcpy(p + sizeof n, text.data(), text.size());
         std::memcpy(bytes_, &p, sizeof p);
-        std::memcpy(bytes_ + sizeof(char*), &n, sizeof n);
-        bytes_[kLast] = static_cast<char>(kHeapMark);
     }
     void release() {
         if (onHeap()) {
-            delete[] heapPointer();
+            delete[] heapBlock();
             setInline({});
         }
     }
 
-    char bytes_[16];
+    char bytes_[8];
 };
 
 } // namespace twinsweep

@@ -11,6 +11,8 @@
 // search thread, in walk order.
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
@@ -62,11 +64,7 @@ class FileTools::Walk {
          std::uint64_t minimum, std::uint64_t maximum)
         : tools_(tools), state_(*tools.walk_), rules_{&tools.locationGate, &tools.packageSet_,
                                                       &extensions, ignorePackages},
-          minimum_(minimum), maximum_(maximum), chain_(workingFolder()) {
-        if (tools.walkThreads > 0) {
-            pool_ = std::make_unique<ListingPool>(tools.walkThreads, rules_);
-        }
-    }
+          minimum_(minimum), maximum_(maximum), chain_(workingFolder()) {}
 
     void run(const std::vector<std::string>& folders) {
         if (tools_.canceled() || !listTopFolders(folders)) {
@@ -129,7 +127,8 @@ class FileTools::Walk {
             return true;
         }
         if (pool_) {
-            for (std::size_t k = 0; k < top.dirs.size(); ++k) {
+            // Each submission goes to the front: the first folder's last.
+            for (std::size_t k = top.dirs.size(); k-- > 0;) {
                 pool_->submit(*top.dirs[k], top.fds[k]);
             }
         }
@@ -169,9 +168,27 @@ class FileTools::Walk {
                        const std::string& path) {
         // With a pool, the attributes are read while listing and subfolders
         // are queued; without, each is read when the walk reaches it.
-        FolderFdPtr fd = gatherListing(node, parentFd, name.c_str(), path,
-                                       pool_ ? &rules_ : nullptr, pool_ != nullptr);
+        if (pool_) {
+            return gatherListing(node, parentFd, name.c_str(), path, &rules_, true);
+        }
+        const Clock::time_point start = Clock::now();
+        const std::int64_t cpu = threadCpuNanos();
+        FolderFdPtr fd = gatherListing(node, parentFd, name.c_str(), path, nullptr, false);
+        waited_ +=
+            std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - start).count() -
+            (threadCpuNanos() - cpu);
+        // Listings that wait on the disk: the cache is cold, so gather ahead
+        // on threads from here on. A warm walk is quicker on its own.
+        if (tools_.walkThreads > 0 && waited_ >= tools_.walkAheadAfter.count()) {
+            pool_ = std::make_unique<ListingPool>(tools_.walkThreads, rules_);
+        }
         return fd;
+    }
+
+    static std::int64_t threadCpuNanos() {
+        timespec ts{};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
+        return static_cast<std::int64_t>(ts.tv_sec) * 1000000000 + ts.tv_nsec;
     }
 
     // One entry; false when the level must end (cancelled).
@@ -344,6 +361,8 @@ class FileTools::Walk {
     std::vector<Frame> frames_;
     std::string path_; // the absolute path of the entry being examined
     std::unique_ptr<ListingPool> pool_;
+    using Clock = std::chrono::steady_clock;
+    std::int64_t waited_ = 0; // time the listings spent waiting, not computing
 };
 
 unsigned FileTools::defaultWalkThreads() {

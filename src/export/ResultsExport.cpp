@@ -7,11 +7,6 @@ namespace twinsweep {
 
 namespace {
 
-// The digest text of a group head; "" when it has none (compared by size).
-std::string digestOf(const FileTools& tools, File& head) {
-    return tools.digestText(head);
-}
-
 void appendCsvField(std::string& out, std::string_view field) {
     if (field.find_first_of(",\"\r\n") == std::string_view::npos) {
         out.append(field);
@@ -50,7 +45,8 @@ bool writeJsonExport(const FileList& groups, const FileTools& tools, ExportField
         out += ",\"ext\":" + jsonString(head.ext);
         out += ",\"category\":\"";
         out += categoryName(tools.categoryOf(head));
-        const std::string digest = digestOf(tools, head);
+        // Computed on demand (and kept); files compared by size alone have none.
+        const std::string digest = tools.digestText(head);
         out += "\",\"md5\":" + (digest.empty() ? std::string("null") : jsonString(digest));
         out += ",\"members\":[";
         for (std::size_t m = 0; m < head.duplicates.size(); ++m) {

@@ -1,75 +1,160 @@
 #include "platform/PlatformRemover.h"
 
-#include <QFile>
 #include <cerrno>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#include <ftw.h>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "platform/HardLink.h"
+#include "platform/Trash.h"
+#include "platform/TreeWalk.h"
+#include "selection/Fd.h"
 
 namespace twinsweep {
 
 namespace {
 
 RemovalResult failure(const std::string& path, const std::string& why) {
-    return {false, path + ": " + why};
+    RemovalResult r;
+    r.ok = false;
+    r.error = path + ": " + why;
+    return r;
 }
 
-RemovalResult failure(const std::string& path, int err) {
-    return failure(path, std::strerror(err));
-}
-
-thread_local int firstError = 0;
-
-int removeEntry(const char* path, const struct stat*, int, struct FTW*) {
-    if (::remove(path) != 0 && firstError == 0) {
-        firstError = errno;
+std::string lockPath() {
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    if (runtime != nullptr && runtime[0] == '/') {
+        return std::string(runtime) + "/twinsweep-clean.lock";
     }
-    return 0; // go on: remove as much as can be removed
+    const std::string trash = Trash::homePath();
+    return trash.empty() ? std::string() : trash + "/twinsweep-clean.lock";
 }
 
 } // namespace
 
-RemovalResult PlatformRemover::moveToTrash(const std::string& path) {
-    struct stat st {};
-    if (::lstat(path.c_str(), &st) != 0) {
-        return failure(path, errno);
+RemovalResult PlatformRemover::moveToTrash(const RemovalTarget& target) {
+#ifdef __APPLE__
+    // The user's Trash on the start-up volume, by rename only, never over
+    // another item.
+    const char* home = std::getenv("HOME");
+    const Fd trash(home != nullptr ? openOrMakeFolder(std::string(home) + "/.Trash") : -1);
+    if (!trash.ok()) {
+        return failure(target.path, std::string("no Trash: ") + std::strerror(errno));
     }
-    // Qt takes names as Unicode text; a name that is not valid UTF-8 would
-    // reach the Trash as another name, so it is refused instead.
-    const QString name = QFile::decodeName(path.c_str());
-    if (QFile::encodeName(name) != QByteArray(path.data(), static_cast<qsizetype>(path.size()))) {
-        return failure(path, "the name is not valid UTF-8, so it can't be moved to the Trash; "
-                             "nothing was removed");
+    for (int i = 0; i < 200; ++i) {
+        const std::string name = i == 0 ? target.name : target.name + " " + std::to_string(i + 1);
+        if (renameNoReplace(target.folderFd, target.entry, trash.get(), name) == 0) {
+            RemovalResult r;
+            r.trashed = {target.path, std::string(home) + "/.Trash/" + name, ""};
+            return r;
+        }
+        if (errno != EEXIST) {
+            return failure(target.path, std::strerror(errno));
+        }
     }
-    QFile file(name);
-    if (!file.moveToTrash()) {
-        const QString why = file.errorString();
-        return failure(path, why.isEmpty() ? std::string("could not be moved to the Trash")
-                                           : why.toStdString());
-    }
-    return {};
+    return failure(target.path, "the Trash holds too many items of this name");
+#else
+    return Trash::moveAt(target.folderFd, target.entry, target.path);
+#endif
 }
 
-RemovalResult PlatformRemover::removeForGood(const std::string& path) {
+RemovalResult PlatformRemover::replaceWithLink(const RemovalTarget& target) {
+    return replaceWithHardLink(target);
+}
+
+RemovalResult PlatformRemover::removeForGood(const RemovalTarget& target) {
     struct stat st {};
-    if (::lstat(path.c_str(), &st) != 0) {
-        return failure(path, errno);
+    if (::fstatat(target.folderFd, target.entry.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
+        return failure(target.path, std::strerror(errno));
     }
     if (!S_ISDIR(st.st_mode)) {
-        return ::unlink(path.c_str()) == 0 ? RemovalResult{} : failure(path, errno);
+        if (::unlinkat(target.folderFd, target.entry.c_str(), 0) != 0) {
+            return failure(target.path, std::strerror(errno));
+        }
+        return {};
     }
-    // Depth first, links removed as links, never followed; one folder at a
-    // time on the calling thread.
-    firstError = 0;
-    if (::nftw(path.c_str(), removeEntry, 32, FTW_DEPTH | FTW_PHYS) != 0) {
-        return failure(path, errno);
+    const TreeRemoval t = removeTreeAt(target.folderFd, target.entry);
+    if (t.complete) {
+        return {};
     }
-    if (firstError != 0) {
-        return failure(path, firstError);
+    RemovalResult r;
+    r.ok = false;
+    r.partial = t.bytesFreed > 0 || t.remaining.size() > 1 ||
+                (t.remaining.size() == 1 && t.remaining[0].rfind(".: ", 0) != 0);
+    r.bytesFreed = t.bytesFreed;
+    std::string left;
+    for (std::size_t i = 0; i < t.remaining.size() && i < 3; ++i) {
+        left += (i ? "; " : "") + t.remaining[i];
     }
-    return {};
+    if (t.remaining.size() > 3) {
+        left += "; and " + std::to_string(t.remaining.size() - 3) + " more";
+    }
+    r.error = target.path + ": " +
+              (r.partial ? "removed only in part, what remains: " : "not removed: ") + left;
+    return r;
+}
+
+CleaningLock::~CleaningLock() {
+    if (fd_ >= 0) {
+        ::close(fd_); // closing the descriptor releases the lock
+    }
+}
+
+CleaningLock::Outcome CleaningLock::open() {
+    if (fd_ >= 0) {
+        return Outcome::Taken;
+    }
+    const std::string path = lockPath();
+    if (path.empty()) {
+        message_ = "no place for the cleaning lock (neither XDG_RUNTIME_DIR nor a home folder)";
+        return Outcome::Failed;
+    }
+    const Fd folder(openOrMakeFolder(parentOf(path)));
+    if (folder.ok()) {
+        fd_ = ::openat(folder.get(), lastComponent(path).c_str(),
+                       O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    }
+    if (fd_ < 0) {
+        message_ = "can't open the cleaning lock " + path + ": " + std::strerror(errno);
+        return Outcome::Failed;
+    }
+    message_ = "another cleaning is running (lock " + path + ")";
+    return Outcome::Busy;
+}
+
+CleaningLock::Outcome CleaningLock::tryTake() {
+    const Outcome opened = open();
+    if (opened == Outcome::Failed) {
+        return opened;
+    }
+    if (::flock(fd_, LOCK_EX | LOCK_NB) == 0) {
+        return Outcome::Taken;
+    }
+    if (errno != EWOULDBLOCK) {
+        message_ = std::string("can't take the cleaning lock: ") + std::strerror(errno);
+        return Outcome::Failed;
+    }
+    return Outcome::Busy;
+}
+
+CleaningLock::Outcome CleaningLock::take(bool (*stop)()) {
+    const Outcome first = tryTake();
+    if (first != Outcome::Busy) {
+        return first;
+    }
+    while (::flock(fd_, LOCK_EX) != 0) {
+        if (errno != EINTR) {
+            message_ = std::string("can't take the cleaning lock: ") + std::strerror(errno);
+            return Outcome::Failed;
+        }
+        if (stop != nullptr && stop()) {
+            return Outcome::Interrupted;
+        }
+    }
+    return Outcome::Taken;
 }
 
 } // namespace twinsweep

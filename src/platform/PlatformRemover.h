@@ -1,18 +1,46 @@
 #pragma once
 
-#include "selection/Cleaning.h"
+#include <string>
+
+#include "selection/Removal.h"
 
 namespace twinsweep {
 
-// Removal as the platform does it: the user's Trash (the freedesktop Trash on
-// Linux, with its .trashinfo record, so the file manager can put it back), or
-// deletion for good. Works without an application object.
+// Removal as the platform does it, always relative to the copy's open folder:
+// the user's Trash (our own freedesktop Trash; the system's on macOS), or
+// deletion for good. A folder deleted for good goes with everything in it on
+// its own file system; what can't go is reported, and only what went counts
+// as freed.
 class PlatformRemover : public FileRemover {
   public:
-    RemovalResult moveToTrash(const std::string& path) override;
-    // A folder goes with everything in it; a symbolic link goes itself, never
-    // what it points to.
-    RemovalResult removeForGood(const std::string& path) override;
+    RemovalResult moveToTrash(const RemovalTarget& target) override;
+    RemovalResult removeForGood(const RemovalTarget& target) override;
+    RemovalResult replaceWithLink(const RemovalTarget& target) override;
+};
+
+// One cleaning at a time per user: an advisory lock on a file in
+// $XDG_RUNTIME_DIR, or in the home Trash when that is unset. Released when
+// the object goes (or the process ends, however it ends).
+class CleaningLock {
+  public:
+    CleaningLock() = default;
+    ~CleaningLock();
+    CleaningLock(const CleaningLock&) = delete;
+    CleaningLock& operator=(const CleaningLock&) = delete;
+
+    enum class Outcome { Taken, Busy, Failed, Interrupted };
+    // Takes the lock without waiting (Busy when another cleaning holds it).
+    Outcome tryTake();
+    // Waits for it; returns Interrupted when a signal arrives meanwhile and
+    // stop() says so.
+    Outcome take(bool (*stop)());
+    // Why it failed, or who holds it, in words.
+    const std::string& message() const { return message_; }
+
+  private:
+    Outcome open();
+    int fd_ = -1;
+    std::string message_;
 };
 
 } // namespace twinsweep

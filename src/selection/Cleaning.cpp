@@ -1,13 +1,12 @@
 #include "selection/Cleaning.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 
 #include "engine/Diagnostics.h"
 #include "engine/ProtectedFolders.h"
+#include "engine/SameFile.h"
+#include "selection/CopyRemoval.h"
 #include "selection/KeepOptions.h"
-#include "selection/SameContents.h"
 
 namespace twinsweep {
 
@@ -35,58 +34,8 @@ const AlertText& alertText(CleaningAlert alert) {
     return done;
 }
 
-bool stillAsSeen(const DuplicateFile& member, std::string& reason) {
-    if (!member.seen.known) {
-        reason = member.path + ": not seen by the search, not removed";
-        return false;
-    }
-    errno = 0;
-    const FileIdentity now = identityOf(member.path);
-    if (!now.known) {
-        const int err = errno != 0 ? errno : ENOENT;
-        reason = member.path + ": " + std::strerror(err);
-        return false;
-    }
-    if (now.device != member.seen.device || now.inode != member.seen.inode) {
-        reason = member.path + ": replaced by another file since the search, not removed";
-        return false;
-    }
-    if (now.size != member.seen.size || now.mtimeSec != member.seen.mtimeSec ||
-        now.mtimeNsec != member.seen.mtimeNsec) {
-        reason = member.path + ": changed since the search, not removed";
-        return false;
-    }
-    return true;
-}
-
-bool sameAsAKeptCopy(const File& group, const DuplicateFile& member, std::string& reason) {
-    bool anyKept = false;
-    std::string keptReason;
-    for (const DuplicateFilePtr& k : group.duplicates) {
-        if (k->checkState == 1 || k->path == member.path) {
-            continue;
-        }
-        anyKept = true;
-        // Only a kept copy that is still what the search saw vouches for it.
-        if (!stillAsSeen(*k, keptReason)) {
-            continue;
-        }
-        if (sameContents(member.path, k->path, reason)) {
-            return true;
-        }
-        reason += ", not removed";
-        return false;
-    }
-    if (!anyKept) {
-        return true; // the user chose to remove the whole group
-    }
-    reason =
-        member.path + ": no kept copy is left to compare with (" + keptReason + "), not removed";
-    return false;
-}
-
 CleaningReport clean(const FileList& listed, SettingsManager& settings, CleaningPrompt& prompt,
-                     FileRemover& remover) {
+                     FileRemover& remover, const CleaningRun& run) {
     CleaningReport report;
     const bool anyMarked = std::any_of(listed.begin(), listed.end(),
                                        [](const FilePtr& g) { return markedCount(*g) >= 1; });
@@ -102,12 +51,24 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
         return report;
     }
     const bool toTrash = settings.moveToTrash;
-    if (!toTrash && !prompt.ask(CleaningAlert::PermanentDeletion)) {
+    // Links lose nothing: no permanent-deletion question for them.
+    if (!toTrash && !settings.replaceWithHardLinks &&
+        !prompt.ask(CleaningAlert::PermanentDeletion)) {
         report.outcome = CleaningOutcome::Declined;
         return report;
     }
 
     report.outcome = CleaningOutcome::Cleaned;
+    CopyAction act = run.action;
+    if (!act) {
+        act = [&](const RemovalTarget& target) {
+            if (settings.replaceWithHardLinks) {
+                return remover.replaceWithLink(target);
+            }
+            return toTrash ? remover.moveToTrash(target) : remover.removeForGood(target);
+        };
+    }
+    const SameFile sameFile;
     // listed may be settings.duplicateFileList itself, which pruning edits.
     const FileList groups = listed;
     for (const FilePtr& group : groups) {
@@ -116,29 +77,36 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
             if (m->checkState != 1) {
                 continue;
             }
-            std::string reason;
+            if (run.stop && run.stop()) {
+                report.stopped = true;
+                return report;
+            }
             RemovalResult result;
             if (isProtectedCopy(*m, settings.protectedFolders)) {
-                result = {false, m->path + ": in a protected folder, not removed"};
-            } else if (!stillAsSeen(*m, reason) || !sameAsAKeptCopy(*group, *m, reason)) {
-                result = {false, reason};
-            } else {
-                result = toTrash ? remover.moveToTrash(m->path) : remover.removeForGood(m->path);
+                result.ok = false;
+                result.error = m->path + ": in a protected folder, not removed";
+            } else if (!run.dryRun) {
+                result = actOnCopy(*group, *m, act, sameFile);
             }
             if (result.ok) {
                 ++report.removed;
-                report.bytesFreed += group->size;
+                report.bytesFreed += result.partial ? result.bytesFreed : group->size;
             } else {
                 ++report.failed;
+                report.bytesFreed += result.bytesFreed;
                 printErrorLine("Error:  ", result.error);
             }
             std::erase_if(group->duplicates,
                           [&](const DuplicateFilePtr& d) { return d->path == m->path; });
-        }
-        if (group->duplicates.size() < 2) {
-            const std::string path = group->path;
-            std::erase_if(settings.duplicateFileList,
-                          [&](const FilePtr& g) { return g->path == path; });
+            if (group->duplicates.size() < 2) {
+                const std::string path = group->path;
+                std::erase_if(settings.duplicateFileList,
+                              [&](const FilePtr& g) { return g->path == path; });
+            }
+            if (run.done && !run.done(*m, result)) {
+                report.stopped = true;
+                return report;
+            }
         }
     }
     return report;

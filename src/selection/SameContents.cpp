@@ -6,7 +6,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -42,35 +41,16 @@ class Descriptor {
     int fd_;
 };
 
-bool sameFileBytes(const std::string& a, const std::string& b, std::string& reason) {
-    // Never follow a link and never block on something that is not a file.
-    const int flags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
-    const Descriptor fa(::open(a.c_str(), flags));
-    if (fa.get() < 0) {
-        reason = failure(a, errno);
-        return false;
-    }
-    const Descriptor fb(::open(b.c_str(), flags));
-    if (fb.get() < 0) {
-        reason = failure(b, errno);
-        return false;
-    }
-    struct stat sa {};
-    struct stat sb {};
-    if (::fstat(fa.get(), &sa) != 0 || ::fstat(fb.get(), &sb) != 0 || !S_ISREG(sa.st_mode) ||
-        !S_ISREG(sb.st_mode) || sa.st_size != sb.st_size) {
-        reason = differ(a, b);
-        return false;
-    }
+bool sameBytes(int fa, int fb, const std::string& a, const std::string& b, std::string& reason) {
     std::vector<unsigned char> bufA(kChunk);
     std::vector<unsigned char> bufB(kChunk);
     for (;;) {
-        const ssize_t na = readFully(fa.get(), bufA.data(), kChunk);
+        const ssize_t na = readFully(fa, bufA.data(), kChunk);
         if (na < 0) {
             reason = failure(a, errno);
             return false;
         }
-        const ssize_t nb = readFully(fb.get(), bufB.data(), kChunk);
+        const ssize_t nb = readFully(fb, bufB.data(), kChunk);
         if (nb < 0) {
             reason = failure(b, errno);
             return false;
@@ -85,17 +65,10 @@ bool sameFileBytes(const std::string& a, const std::string& b, std::string& reas
     }
 }
 
-// The names inside a folder, sorted; false with errno set when it can't be listed.
-bool folderNames(const std::string& path, std::vector<std::string>& names) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (fd < 0) {
-        return false;
-    }
-    DIR* dir = ::fdopendir(fd);
+// The names inside an open folder, sorted; false with errno set when it can't be listed.
+bool folderNames(int fd, std::vector<std::string>& names) {
+    DIR* dir = ::fdopendir(::dup(fd));
     if (dir == nullptr) {
-        const int err = errno;
-        ::close(fd);
-        errno = err;
         return false;
     }
     errno = 0;
@@ -113,9 +86,9 @@ bool folderNames(const std::string& path, std::vector<std::string>& names) {
     return err == 0;
 }
 
-bool linkText(const std::string& path, std::string& out) {
+bool linkText(int dirFd, const std::string& entry, std::string& out) {
     char buf[PATH_MAX];
-    const ssize_t n = ::readlink(path.c_str(), buf, sizeof buf);
+    const ssize_t n = ::readlinkat(dirFd, entry.c_str(), buf, sizeof buf);
     if (n < 0) {
         return false;
     }
@@ -123,65 +96,101 @@ bool linkText(const std::string& path, std::string& out) {
     return true;
 }
 
-bool sameItems(const std::string& a, const std::string& b, std::string& reason) {
+// Opens an entry for reading without following a link or blocking on
+// something that is not a file, and checks it is what was expected.
+int openEntry(const EntryAt& e, struct stat& st, std::string& reason) {
+    const int flags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
+    const int fd = ::openat(e.folderFd, e.entry.c_str(), flags);
+    if (fd < 0) {
+        reason = failure(e.path, errno == ELOOP ? ENOENT : errno);
+        return -1;
+    }
+    if (::fstat(fd, &st) != 0 || (e.expected != nullptr && (st.st_dev != e.expected->st_dev ||
+                                                            st.st_ino != e.expected->st_ino))) {
+        reason = e.path + ": replaced by another file since the search, not removed";
+        ::close(fd);
+        return -1;
+    }
+    return fd;
+}
+
+bool sameItems(const EntryAt& a, const EntryAt& b, std::string& reason) {
     struct stat sa {};
     struct stat sb {};
-    if (::lstat(a.c_str(), &sa) != 0) {
-        reason = failure(a, errno);
+    if (::fstatat(a.folderFd, a.entry.c_str(), &sa, AT_SYMLINK_NOFOLLOW) != 0) {
+        reason = failure(a.path, errno);
         return false;
     }
-    if (::lstat(b.c_str(), &sb) != 0) {
-        reason = failure(b, errno);
+    if (::fstatat(b.folderFd, b.entry.c_str(), &sb, AT_SYMLINK_NOFOLLOW) != 0) {
+        reason = failure(b.path, errno);
         return false;
     }
     if (sa.st_dev == sb.st_dev && sa.st_ino == sb.st_ino) {
-        reason = a + ": the same file as " + b;
+        reason = a.path + ": the same file as " + b.path;
         return false;
     }
     if ((sa.st_mode & S_IFMT) != (sb.st_mode & S_IFMT)) {
-        reason = differ(a, b);
+        reason = differ(a.path, b.path);
         return false;
-    }
-    if (S_ISREG(sa.st_mode)) {
-        return sameFileBytes(a, b, reason);
     }
     if (S_ISLNK(sa.st_mode)) {
         std::string ta;
         std::string tb;
-        if (!linkText(a, ta)) {
-            reason = failure(a, errno);
+        if (!linkText(a.folderFd, a.entry, ta)) {
+            reason = failure(a.path, errno);
             return false;
         }
-        if (!linkText(b, tb)) {
-            reason = failure(b, errno);
+        if (!linkText(b.folderFd, b.entry, tb)) {
+            reason = failure(b.path, errno);
             return false;
         }
         if (ta != tb) {
-            reason = differ(a, b);
+            reason = differ(a.path, b.path);
             return false;
         }
         return true;
     }
-    if (!S_ISDIR(sa.st_mode)) {
-        reason = differ(a, b); // nothing to compare in a FIFO, socket or device
+    if (!S_ISREG(sa.st_mode) && !S_ISDIR(sa.st_mode)) {
+        reason = differ(a.path, b.path); // nothing to compare in a FIFO, socket or device
         return false;
+    }
+    const Descriptor fa(openEntry(a, sa, reason));
+    if (fa.get() < 0) {
+        return false;
+    }
+    const Descriptor fb(openEntry(b, sb, reason));
+    if (fb.get() < 0) {
+        return false;
+    }
+    if ((sa.st_mode & S_IFMT) != (sb.st_mode & S_IFMT)) {
+        reason = differ(a.path, b.path);
+        return false;
+    }
+    if (S_ISREG(sa.st_mode)) {
+        if (sa.st_size != sb.st_size) {
+            reason = differ(a.path, b.path);
+            return false;
+        }
+        return sameBytes(fa.get(), fb.get(), a.path, b.path, reason);
     }
     std::vector<std::string> na;
     std::vector<std::string> nb;
-    if (!folderNames(a, na)) {
-        reason = failure(a, errno);
+    if (!folderNames(fa.get(), na)) {
+        reason = failure(a.path, errno);
         return false;
     }
-    if (!folderNames(b, nb)) {
-        reason = failure(b, errno);
+    if (!folderNames(fb.get(), nb)) {
+        reason = failure(b.path, errno);
         return false;
     }
     if (na != nb) {
-        reason = differ(a, b);
+        reason = differ(a.path, b.path);
         return false;
     }
     for (const std::string& name : na) {
-        if (!sameItems(a + "/" + name, b + "/" + name, reason)) {
+        const std::string pa = a.path + "/" + name;
+        const std::string pb = b.path + "/" + name;
+        if (!sameItems({fa.get(), name, pa}, {fb.get(), name, pb}, reason)) {
             return false;
         }
     }
@@ -190,7 +199,7 @@ bool sameItems(const std::string& a, const std::string& b, std::string& reason) 
 
 } // namespace
 
-bool sameContents(const std::string& a, const std::string& b, std::string& reason) {
+bool sameContents(const EntryAt& a, const EntryAt& b, std::string& reason) {
     return sameItems(a, b, reason);
 }
 

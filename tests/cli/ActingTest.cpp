@@ -154,7 +154,7 @@ TEST_F(Acting, QuestionsNeedYesOrATerminal) {
     r = run({"--keep", "oldest", "--delete"}, slave);
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(filesLeft(), 2);
-    EXPECT_FALSE(exists(trash));
+    EXPECT_FALSE(exists(trash + "/files")); // only the cleaning lock lives there
     ::close(slave);
     ::close(master);
 
@@ -187,6 +187,9 @@ TEST_F(Acting, RulesFileMarksWithTheKeepOneAnswer) {
 
 TEST_F(Acting, BadCombinationsAndRuleFilesStopBeforeAnything) {
     const std::string bad = tree.write("bad-rules.txt", "0\n0\nsoon\n");
+    const std::string fifo = tree.path("rules.fifo");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0); // must not block the tool
+    const std::string huge = tree.writeSized("huge.txt", (1 << 20) + 1, '\n');
     const std::vector<std::vector<std::string>> cases = {
         {"--keep", "some"},
         {"--keep", "all", "--rules", bad},
@@ -196,6 +199,9 @@ TEST_F(Acting, BadCombinationsAndRuleFilesStopBeforeAnything) {
         {"--keep", "none", "--trash", "--delete"},
         {"--rules", bad},
         {"--rules", tree.path("missing.txt")},
+        {"--rules", fifo},
+        {"--rules", tree.path("files")},
+        {"--rules", huge},
         {"--rules", tree.write("ok.txt", twinsweep::defaultRuleText()), "--keep-one", "maybe"},
     };
     for (const auto& args : cases) {
@@ -203,6 +209,10 @@ TEST_F(Acting, BadCombinationsAndRuleFilesStopBeforeAnything) {
         EXPECT_EQ(r.status, 2) << args.back();
         EXPECT_EQ(r.out, "");
         EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
+        if (args.size() == 2 && args.front() == "--rules" &&
+            args.back() != tree.path("missing.txt")) {
+            EXPECT_NE(r.err.find("docs/rules.md"), std::string::npos) << r.err;
+        }
     }
     EXPECT_EQ(filesLeft(), 5);
 }

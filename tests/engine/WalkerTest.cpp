@@ -345,6 +345,7 @@ TEST_F(Walker, TwentyThousandLevelsAreWalkedInOrderWithFewDescriptors) {
     for (unsigned threads : {0U, 3U}) {
         FileTools tools;
         tools.walkThreads = threads;
+        tools.walkAheadAfter = {};
         tools.locationGate = LocationGate::macLayoutUnder(tree.root());
         tools.scanFolders({top}, true, {}, 0, UINT64_MAX);
         ASSERT_EQ(tools.fileList.size(), sizes.size()) << threads;
@@ -413,6 +414,7 @@ TEST_F(Walker, ListingAheadOnThreadsChangesNothingTheWalkShows) {
         });
         FileTools tools;
         tools.walkThreads = threads;
+        tools.walkAheadAfter = {}; // as on a cold cache
         tools.locationGate = LocationGate::macLayoutUnder(tree.root());
         StdoutCapture out;
         tools.scanFolders({tree.path("Users/b/2"), tree.path("Users")}, ignorePackages,

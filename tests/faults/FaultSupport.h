@@ -4,8 +4,10 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace twinsweep::testing {
@@ -42,9 +44,42 @@ struct CliRun {
     std::vector<std::string> env;
     // Run as an ordinary user (nobody) when the tests run as root.
     bool unprivileged = false;
+    // Called with the tool's process id while it runs (to signal it, say).
+    std::function<void(pid_t)> whileRunning;
+    // Standard output is a pipe nobody reads any more.
+    bool closedOutput = false;
+    std::string cwd;
 };
 
 CliOutcome runCli(const CliRun& run);
+
+// A run of the tool in the background (no terminal).
+struct RunningCli {
+    pid_t pid = -1;
+    std::string outPath;
+    std::string errPath;
+    std::shared_ptr<void> scratch;
+};
+RunningCli startCli(const CliRun& run);
+CliOutcome finishCli(const RunningCli& running);
+// Waits (up to a minute) until the file at path holds needle.
+bool waitForText(const std::string& path, const std::string& needle);
+
+// Moves this test process into a mount namespace of its own, so tests may
+// mount; false (skip) when the system does not allow it.
+bool privateMounts();
+
+// Waits for the first access to a file in folder (inotify), then stops the
+// process pid (SIGSTOP) and returns; false when nothing came within a minute.
+class AccessWatch {
+  public:
+    explicit AccessWatch(const std::string& folder);
+    ~AccessWatch();
+    bool stopOnAccess(pid_t pid);
+
+  private:
+    int fd_ = -1;
+};
 inline CliOutcome runCli(std::vector<std::string> args) {
     CliRun run;
     run.args = std::move(args);

@@ -4,7 +4,10 @@
 #include <utility>
 #include <vector>
 
+#include <sys/stat.h>
+
 #include "engine/File.h"
+#include "engine/FolderRegistry.h"
 
 namespace twinsweep::testing {
 
@@ -16,6 +19,10 @@ inline FilePtr makeGroup(const std::vector<std::pair<std::string, std::string>>&
     for (const auto& [path, date] : pathsAndDates) {
         auto member = std::make_shared<DuplicateFile>(path, date, 0);
         member->seen = identityOf(path);
+        struct stat folder {};
+        if (::stat(path.substr(0, path.find_last_of('/')).c_str(), &folder) == 0) {
+            member->folder = FolderRegistry::remember(folder.st_dev, folder.st_ino);
+        }
         group->duplicates.push_back(member);
     }
     return group;

@@ -1,12 +1,14 @@
 // Cleaning from the window: the core decides what goes and asks through the
 // window's alerts; the platform removes.
 #include <QPushButton>
+#include <QThread>
 
 #include "engine/ProtectedFolders.h"
 #include "platform/PlatformRemover.h"
 #include "selection/Cleaning.h"
 #include "ui/duplicates/GroupsModel.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
+#include "ui/main/UndoClean.h"
 #include "ui/shell/Alert.h"
 
 namespace twinsweep::ui {
@@ -36,8 +38,33 @@ void ViewControllerDuplicates::OnClean() {
     waitForBackgroundJobs();
     categoriesChanged = false;
     AlertPrompt prompt(this);
+    // One cleaning at a time per user, the command-line tool included. The
+    // window can't wait long on it: after a moment it says so and changes
+    // nothing.
+    CleaningLock lock;
+    CleaningLock::Outcome taken = lock.tryTake();
+    for (int i = 0; i < 20 && taken == CleaningLock::Outcome::Busy; ++i) {
+        QThread::msleep(100);
+        taken = lock.tryTake();
+    }
+    if (taken != CleaningLock::Outcome::Taken) {
+        runAlert(this, QString::fromStdString(lock.message() + ". Nothing was removed."),
+                 {QStringLiteral("OK")});
+        return;
+    }
     PlatformRemover remover;
-    const CleaningReport report = clean(fileList, *settingsManager, prompt, remover);
+    std::vector<TrashedCopy> trashed;
+    CleaningRun run;
+    run.done = [&trashed](const DuplicateFile& m, const RemovalResult& r) {
+        if (r.ok && !r.trashed.originalPath.empty()) {
+            trashed.push_back({r.trashed, m.seen});
+        }
+        return true;
+    };
+    const CleaningReport report = clean(fileList, *settingsManager, prompt, remover, run);
+    if (!trashed.empty()) {
+        lastCleanTrashed() = std::move(trashed); // Edit > Undo Clean in the main window
+    }
     if (report.outcome != CleaningOutcome::Cleaned) {
         return;
     }

@@ -1,0 +1,202 @@
+#include "selection/CopyRemoval.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "engine/FolderRegistry.h"
+#include "selection/Fd.h"
+#include "selection/SameContents.h"
+
+namespace twinsweep {
+
+namespace {
+
+RemovalResult failure(std::string why) {
+    RemovalResult r;
+    r.ok = false;
+    r.error = std::move(why);
+    return r;
+}
+
+// A member reached through its open folder.
+struct Opened {
+    Fd folder;
+    std::string name;
+    struct stat st {};
+};
+
+bool sameDevIno(const struct stat& st, const FileIdentity& seen) {
+    return static_cast<std::uint32_t>(st.st_dev) == seen.device &&
+           static_cast<std::uint64_t>(st.st_ino) == seen.inode;
+}
+
+bool unchanged(const struct stat& st, const FileIdentity& seen) {
+    return static_cast<std::uint64_t>(st.st_size) == seen.size &&
+           st.st_mtim.tv_sec == seen.mtimeSec && st.st_mtim.tv_nsec == seen.mtimeNsec;
+}
+
+bool openAsSeen(const DuplicateFile& m, Opened& o, std::string& reason) {
+    if (!m.seen.known) {
+        reason = m.path + ": not seen by the search, not removed";
+        return false;
+    }
+    const FolderIdentity walked = FolderRegistry::at(m.folder);
+    if (!walked.known) {
+        reason = m.path + ": its folder was not walked by the search, not removed";
+        return false;
+    }
+    const std::string folder = parentOf(m.path);
+    o.folder.reset(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    struct stat fs {};
+    if (!o.folder.ok() || ::fstat(o.folder.get(), &fs) != 0) {
+        reason = m.path + ": " + std::strerror(errno);
+        return false;
+    }
+    if (static_cast<std::uint64_t>(fs.st_dev) != walked.device ||
+        static_cast<std::uint64_t>(fs.st_ino) != walked.inode) {
+        reason = m.path + ": its folder was replaced since the search, not removed";
+        return false;
+    }
+    o.name = lastComponent(m.path);
+    if (::fstatat(o.folder.get(), o.name.c_str(), &o.st, AT_SYMLINK_NOFOLLOW) != 0) {
+        reason = m.path + ": " + std::strerror(errno);
+        return false;
+    }
+    if (!sameDevIno(o.st, m.seen)) {
+        reason = m.path + ": replaced by another file since the search, not removed";
+        return false;
+    }
+    if (!unchanged(o.st, m.seen)) {
+        reason = m.path + ": changed since the search, not removed";
+        return false;
+    }
+    return true;
+}
+
+// The kept copy, checked again once the marked copy waits aside: still in
+// its folder, still the file compared, and the folder still where it was.
+bool stillThere(const DuplicateFile& k, const Opened& o) {
+    struct stat now {};
+    if (::fstatat(o.folder.get(), o.name.c_str(), &now, AT_SYMLINK_NOFOLLOW) != 0 ||
+        now.st_dev != o.st.st_dev || now.st_ino != o.st.st_ino || !unchanged(now, k.seen)) {
+        return false;
+    }
+    const Fd again(::open(parentOf(k.path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    struct stat a {};
+    struct stat b {};
+    return again.ok() && ::fstat(again.get(), &a) == 0 && ::fstat(o.folder.get(), &b) == 0 &&
+           a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+std::string asideName(const std::string& name) {
+    static std::atomic<unsigned> counter{0};
+    std::string aside = ".twinsweep-aside-" + std::to_string(::getpid()) + "-" +
+                        std::to_string(counter.fetch_add(1)) + "-" + name;
+    if (aside.size() > 255) {
+        aside.resize(255);
+    }
+    return aside;
+}
+
+} // namespace
+
+RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const CopyAction& act,
+                        const SameFile& sameFile) {
+    Opened mine;
+    std::string reason;
+    if (!openAsSeen(member, mine, reason)) {
+        return failure(reason);
+    }
+    RemovalTarget target;
+    target.folderFd = mine.folder.get();
+    target.entry = mine.name;
+    target.name = mine.name;
+    target.path = member.path;
+    target.isFolder = S_ISDIR(mine.st.st_mode);
+    target.size = group.size;
+
+    bool anyKept = false;
+    for (const DuplicateFilePtr& k : group.duplicates) {
+        anyKept = anyKept || (k->checkState != 1 && k->path != member.path);
+    }
+    if (!anyKept) {
+        return act(target); // the user chose to remove the whole group
+    }
+
+    bool aside = false;
+    const auto putBack = [&](RemovalResult r) {
+        struct stat st {};
+        if (aside &&
+            ::fstatat(target.folderFd, target.entry.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0 &&
+            renameNoReplace(target.folderFd, target.entry, target.folderFd, target.name) != 0) {
+            r.error += " (it waits under the name " + parentOf(member.path) + "/" + target.entry +
+                       ": " + std::strerror(errno) + ")";
+        }
+        return r;
+    };
+
+    std::string keptWhy;   // why no kept copy could vouch
+    std::string differWhy; // a kept copy as seen, but with other bytes
+    std::string actWhy;    // the act could not use a kept copy (tryOtherKept)
+    for (const DuplicateFilePtr& k : group.duplicates) {
+        if (k->checkState == 1 || k->path == member.path) {
+            continue;
+        }
+        Opened kept;
+        if (!openAsSeen(*k, kept, keptWhy)) {
+            continue;
+        }
+        if (sameFile(member.path, {mine.st.st_dev, mine.st.st_ino}, k->path,
+                     {kept.st.st_dev, kept.st.st_ino})) {
+            keptWhy = member.path + ": the same file as " + k->path + " (one file seen twice)";
+            continue;
+        }
+        if (!sameContents({target.folderFd, target.entry, member.path, &mine.st},
+                          {kept.folder.get(), kept.name, k->path, &kept.st}, reason)) {
+            differWhy = reason;
+            continue;
+        }
+        if (!aside) {
+            const std::string name = asideName(mine.name);
+            if (renameNoReplace(target.folderFd, mine.name, target.folderFd, name) != 0) {
+                return failure(member.path + ": " + std::strerror(errno) + ", not removed");
+            }
+            aside = true;
+            target.entry = name;
+            struct stat now {};
+            if (::fstatat(target.folderFd, name.c_str(), &now, AT_SYMLINK_NOFOLLOW) != 0 ||
+                now.st_dev != mine.st.st_dev || now.st_ino != mine.st.st_ino ||
+                !unchanged(now, member.seen)) {
+                return putBack(failure(member.path + ": changed during the clean, not removed"));
+            }
+        }
+        if (!stillThere(*k, kept)) {
+            keptWhy = k->path + ": changed or went away during the clean";
+            continue;
+        }
+        target.keptFolderFd = kept.folder.get();
+        target.keptEntry = kept.name;
+        target.keptPath = k->path;
+        RemovalResult r = act(target);
+        if (!r.ok && r.tryOtherKept) {
+            actWhy = r.error;
+            continue;
+        }
+        return r.ok ? r : putBack(std::move(r));
+    }
+    if (!actWhy.empty()) {
+        return putBack(failure(actWhy));
+    }
+    if (!differWhy.empty() && keptWhy.empty()) {
+        return putBack(failure(differWhy + ", not removed"));
+    }
+    return putBack(failure(member.path + ": no kept copy is left to compare with (" +
+                           (keptWhy.empty() ? differWhy : keptWhy) + "), not removed"));
+}
+
+} // namespace twinsweep

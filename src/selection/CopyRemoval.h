@@ -1,0 +1,25 @@
+#pragma once
+
+#include "engine/File.h"
+#include "engine/SameFile.h"
+#include "selection/Removal.h"
+
+namespace twinsweep {
+
+// Acts on one marked member of a group, the safe way:
+//  1. opens the member's folder and checks it is the folder the search walked,
+//     then checks the entry is still the file the search saw;
+//  2. compares it byte for byte, through open folders, with a kept copy that
+//     is itself still as seen and a different file (not the same file under
+//     a second name);
+//  3. renames it aside inside its folder, checks the aside entry is the one
+//     compared, and checks the kept copy is still there and unchanged (when
+//     it is not, the next kept copy is tried);
+//  4. only then calls act; when act fails (or nothing vouches), the copy is
+//     renamed back to its name.
+// A group whose every member is marked has nothing to compare with: the user
+// confirmed removing it whole, and steps 2 and 3 are skipped.
+RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const CopyAction& act,
+                        const SameFile& sameFile);
+
+} // namespace twinsweep

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace twinsweep {
+
+// One copy about to be acted on, reached through its open folder: that folder
+// was checked to be the one the search walked, the entry to be the file the
+// search saw and, when the group keeps a copy, byte for byte the same as the
+// kept copy below. Nothing here is looked up by path again.
+struct RemovalTarget {
+    int folderFd = -1;
+    std::string entry; // its name in the folder now (an aside name while it waits)
+    std::string name;  // the name it had, and gets back when the act fails
+    std::string path;  // the path the user knows it by
+    bool isFolder = false;
+    std::uint64_t size = 0; // what removing it whole frees
+
+    // The kept copy that vouched for it; keptFolderFd is -1 when the user
+    // chose to remove the whole group.
+    int keptFolderFd = -1;
+    std::string keptEntry;
+    std::string keptPath;
+};
+
+// Where a copy went in the Trash, so that it can be put back.
+struct TrashedItem {
+    std::string originalPath;
+    std::string filesPath; // the item itself, inside the Trash's files/
+    std::string infoPath;  // its .trashinfo record
+};
+
+struct RemovalResult {
+    bool ok = true;
+    std::string error; // why not, naming the path, when !ok
+    // A folder removed only in part, or a copy replaced by a link that frees
+    // less than its size: what was freed (nothing else counts).
+    bool partial = false;
+    std::uint64_t bytesFreed = 0;
+    TrashedItem trashed; // filled when it went to the Trash
+    // Failed only because the kept copy given can't serve (a hard link to a
+    // file on another file system): the next kept copy may be tried.
+    bool tryOtherKept = false;
+};
+
+// The final act on a checked copy. It must leave the entry where it is when it
+// fails, so the copy can be renamed back.
+using CopyAction = std::function<RemovalResult(const RemovalTarget&)>;
+
+// Removal as the platform does it.
+class FileRemover {
+  public:
+    virtual ~FileRemover() = default;
+    // Moves the entry to the user's Trash, with a record to put it back.
+    virtual RemovalResult moveToTrash(const RemovalTarget& target) = 0;
+    // Deletes the entry for good; a folder with everything in it on the same
+    // mounted file system.
+    virtual RemovalResult removeForGood(const RemovalTarget& target) = 0;
+    // Replaces the entry by a hard link to the kept copy (see HardLink.h);
+    // a remover that can't link leaves every copy alone.
+    virtual RemovalResult replaceWithLink(const RemovalTarget& target) {
+        RemovalResult r;
+        r.ok = false;
+        r.error = target.path + ": hard links are not available here, left alone";
+        return r;
+    }
+};
+
+} // namespace twinsweep
