@@ -5,6 +5,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
+#include <sstream>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <thread>
@@ -385,6 +386,11 @@ TEST(Removal, OddMountsNeverCostAFile) {
     const std::vector<std::string> gone = listed(r.out, "removed: ");
     ASSERT_EQ(gone.size(), 1u);
     EXPECT_EQ(snapshot(tree.path("full/.Trash-0/files")).at("x"), fileEntry("twin"));
+    std::stringstream info;
+    info << std::ifstream(tree.path("full/.Trash-0/info/x.trashinfo")).rdbuf();
+    EXPECT_NE(info.str().find("\nPath=" + gone[0].substr(tree.path("full/").size()) + "\n"),
+              std::string::npos)
+        << info.str(); // relative to the top of its mount
     tree.write(rel(tree, gone[0]), "twin");
     tree.writeSized("full/filler", 1 << 20); // fails part way: the disk is full
     before = snapshot(tree.root());
