@@ -18,7 +18,12 @@ int undoLastTrash() {
     }
     // Not while a clean runs: it may be moving the very files back.
     CleaningLock lock;
-    if (lock.tryTake() != CleaningLock::Outcome::Taken) {
+    CleaningLock::Outcome taken = lock.tryTake();
+    if (taken == CleaningLock::Outcome::Busy) {
+        std::fprintf(stderr, "twinsweep-cli: %s; waiting for it to end\n", lock.message().c_str());
+        taken = lock.take([] { return false; }); // Ctrl-C still ends the wait: nothing changed yet
+    }
+    if (taken != CleaningLock::Outcome::Taken) {
         std::fprintf(stderr, "twinsweep-cli: %s; nothing was restored\n", lock.message().c_str());
         return 1;
     }
