@@ -78,11 +78,8 @@ CliOutcome stoppedWhileComparing(CliRun run, const std::string& folder,
             first();
         }
         watch = std::make_unique<AccessWatch>(folder);
-        helper = std::thread([&] {
-            EXPECT_TRUE(watch->stopOnAccess(pid));
-            whenStopped(pid);
-            ::kill(pid, SIGCONT);
-        });
+        helper = std::thread(
+            [&] { EXPECT_TRUE(watch->holdFirstAccess(pid, [&] { whenStopped(pid); })); });
     };
     const CliOutcome r = runCli(run);
     if (helper.joinable()) {
