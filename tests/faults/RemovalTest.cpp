@@ -223,16 +223,17 @@ TEST(Removal, TwoCleaningsAtOnceNeverTakeTheLastCopy) {
     CliRun first = cleaning("oldest", runtime);
     first.prompt = kPermanentQuestion;
     CliOutcome second;
+    std::thread waiter;
     first.between = [&] {
         CliRun other = cleaning("newest", runtime);
         other.args.push_back("--yes");
         const RunningCli running = startCli(other);
         EXPECT_TRUE(waitForText(running.errPath, "another cleaning is running"));
-        std::thread([&, running] { second = finishCli(running); }).detach();
+        waiter = std::thread([&, running] { second = finishCli(running); });
     };
     const CliOutcome r1 = runCli(first);
-    while (second.status < 0) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    if (waiter.joinable()) {
+        waiter.join();
     }
     EXPECT_EQ(r1.status, 0) << r1.err;
     EXPECT_EQ(second.status, 1) << second.err;
