@@ -52,7 +52,7 @@ sleep 1
 import -window "$main" docs/main-window.png
 
 # Start the search and catch the progress window while it works.
-xdotool mousemove --window "$main" 568 699 click 1
+xdotool mousemove --window "$main" 568 729 click 1
 progress=$(xdotool search --sync --onlyvisible --name '^Searching for Duplicate Files$' | head -n 1)
 # Frames while it runs; the last whole one shows it furthest along.
 frames=$(mktemp -d)
