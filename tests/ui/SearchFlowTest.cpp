@@ -288,16 +288,18 @@ void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     answers.then("twinsweep::ui::ViewControllerDuplicates", [](QWidget* modal) { modal->close(); });
     window->buttonFindDuplicateFiles->click();
 
-    // Empty during the walk, then bytes of the 256 MB growing.
-    QVERIFY(!lines.isEmpty());
-    QCOMPARE(lines.front(), QString());
+    // Empty during the walk (which a busy machine may finish before the
+    // first look), then bytes of the 256 MB growing.
+    if (!lines.isEmpty() && lines.front().isEmpty()) {
+        lines.removeFirst();
+    }
     const QRegularExpression shape(QStringLiteral(
         "^(\\d+(\\.\\d)? [KMG]?B) of 256\\.0 MB compared(, about \\d+ (s|min) left)?$"));
     int partial = 0;
-    for (const QString& line : lines.mid(1)) {
+    for (const QString& line : lines) {
         const auto match = shape.match(line);
         QVERIFY2(match.hasMatch(), qPrintable(line));
         partial += match.captured(1) != QStringLiteral("256.0 MB") ? 1 : 0;
     }
-    QVERIFY2(lines.size() >= 3 && partial >= 1, qPrintable(lines.join(QLatin1Char('|'))));
+    QVERIFY2(lines.size() >= 2 && partial >= 1, qPrintable(lines.join(QLatin1Char('|'))));
 }
