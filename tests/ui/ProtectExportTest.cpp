@@ -21,10 +21,8 @@
 
 using twinsweep::FilePtr;
 using twinsweep::SettingsManager;
-using twinsweep::testing::alertText;
 using twinsweep::testing::FoundDuplicates;
 using twinsweep::testing::ModalAnswers;
-using twinsweep::testing::pressAlertButton;
 using twinsweep::testing::settled;
 using twinsweep::testing::TempTree;
 using twinsweep::ui::ViewController;
@@ -38,8 +36,7 @@ bool exists(const std::string& path) {
 }
 
 QByteArray slurp(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return QByteArray::fromStdString(twinsweep::testing::slurp(path.toStdString()));
 }
 
 } // namespace
@@ -113,16 +110,11 @@ void ProtectExportTest::protectedCopiesCannotBeTickedOrCleaned() {
     QVERIFY(settled(w));
     QCOMPARE(twinsweep::markedCount(*group), std::int64_t{1});
     ModalAnswers answers;
-    QStringList said;
-    for (const char* button : {"Yes", "OK"}) {
-        answers.then("QMessageBox", [&said, button](QWidget* modal) {
-            said << alertText(modal);
-            QVERIFY(pressAlertButton(modal, QString::fromLatin1(button)));
-        });
-    }
+    answers.alert(QStringLiteral("Yes"));
+    answers.alert(QStringLiteral("OK"));
     w.buttonClean->click();
     QVERIFY(answers.allAnswered());
-    QVERIFY(said.front().contains(QStringLiteral("permanently")));
+    QVERIFY(answers.said.front().contains(QStringLiteral("permanently")));
     QVERIFY(!exists(found.tree.path("dl/a.jpg")));
     QVERIFY(exists(found.tree.path("photos/a.jpg")) && exists(found.tree.path("photos/b.jpg")));
     // Protected copies alone are not listed: the window closes.
@@ -179,7 +171,7 @@ void ProtectExportTest::exportsReadBackWithTheirMarks() {
 
     // A folder that isn't there: an alert, and nothing half written.
     ModalAnswers answers;
-    answers.then("QMessageBox", [](QWidget* modal) { QVERIFY(pressAlertButton(modal, "OK")); });
+    answers.alert(QStringLiteral("OK"));
     w.startExport(QString::fromStdString(out.path("none/d.csv")), twinsweep::ui::ExportFormat::Csv);
     QVERIFY(finished.wait(20000));
     QVERIFY(!finished.back().at(0).toString().isEmpty());
