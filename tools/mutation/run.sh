@@ -4,7 +4,8 @@
 # the slow deep-walk case and the package check) and records whether it fails.
 #   tools/mutation/run.sh COMMIT [RESULTS.tsv]
 # MUTATION_WORKTREE picks the scratch worktree (reused between runs, so only
-# what changed is rebuilt); MUTATION_ONLY=id1,id2 runs some mutants only.
+# what changed is rebuilt; a worktree already at COMMIT is used as it is, and
+# must have no changes of its own); MUTATION_ONLY=id1,id2 runs some mutants.
 set -uo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 repo=$(git -C "$here" rev-parse --show-toplevel)
@@ -16,11 +17,13 @@ exclude='Walker\.TwentyThousandLevels|^package$'
 per_run=${MUTATION_TIMEOUT:-600}
 
 if [ -d "$scratch" ]; then
-  git -C "$scratch" checkout -q --detach "$commit" || exit 1
+  if [ "$(git -C "$scratch" rev-parse HEAD)" != "$commit" ]; then
+    git -C "$scratch" checkout -q --detach "$commit" || exit 1
+  fi
 else
   git -C "$repo" worktree add -q --detach "$scratch" "$commit" || exit 1
 fi
-cp "$list" "$scratch/.mutants.txt" # the list as given, whatever COMMIT holds
+mkdir -p "$scratch/build" && cp "$list" "$scratch/build/.mutants.txt" # the list as given
 cd "$scratch" || exit 1
 export CCACHE_BASEDIR=${CCACHE_BASEDIR:-/work} QT_QPA_PLATFORM=offscreen
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
@@ -54,6 +57,6 @@ while IFS=$'\t' read -r id file expr what; do
   fi
   git checkout -q -- "$file"
   printf '%s\t%s\t%s\t%s\t%s\n' "$id" "$file" "$result" $(($(date +%s) - start)) "$failure" | tee -a "$out"
-done < .mutants.txt
+done < build/.mutants.txt
 build >/dev/null # leave the scratch build unmutated
 echo "results: $out"
