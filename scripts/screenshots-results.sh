@@ -58,7 +58,7 @@ main=$(xdotool search --sync --onlyvisible --name '^Twinsweep$' | head -n 1)
 sleep 1
 # Add the demo folder through the folder dialog, then search.
 xdotool mousemove --window "$main" 577 67 click 1
-xdotool search --sync --onlyvisible --name '^Select Folder\(s\)$' >/dev/null
+xdotool search --sync --onlyvisible --name '^Select Folder\(s\)' >/dev/null
 sleep 0.5
 xdotool type --delay 5 "$demo"
 xdotool key Return

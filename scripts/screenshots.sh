@@ -44,7 +44,7 @@ sleep 1
 
 # Add the demo folder through the folder dialog: its name field has the focus.
 xdotool mousemove --window "$main" 577 67 click 1
-picker=$(xdotool search --sync --onlyvisible --name '^Select Folder\(s\)$' | head -n 1)
+picker=$(xdotool search --sync --onlyvisible --name '^Select Folder\(s\)' | head -n 1)
 sleep 0.5
 xdotool type --delay 5 "$demo"
 xdotool key Return

@@ -13,6 +13,7 @@
 #include "selection/CustomMarking.h"
 #include "selection/CustomSettingsText.h"
 #include "selection/KeepOptions.h"
+#include "selection/TrashRecord.h"
 
 namespace twinsweep::cli {
 
@@ -48,6 +49,21 @@ std::string jsonSummary(bool dryRun, const std::vector<std::string>& removed, st
     out += "],\"bytesFreed\":" + std::to_string(bytes) + ",\"failed\":" + std::to_string(failed) +
            "}\n";
     return out;
+}
+
+// Keeps the record that --undo reads, and says how to use it.
+void noteTrashed(const std::vector<TrashedCopy>& trashed) {
+    const std::string path = lastTrashRecordPath();
+    if (const std::string err = saveTrashRecord(path, trashed); !err.empty()) {
+        std::fprintf(stderr, "twinsweep-cli: cannot keep a record to undo this clean: %s\n",
+                     err.c_str());
+        return;
+    }
+    std::fprintf(stderr,
+                 "twinsweep-cli: %zu %s moved to the Trash; to put %s back, run: "
+                 "twinsweep-cli --undo\n",
+                 trashed.size(), trashed.size() == 1 ? "copy was" : "copies were",
+                 trashed.size() == 1 ? "it" : "them");
 }
 
 } // namespace
@@ -142,6 +158,9 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
     const bool dryRun = options.removal == Removal::DryRun;
     const bool json = options.format == OutputFormat::Json;
     settings.moveToTrash = options.removal != Removal::Delete;
+    settings.replaceWithHardLinks = options.removal == Removal::Link;
+    const bool linking = options.removal == Removal::Link;
+    std::vector<TrashedCopy> trashed;
     ActResult result;
     std::vector<std::string> removed;
     CleaningRun run;
@@ -152,7 +171,12 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
             return true;
         }
         removed.push_back(m.path);
-        if (!json && !out((dryRun ? "would remove: " : "removed: ") + textEscaped(m.path) + "\n")) {
+        if (!r.trashed.originalPath.empty()) {
+            trashed.push_back({r.trashed, m.seen});
+        }
+        const char* verb = linking ? (dryRun ? "would link: " : "linked: ")
+                                   : (dryRun ? "would remove: " : "removed: ");
+        if (!json && !out(verb + textEscaped(m.path) + "\n")) {
             result.outputClosed = true;
             return false;
         }
@@ -160,6 +184,9 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
     };
     const CleaningReport report = clean(groups, settings, prompt, remover, run);
     result.stopped = report.stopped;
+    if (!trashed.empty()) {
+        noteTrashed(trashed);
+    }
 
     if (report.outcome == CleaningOutcome::Declined) {
         std::fprintf(stderr, "twinsweep-cli: nothing was removed\n");
@@ -173,9 +200,10 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
         result.outputClosed = !out(summary);
     }
     if (report.failed > 0) {
-        std::fprintf(stderr, "twinsweep-cli: %lld %s not removed (see the Error lines above)\n",
+        std::fprintf(stderr, "twinsweep-cli: %lld %s not %s (see the Error lines above)\n",
                      static_cast<long long>(report.failed),
-                     report.failed == 1 ? "copy was" : "copies were");
+                     report.failed == 1 ? "copy was" : "copies were",
+                     linking ? "replaced by a link" : "removed");
         result.exitCode = 1;
     }
     if (result.outputClosed) {

@@ -30,7 +30,7 @@ std::string sizeOption(const std::string& name, const std::string& value, std::u
 
 std::string removal(Options& o, Removal r) {
     if (o.removalGiven && o.removal != r) {
-        return "choose one of --dry-run, --trash and --delete";
+        return "choose one of --dry-run, --trash, --delete and --link";
     }
     o.removal = r;
     o.removalGiven = true;
@@ -162,6 +162,12 @@ const std::vector<OptionRule>& optionRules() {
          [](Options& o, const std::string&) { return removal(o, Removal::Trash); }},
         {"--delete", false,
          [](Options& o, const std::string&) { return removal(o, Removal::Delete); }},
+        {"--link", false, [](Options& o, const std::string&) { return removal(o, Removal::Link); }},
+        {"--undo", false,
+         [](Options& o, const std::string&) {
+             o.undo = true;
+             return std::string();
+         }},
         {"--yes", false,
          [](Options& o, const std::string&) {
              o.yes = true;
@@ -334,6 +340,12 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
     if (o.help || o.version) {
         return result;
     }
+    if (o.undo) {
+        if (args.size() != 1) {
+            result.error = "--undo takes no folder and no other option";
+        }
+        return result;
+    }
     if (o.minimumSize > o.maximumSize) {
         result.error = "--min-size is larger than --max-size";
         return result;
@@ -347,8 +359,9 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
         return result;
     }
     if ((o.removalGiven || o.yes) && !marks(o)) {
-        result.error = "--dry-run, --trash, --delete and --yes need --keep or --rules to say "
-                       "which copies go";
+        result.error =
+            "--dry-run, --trash, --delete, --link and --yes need --keep or --rules to say "
+            "which copies go";
         return result;
     }
     if (o.format == OutputFormat::Csv && marks(o)) {
@@ -424,6 +437,13 @@ std::string usageText() {
            "  --dry-run              only list what would be removed (the default)\n"
            "  --trash                move the marked copies to the Trash\n"
            "  --delete               delete them for good\n"
+           "  --link                 replace each by a hard link to a kept copy of its\n"
+           "                         group: every path keeps working, the bytes are kept\n"
+           "                         once; copies on another file system than every kept\n"
+           "                         copy, and packages, are left alone and reported\n"
+           "  --undo                 put back what the last run with --trash moved to the\n"
+           "                         Trash (recorded in $XDG_STATE_HOME/twinsweep/last-trash),\n"
+           "                         where the original path is free and the file unchanged\n"
            "  --yes                  answer yes to the questions: removing every copy of\n"
            "                         a group, deleting for good (needed for --delete when\n"
            "                         standard input is not a terminal)\n"

@@ -9,8 +9,9 @@ namespace twinsweep::cli {
 
 enum class OutputFormat { Text, Json, Csv };
 enum class Locations { PlatformDefault, MacLayoutUnder, Anywhere };
-// What happens to the marked copies: listed only, moved to the Trash, deleted.
-enum class Removal { DryRun, Trash, Delete };
+// What happens to the marked copies: listed only, moved to the Trash, deleted,
+// replaced by hard links to a kept copy.
+enum class Removal { DryRun, Trash, Delete, Link };
 
 struct Options {
     std::vector<std::string> folders; // absolute, as given otherwise
@@ -32,6 +33,7 @@ struct Options {
     Removal removal = Removal::DryRun;
     bool removalGiven = false;
     bool yes = false;
+    bool undo = false; // put back what the last run with --trash moved there
     bool help = false;
     bool version = false;
 };

@@ -14,6 +14,7 @@
 #include "cli/Options.h"
 #include "cli/Output.h"
 #include "cli/Progress.h"
+#include "cli/Undo.h"
 #include "engine/FileTools.h"
 #include "engine/SearchJob.h"
 #include "platform/PlatformRemover.h"
@@ -94,6 +95,10 @@ int main(int argc, char** argv) {
         return writeAll(STDOUT_FILENO, std::string("twinsweep-cli ") + TWINSWEEP_VERSION + "\n")
                    ? 0
                    : 1;
+    }
+
+    if (options.undo) {
+        return cli::undoLastTrash();
     }
 
     switch (options.locations) {

@@ -1,5 +1,7 @@
 #include "engine/ByteProgress.h"
 
+#include <algorithm>
+
 #include "engine/FileTools.h"
 
 namespace twinsweep {
@@ -9,30 +11,49 @@ namespace {
 // An estimate from less than this much of the comparison mostly tells how
 // fast the first files happened to be.
 constexpr std::chrono::milliseconds kSettle(1000);
+// What checking one file costs beyond its bytes (an open, a first read, a
+// record), in bytes read: measured at about 16 KiB, hot or cold, on trees
+// of small files, where the bytes alone promise far too early an end.
+constexpr double kFileCost = 16 * 1024;
+
+double work(std::uint64_t bytes, std::int64_t files) {
+    return static_cast<double>(bytes) +
+           static_cast<double>(std::max<std::int64_t>(files, 0)) * kFileCost;
+}
 
 } // namespace
 
 std::optional<std::int64_t> TimeLeft::secondsLeft(std::uint64_t done, std::uint64_t total,
-                                                  Clock::time_point now) {
+                                                  Clock::time_point now, std::int64_t checked,
+                                                  std::int64_t files) {
     if (total == 0) {
         start_.reset();
         return std::nullopt;
     }
+    checked = std::min(checked, files);
+    const double doneWork = work(done, checked);
     if (!start_) {
         start_ = now;
-        doneAtStart_ = done;
+        workAtStart_ = doneWork;
     }
-    const auto elapsed = std::chrono::duration<double>(now - *start_).count();
-    if (now - *start_ < kSettle || done <= doneAtStart_) {
+    if (now - *start_ < kSettle || doneWork <= workAtStart_) {
         return std::nullopt;
     }
-    const double rate = static_cast<double>(done - doneAtStart_) / elapsed;
-    const double left = static_cast<double>(total - done) / rate;
+    const double elapsed = std::chrono::duration<double>(now - *start_).count();
+    const double rate = (doneWork - workAtStart_) / elapsed;
+    const double left = std::max(0.0, work(total, files) - doneWork) / rate;
     return static_cast<std::int64_t>(left + 0.999);
 }
 
-std::string TimeLeft::line(std::uint64_t done, std::uint64_t total, Clock::time_point now) {
-    const std::optional<std::int64_t> left = secondsLeft(done, total, now);
+double TimeLeft::doneFraction(std::uint64_t done, std::uint64_t total, std::int64_t checked,
+                              std::int64_t files) {
+    const double all = work(total, files);
+    return all > 0 ? std::min(1.0, work(done, std::min(checked, files)) / all) : 0.0;
+}
+
+std::string TimeLeft::line(std::uint64_t done, std::uint64_t total, Clock::time_point now,
+                           std::int64_t checked, std::int64_t files) {
+    const std::optional<std::int64_t> left = secondsLeft(done, total, now, checked, files);
     return total == 0 ? std::string() : text(done, total, left);
 }
 

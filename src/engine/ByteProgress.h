@@ -34,17 +34,25 @@ class ByteProgress {
 };
 
 // Turns readings of a ByteProgress into the line the progress displays show:
-// "1.2 GB of 3.4 GB compared, about 12 s left". The estimate comes from the
-// rate since the first reading with bytes to compare, once that has lasted a
-// moment; before, the line has no estimate, and before the comparison it is
-// empty. Fed from one thread.
+// "1.2 GB of 3.4 GB compared, about 12 s left". Before the comparison the
+// line is empty; the estimate comes once the comparison has run a moment.
+// Fed from one thread.
 class TimeLeft {
   public:
     using Clock = std::chrono::steady_clock;
-    std::string line(std::uint64_t done, std::uint64_t total, Clock::time_point now);
+    // done of total bytes compared, checked of files files (the comparison's
+    // counts, which weigh in the estimate: the largest files come first, and
+    // many small ones can take longer than their bytes say).
+    std::string line(std::uint64_t done, std::uint64_t total, Clock::time_point now,
+                     std::int64_t checked = 0, std::int64_t files = 0);
     // Seconds left at the rate so far; absent while there is too little to go by.
     std::optional<std::int64_t> secondsLeft(std::uint64_t done, std::uint64_t total,
-                                            Clock::time_point now);
+                                            Clock::time_point now, std::int64_t checked = 0,
+                                            std::int64_t files = 0);
+
+    // How much of the comparison is done, 0 to 1, by the same weighing.
+    static double doneFraction(std::uint64_t done, std::uint64_t total, std::int64_t checked,
+                               std::int64_t files);
 
     // The line's text for given figures; secondsLeft absent: no estimate.
     static std::string text(std::uint64_t done, std::uint64_t total,
@@ -52,7 +60,7 @@ class TimeLeft {
 
   private:
     std::optional<Clock::time_point> start_;
-    std::uint64_t doneAtStart_ = 0;
+    double workAtStart_ = 0;
 };
 
 } // namespace twinsweep

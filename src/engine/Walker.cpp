@@ -127,7 +127,8 @@ class FileTools::Walk {
             return true;
         }
         if (pool_) {
-            for (std::size_t k = 0; k < top.dirs.size(); ++k) {
+            // Each submission goes to the front: the first folder's last.
+            for (std::size_t k = top.dirs.size(); k-- > 0;) {
                 pool_->submit(*top.dirs[k], top.fds[k]);
             }
         }

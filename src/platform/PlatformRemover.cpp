@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/HardLink.h"
 #include "platform/Trash.h"
 #include "platform/TreeWalk.h"
 #include "selection/Fd.h"
@@ -58,6 +59,10 @@ RemovalResult PlatformRemover::moveToTrash(const RemovalTarget& target) {
 #else
     return Trash::moveAt(target.folderFd, target.entry, target.path);
 #endif
+}
+
+RemovalResult PlatformRemover::replaceWithLink(const RemovalTarget& target) {
+    return replaceWithHardLink(target);
 }
 
 RemovalResult PlatformRemover::removeForGood(const RemovalTarget& target) {

@@ -15,6 +15,7 @@ class PlatformRemover : public FileRemover {
   public:
     RemovalResult moveToTrash(const RemovalTarget& target) override;
     RemovalResult removeForGood(const RemovalTarget& target) override;
+    RemovalResult replaceWithLink(const RemovalTarget& target) override;
 };
 
 // One cleaning at a time per user: an advisory lock on a file in

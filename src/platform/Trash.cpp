@@ -1,6 +1,7 @@
 #include "platform/Trash.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -86,6 +87,13 @@ std::uint64_t mountOf(const std::string& path, bool& ok) {
         return sx.stx_mnt_id;
     }
     return (static_cast<std::uint64_t>(sx.stx_dev_major) << 32) | sx.stx_dev_minor;
+}
+
+std::string realPathOf(int fd) {
+    char buf[PATH_MAX];
+    const std::string link = "/proc/self/fd/" + std::to_string(fd);
+    const ssize_t n = ::readlink(link.c_str(), buf, sizeof buf);
+    return n > 0 && buf[0] == '/' ? std::string(buf, static_cast<std::size_t>(n)) : std::string();
 }
 
 // The mount point above folder: its highest ancestor on the same mount.
@@ -274,17 +282,25 @@ RemovalResult Trash::moveAt(int folderFd, const std::string& entry,
     if (::fstatat(folderFd, entry.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
         return failure(originalPath, errorText(errno));
     }
+    // The folder's own path, without links, is where its mount's top lies
+    // and what a Trash on that mount records relative to its top.
+    std::string folder = realPathOf(folderFd);
+    if (folder.empty()) {
+        folder = parentOf(originalPath);
+    }
     OpenTrash t;
     std::string why;
-    if (!openTrashFor(folderFd, parentOf(originalPath), t, why)) {
+    if (!openTrashFor(folderFd, folder, t, why)) {
         return failure(originalPath,
                        "can't be moved to the Trash: " + why + "; nothing was removed");
     }
     std::string recorded = originalPath;
-    if (!t.topdir.empty() && t.topdir != "/") {
-        recorded = originalPath.substr(t.topdir.size() + 1);
-    } else if (t.topdir == "/") {
-        recorded = originalPath.substr(1);
+    if (!t.topdir.empty()) {
+        const std::string real = (folder == "/" ? "" : folder) + "/" + lastComponent(originalPath);
+        const std::string top = t.topdir == "/" ? "" : t.topdir;
+        if (real.compare(0, top.size() + 1, top + "/") == 0) {
+            recorded = real.substr(top.size() + 1);
+        }
     }
     const std::string record = "[Trash Info]\nPath=" + percentEncoded(recorded) +
                                "\nDeletionDate=" + localTimeText() + "\n";

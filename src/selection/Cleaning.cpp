@@ -51,7 +51,9 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
         return report;
     }
     const bool toTrash = settings.moveToTrash;
-    if (!toTrash && !prompt.ask(CleaningAlert::PermanentDeletion)) {
+    // Links lose nothing: no permanent-deletion question for them.
+    if (!toTrash && !settings.replaceWithHardLinks &&
+        !prompt.ask(CleaningAlert::PermanentDeletion)) {
         report.outcome = CleaningOutcome::Declined;
         return report;
     }
@@ -60,6 +62,9 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
     CopyAction act = run.action;
     if (!act) {
         act = [&](const RemovalTarget& target) {
+            if (settings.replaceWithHardLinks) {
+                return remover.replaceWithLink(target);
+            }
             return toTrash ? remover.moveToTrash(target) : remover.removeForGood(target);
         };
     }
@@ -85,7 +90,7 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
             }
             if (result.ok) {
                 ++report.removed;
-                report.bytesFreed += group->size;
+                report.bytesFreed += result.partial ? result.bytesFreed : group->size;
             } else {
                 ++report.failed;
                 report.bytesFreed += result.bytesFreed;

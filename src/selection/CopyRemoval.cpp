@@ -142,6 +142,7 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
 
     std::string keptWhy;   // why no kept copy could vouch
     std::string differWhy; // a kept copy as seen, but with other bytes
+    std::string actWhy;    // the act could not use a kept copy (tryOtherKept)
     for (const DuplicateFilePtr& k : group.duplicates) {
         if (k->checkState == 1 || k->path == member.path) {
             continue;
@@ -182,7 +183,14 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
         target.keptEntry = kept.name;
         target.keptPath = k->path;
         RemovalResult r = act(target);
+        if (!r.ok && r.tryOtherKept) {
+            actWhy = r.error;
+            continue;
+        }
         return r.ok ? r : putBack(std::move(r));
+    }
+    if (!actWhy.empty()) {
+        return putBack(failure(actWhy));
     }
     if (!differWhy.empty() && keptWhy.empty()) {
         return putBack(failure(differWhy + ", not removed"));

@@ -35,10 +35,14 @@ struct TrashedItem {
 struct RemovalResult {
     bool ok = true;
     std::string error; // why not, naming the path, when !ok
-    // A folder removed only in part: what was freed (nothing else counts).
+    // A folder removed only in part, or a copy replaced by a link that frees
+    // less than its size: what was freed (nothing else counts).
     bool partial = false;
     std::uint64_t bytesFreed = 0;
     TrashedItem trashed; // filled when it went to the Trash
+    // Failed only because the kept copy given can't serve (a hard link to a
+    // file on another file system): the next kept copy may be tried.
+    bool tryOtherKept = false;
 };
 
 // The final act on a checked copy. It must leave the entry where it is when it
@@ -54,6 +58,14 @@ class FileRemover {
     // Deletes the entry for good; a folder with everything in it on the same
     // mounted file system.
     virtual RemovalResult removeForGood(const RemovalTarget& target) = 0;
+    // Replaces the entry by a hard link to the kept copy (see HardLink.h);
+    // a remover that can't link leaves every copy alone.
+    virtual RemovalResult replaceWithLink(const RemovalTarget& target) {
+        RemovalResult r;
+        r.ok = false;
+        r.error = target.path + ": hard links are not available here, left alone";
+        return r;
+    }
 };
 
 } // namespace twinsweep

@@ -93,6 +93,9 @@ class SettingsManager {
     // Our extra option: folders whose copies are never marked or removed.
     // Each is also one of listFolderPaths (or inside one).
     std::vector<std::string> protectedFolders;
+    // Our extra removal choice: marked copies become hard links to a kept
+    // copy (moveToTrash is then not consulted).
+    bool replaceWithHardLinks = false;
 };
 
 } // namespace twinsweep

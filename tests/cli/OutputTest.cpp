@@ -1,8 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <thread>
+#include <unistd.h>
+
 #include "cli/Options.h"
 #include "cli/Output.h"
+#include "cli/Progress.h"
 
+using namespace twinsweep;
 using namespace twinsweep::cli;
 
 TEST(CliOutput, JsonStringsEscapeEveryByteThatIsNotPlainUtf8) {
@@ -50,4 +56,35 @@ TEST(CliOptions, FoldersBecomeAbsoluteAndOptionsTakeBothForms) {
     EXPECT_FALSE(r.options.ignorePackages);
     EXPECT_EQ(r.options.folders, std::vector<std::string>{"/tmp"});
     EXPECT_EQ(parseOptions({"--", "--help"}, "/").error.value_or("").find("--help"), 19U);
+}
+
+TEST(CliProgress, TerminalLineShowsCountsAndBytesWhileNothingIsPosted) {
+    int fds[2];
+    ASSERT_EQ(::pipe(fds), 0);
+    auto bytes = std::make_shared<ByteProgress>();
+    {
+        TerminalProgress progress(fds[1], bytes);
+        NotificationCenter::defaultCenter().post(kUpdateProgress,
+                                                 {{kTotalFiles, 4}, {kCheckedFiles, 0}});
+        std::this_thread::sleep_for(std::chrono::milliseconds(250));
+        // The comparison: one post, then only bytes move (a large file).
+        bytes->start(3 << 20);
+        NotificationCenter::defaultCenter().post(kUpdateProgress,
+                                                 {{kTotalFiles, 4}, {kCheckedFiles, 1}});
+        bytes->add(1 << 20);
+        std::this_thread::sleep_for(std::chrono::milliseconds(250));
+        bytes->add(1 << 20);
+        std::this_thread::sleep_for(std::chrono::milliseconds(250));
+    }
+    ::close(fds[1]);
+    std::string out;
+    char buf[4096];
+    for (ssize_t n; (n = ::read(fds[0], buf, sizeof buf)) > 0;) {
+        out.append(buf, static_cast<std::size_t>(n));
+    }
+    ::close(fds[0]);
+    EXPECT_NE(out.find("\r\033[KFiles found: 4"), std::string::npos) << out;
+    EXPECT_NE(out.find("Files checked: 1 of 4; 1.0 MB of 3.0 MB compared"), std::string::npos);
+    EXPECT_NE(out.find("Files checked: 1 of 4; 2.0 MB of 3.0 MB compared"), std::string::npos);
+    EXPECT_EQ(out.substr(out.size() - 4), "\r\033[K") << "the line is cleared at the end";
 }

@@ -1,5 +1,6 @@
 #include "FaultSupport.h"
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -11,6 +12,7 @@
 #include <poll.h>
 #include <sched.h>
 #include <sstream>
+#include <sys/fanotify.h>
 #include <sys/inotify.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -101,12 +103,82 @@ bool privateMounts() {
     return ok;
 }
 
-AccessWatch::AccessWatch(const std::string& folder) : fd_(::inotify_init1(IN_CLOEXEC)) {
-    ::inotify_add_watch(fd_, folder.c_str(), IN_ACCESS);
+AccessWatch::AccessWatch(const std::string& folder) {
+    fan_ = ::fanotify_init(FAN_CLASS_CONTENT | FAN_CLOEXEC, O_RDONLY | O_LARGEFILE);
+    if (fan_ >= 0 && ::fanotify_mark(fan_, FAN_MARK_ADD, FAN_ACCESS_PERM | FAN_EVENT_ON_CHILD,
+                                     AT_FDCWD, folder.c_str()) != 0) {
+        ::close(fan_);
+        fan_ = -1;
+    }
+    if (fan_ < 0) {
+        fd_ = ::inotify_init1(IN_CLOEXEC);
+        ::inotify_add_watch(fd_, folder.c_str(), IN_ACCESS);
+    }
 }
 
 AccessWatch::~AccessWatch() {
-    ::close(fd_);
+    if (fd_ >= 0) {
+        ::close(fd_);
+    }
+    if (fan_ >= 0) {
+        ::close(fan_); // every read still waiting is allowed
+    }
+}
+
+void AccessWatch::allow(int eventFd) {
+    const fanotify_response r{eventFd, FAN_ALLOW};
+    if (::write(fan_, &r, sizeof r) != static_cast<ssize_t>(sizeof r)) {
+        ADD_FAILURE() << "fanotify answer: " << std::strerror(errno);
+    }
+    ::close(eventFd);
+}
+
+bool AccessWatch::holdFirstAccess(pid_t pid, const std::function<void()>& whileHeld) {
+    if (fan_ < 0) {
+        if (!stopOnAccess(pid)) {
+            return false;
+        }
+        whileHeld();
+        ::kill(pid, SIGCONT);
+        return true;
+    }
+    // whileHeld runs on its own thread, so that reads it makes (or starts)
+    // in the watched folder are answered here meanwhile.
+    int held = -1;
+    std::atomic<bool> done{false};
+    std::thread worker;
+    alignas(fanotify_event_metadata) char buf[8192];
+    while (held < 0 || !done) {
+        pollfd p{fan_, POLLIN, 0};
+        const int ready = ::poll(&p, 1, held >= 0 ? 10 : 60000);
+        if (ready == 0 && held < 0) {
+            return false;
+        }
+        if (ready <= 0) {
+            continue;
+        }
+        ssize_t n = ::read(fan_, buf, sizeof buf);
+        for (auto* m = reinterpret_cast<fanotify_event_metadata*>(buf); FAN_EVENT_OK(m, n);
+             m = FAN_EVENT_NEXT(m, n)) {
+            if (m->fd < 0) {
+                continue;
+            }
+            if (held < 0 && m->pid != ::getpid()) {
+                held = m->fd;
+                worker = std::thread([&] {
+                    whileHeld();
+                    done = true;
+                });
+                continue;
+            }
+            allow(m->fd);
+        }
+    }
+    worker.join();
+    allow(held);
+    ::close(fan_);
+    fan_ = -1;
+    return true;
 }
 
 bool AccessWatch::stopOnAccess(pid_t pid) {

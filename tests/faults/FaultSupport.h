@@ -32,16 +32,22 @@ std::string fileEntry(const std::string& bytes);
 // mount; false (skip) when the system does not allow it.
 bool privateMounts();
 
-// Waits for the first access to a file in folder (inotify), then stops the
-// process pid (SIGSTOP) and returns; false when nothing came within a minute.
+// Holds the first read of a file in folder by another process until
+// whileHeld has run. As root the read itself waits in the kernel (fanotify
+// permission event), so the race is exact under any load; elsewhere the
+// process pid is stopped (SIGSTOP) as soon as inotify sees the read. False
+// when nothing came within a minute.
 class AccessWatch {
   public:
     explicit AccessWatch(const std::string& folder);
     ~AccessWatch();
-    bool stopOnAccess(pid_t pid);
+    bool holdFirstAccess(pid_t pid, const std::function<void()>& whileHeld);
 
   private:
-    int fd_ = -1;
+    bool stopOnAccess(pid_t pid);
+    void allow(int eventFd);
+    int fd_ = -1;  // inotify
+    int fan_ = -1; // fanotify
 };
 // The lines of a text that are not empty.
 std::vector<std::string> nonEmptyLines(const std::string& text);

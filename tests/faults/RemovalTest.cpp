@@ -5,6 +5,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
+#include <sstream>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <thread>
@@ -77,11 +78,8 @@ CliOutcome stoppedWhileComparing(CliRun run, const std::string& folder,
             first();
         }
         watch = std::make_unique<AccessWatch>(folder);
-        helper = std::thread([&] {
-            EXPECT_TRUE(watch->stopOnAccess(pid));
-            whenStopped(pid);
-            ::kill(pid, SIGCONT);
-        });
+        helper = std::thread(
+            [&] { EXPECT_TRUE(watch->holdFirstAccess(pid, [&] { whenStopped(pid); })); });
     };
     const CliOutcome r = runCli(run);
     if (helper.joinable()) {
@@ -225,16 +223,17 @@ TEST(Removal, TwoCleaningsAtOnceNeverTakeTheLastCopy) {
     CliRun first = cleaning("oldest", runtime);
     first.prompt = kPermanentQuestion;
     CliOutcome second;
+    std::thread waiter;
     first.between = [&] {
         CliRun other = cleaning("newest", runtime);
         other.args.push_back("--yes");
         const RunningCli running = startCli(other);
         EXPECT_TRUE(waitForText(running.errPath, "another cleaning is running"));
-        std::thread([&, running] { second = finishCli(running); }).detach();
+        waiter = std::thread([&, running] { second = finishCli(running); });
     };
     const CliOutcome r1 = runCli(first);
-    while (second.status < 0) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    if (waiter.joinable()) {
+        waiter.join();
     }
     EXPECT_EQ(r1.status, 0) << r1.err;
     EXPECT_EQ(second.status, 1) << second.err;
@@ -385,6 +384,11 @@ TEST(Removal, OddMountsNeverCostAFile) {
     const std::vector<std::string> gone = listed(r.out, "removed: ");
     ASSERT_EQ(gone.size(), 1u);
     EXPECT_EQ(snapshot(tree.path("full/.Trash-0/files")).at("x"), fileEntry("twin"));
+    std::stringstream info;
+    info << std::ifstream(tree.path("full/.Trash-0/info/x.trashinfo")).rdbuf();
+    EXPECT_NE(info.str().find("\nPath=" + gone[0].substr(tree.path("full/").size()) + "\n"),
+              std::string::npos)
+        << info.str(); // relative to the top of its mount
     tree.write(rel(tree, gone[0]), "twin");
     tree.writeSized("full/filler", 1 << 20); // fails part way: the disk is full
     before = snapshot(tree.root());

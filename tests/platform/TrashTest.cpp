@@ -135,7 +135,9 @@ TEST_F(TrashTest, AnUnusableTrashFailsAtOnceAndLosesNothing) {
     const std::string savedHome = oldHome ? oldHome : "";
     ::setenv("HOME", home.c_str(), 1);
     const std::string cwd = tree.mkdir("cwd");
-    const std::string savedCwd = ::get_current_dir_name();
+    char* cwdNow = ::get_current_dir_name();
+    const std::string savedCwd = cwdNow != nullptr ? cwdNow : "/";
+    std::free(cwdNow);
     ASSERT_EQ(::chdir(cwd.c_str()), 0);
     const RemovalResult r = act(tree.write("f/a", "a"), true);
     ASSERT_EQ(::chdir(savedCwd.c_str()), 0);

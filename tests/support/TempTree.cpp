@@ -15,8 +15,10 @@ namespace fs = std::filesystem;
 
 namespace twinsweep::testing {
 
-TempTree::TempTree() {
-    std::string tmpl = (fs::temp_directory_path() / "twinsweep-test-XXXXXX").string();
+TempTree::TempTree(const std::string& base) {
+    std::string tmpl =
+        ((base.empty() ? fs::temp_directory_path() : fs::path(base)) / "twinsweep-test-XXXXXX")
+            .string();
     if (::mkdtemp(tmpl.data()) == nullptr) {
         throw std::runtime_error("mkdtemp failed");
     }

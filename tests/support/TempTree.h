@@ -10,7 +10,8 @@ namespace twinsweep::testing {
 // A temporary folder, removed with everything in it when the object goes.
 class TempTree {
   public:
-    TempTree();
+    // In the system's temporary folder, or under base when given.
+    explicit TempTree(const std::string& base = {});
     ~TempTree();
     TempTree(const TempTree&) = delete;
     TempTree& operator=(const TempTree&) = delete;

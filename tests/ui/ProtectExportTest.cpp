@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
@@ -176,4 +177,65 @@ void ProtectExportTest::exportsReadBackWithTheirMarks() {
     QVERIFY(finished.wait(20000));
     QVERIFY(!finished.back().at(0).toString().isEmpty());
     QVERIFY(answers.allAnswered());
+}
+
+void ProtectExportTest::linksAskNothingAndUndoPutsTrashedCopiesBack() {
+    const auto settings = SettingsManager::shared();
+    {
+        ViewController main;
+        main.radioReplaceWithHardLinks->click();
+        QVERIFY(settings->replaceWithHardLinks && !settings->moveToTrash);
+        QVERIFY(!main.radioMoveDuplicateFilesToTrash->isChecked());
+        main.OnFileNew();
+        QVERIFY(!settings->replaceWithHardLinks && settings->moveToTrash);
+        main.radioReplaceWithHardLinks->click();
+    }
+    FoundDuplicates found;
+    const std::string a = found.tree.write("a/x.jpg", "twin pictures");
+    const std::string b = found.tree.write("b/x.jpg", "twin pictures");
+    QCOMPARE(found.search(), std::size_t{1});
+    const auto clean = [&](const char* segment) {
+        ViewControllerDuplicates w(nullptr);
+        w.show();
+        QVERIFY(settled(w));
+        w.checkApplyForAll->click();
+        w.segmentedControlKeep->segmentButton(QString::fromLatin1(segment).toInt())->click();
+        QVERIFY(settled(w));
+        ModalAnswers answers;
+        answers.alert(QStringLiteral("OK"));
+        w.buttonClean->click();
+        QVERIFY(answers.allAnswered());
+        QCOMPARE(answers.said.size(), 1); // only the done alert
+        QVERIFY(!w.isVisible());
+    };
+    // Keep oldest with links: each group becomes one file under two names.
+    clean("1");
+    struct stat sa {
+    }, sb{};
+    QVERIFY(::stat(a.c_str(), &sa) == 0 && ::stat(b.c_str(), &sb) == 0);
+    QCOMPARE(sa.st_ino, sb.st_ino);
+
+    // Now to the Trash, then Edit > Undo Clean in the main window.
+    const QByteArray savedDataHome = qgetenv("XDG_DATA_HOME");
+    qputenv("XDG_DATA_HOME", QByteArray::fromStdString(found.tree.mkdir("data")));
+    settings->replaceWithHardLinks = false;
+    settings->moveToTrash = true;
+    const std::string c = found.tree.write("c/y.jpg", "other twins");
+    const std::string d = found.tree.write("d/y.jpg", "other twins");
+    QCOMPARE(found.search(), std::size_t{1});
+    clean("1");
+    QVERIFY(!exists(c) || !exists(d));
+    ViewController main;
+    QVERIFY(main.actionUndoClean->isEnabled());
+    ModalAnswers answers;
+    answers.alert(QStringLiteral("OK"));
+    main.actionUndoClean->trigger();
+    if (savedDataHome.isNull()) {
+        qunsetenv("XDG_DATA_HOME");
+    } else {
+        qputenv("XDG_DATA_HOME", savedDataHome);
+    }
+    QCOMPARE(answers.said, QStringList{"1 file was put back where it was."});
+    QVERIFY(exists(c) && exists(d));
+    QVERIFY(!main.actionUndoClean->isEnabled());
 }

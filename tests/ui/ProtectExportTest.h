@@ -2,8 +2,8 @@
 
 #include <QObject>
 
-// Protected folders in the main and results windows, and the results
-// window's export.
+// Protected folders in the main and results windows, the results window's
+// export, the hard-link choice and Edit > Undo Clean.
 class ProtectExportTest : public QObject {
     Q_OBJECT
   private slots:
@@ -11,4 +11,5 @@ class ProtectExportTest : public QObject {
     void folderTableProtectsFolders();
     void protectedCopiesCannotBeTickedOrCleaned();
     void exportsReadBackWithTheirMarks();
+    void linksAskNothingAndUndoPutsTrashedCopiesBack();
 };

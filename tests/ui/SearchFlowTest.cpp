@@ -276,8 +276,7 @@ void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     answers.then("twinsweep::ui::ViewControllerDuplicates", [](QWidget* modal) { modal->close(); });
     window->buttonFindDuplicateFiles->click();
 
-    // Empty during the walk (which a busy machine may finish before the
-    // first look), then bytes of the 256 MB growing.
+    // Empty during the walk (if the window saw it), then bytes of the 256 MB.
     if (!lines.isEmpty() && lines.front().isEmpty()) {
         lines.removeFirst();
     }

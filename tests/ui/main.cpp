@@ -30,6 +30,10 @@ int main(int argc, char** argv) {
     // Help pages are written to the cache folder; keep the user's untouched.
     QTemporaryDir cache;
     qputenv("XDG_CACHE_HOME", cache.path().toLocal8Bit());
+    // The cleaning lock lives there: the windows' cleans must not wait on (or
+    // hold up) the command-line tool run by other test programs meanwhile.
+    QTemporaryDir runtime;
+    qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("twinsweep-tests"));
     // The tests open and close main windows one after another.

@@ -8,6 +8,7 @@
 #include "selection/Cleaning.h"
 #include "ui/duplicates/GroupsModel.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
+#include "ui/main/UndoClean.h"
 #include "ui/shell/Alert.h"
 
 namespace twinsweep::ui {
@@ -52,7 +53,18 @@ void ViewControllerDuplicates::OnClean() {
         return;
     }
     PlatformRemover remover;
-    const CleaningReport report = clean(fileList, *settingsManager, prompt, remover);
+    std::vector<TrashedCopy> trashed;
+    CleaningRun run;
+    run.done = [&trashed](const DuplicateFile& m, const RemovalResult& r) {
+        if (r.ok && !r.trashed.originalPath.empty()) {
+            trashed.push_back({r.trashed, m.seen});
+        }
+        return true;
+    };
+    const CleaningReport report = clean(fileList, *settingsManager, prompt, remover, run);
+    if (!trashed.empty()) {
+        lastCleanTrashed() = std::move(trashed); // Edit > Undo Clean in the main window
+    }
     if (report.outcome != CleaningOutcome::Cleaned) {
         return;
     }

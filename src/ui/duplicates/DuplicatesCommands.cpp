@@ -28,6 +28,8 @@ void ViewControllerDuplicates::buildCommands() {
     file->addSeparator();
     addCommand(file, QStringLiteral("&Clean..."), QKeySequence(Qt::CTRL | Qt::Key_Delete),
                [this] { buttonClean->click(); });
+    addCommand(file, QStringLiteral("&Export..."), QKeySequence(Qt::CTRL | Qt::Key_E),
+               [this] { buttonExport->click(); });
 
     QMenu* edit = addCommandMenu(menuBar(), QStringLiteral("&Edit"));
     addCommand(

@@ -48,6 +48,7 @@ ViewController::ViewController(QWidget* parent)
     buildLayout();
     buildMenus();
     ResetSettings();
+    updateUndoClean();
 }
 
 ViewController::~ViewController() = default;
@@ -176,12 +177,14 @@ void ViewController::OnCustomFileTypesRemoveAll() {
 void ViewController::OnMoveDuplicateFilesToTrashSelected() {
     radioMoveDuplicateFilesToTrash->setChecked(true);
     radioRemoveDuplicateFilesPermanently->setChecked(false);
+    radioReplaceWithHardLinks->setChecked(false);
     UpdateSettings();
 }
 
 void ViewController::OnRemoveDuplicateFilesPermanentlySelected() {
     radioRemoveDuplicateFilesPermanently->setChecked(true);
     radioMoveDuplicateFilesToTrash->setChecked(false);
+    radioReplaceWithHardLinks->setChecked(false);
     UpdateSettings();
 }
 
@@ -196,6 +199,7 @@ void ViewController::OnCompareLargeFilesByContentChecked() {
 void ViewController::UpdateSettings() {
     settingsManager->customFileTypes = radioCustomFileTypes->isChecked();
     settingsManager->moveToTrash = radioMoveDuplicateFilesToTrash->isChecked();
+    settingsManager->replaceWithHardLinks = radioReplaceWithHardLinks->isChecked();
     settingsManager->ignorePackages = checkIgnoreBundles->isChecked();
     settingsManager->compareLargeFilesByContent = checkCompareLargeFilesByContent->isChecked();
 }
@@ -215,6 +219,7 @@ void ViewController::ResetSettings() {
 
     radioMoveDuplicateFilesToTrash->setChecked(true);
     radioRemoveDuplicateFilesPermanently->setChecked(false);
+    radioReplaceWithHardLinks->setChecked(false);
     checkIgnoreBundles->setChecked(true);
     checkCompareLargeFilesByContent->setChecked(false);
 
@@ -226,6 +231,7 @@ void ViewController::ResetSettings() {
     s.maximumFileSize = 107374182400ULL;
     s.customFileTypes = false;
     s.moveToTrash = true;
+    s.replaceWithHardLinks = false;
     s.ignorePackages = true;
     s.compareLargeFilesByContent = false;
 
@@ -249,6 +255,7 @@ void ViewController::OnFindDuplicateFiles() {
 
 void ViewController::ShowDuplicatesWindow() {
     WindowFactory::runModal(kWindowControllerDuplicates, this);
+    updateUndoClean();
 }
 
 void ViewController::updateOutsideLocationsLine() {

@@ -3,6 +3,7 @@
 #include <QMainWindow>
 #include <memory>
 
+class QAction;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
@@ -50,6 +51,10 @@ class ViewController : public QMainWindow {
     QPushButton* buttonCustomFileTypesRemoveAll = nullptr;
     QRadioButton* radioMoveDuplicateFilesToTrash = nullptr;
     QRadioButton* radioRemoveDuplicateFilesPermanently = nullptr;
+    // Our addition: marked copies become hard links to a kept copy.
+    QRadioButton* radioReplaceWithHardLinks = nullptr;
+    // Edit > Undo Clean, enabled while a clean to the Trash can be undone.
+    QAction* actionUndoClean = nullptr;
     QCheckBox* checkIgnoreBundles = nullptr;
     QCheckBox* checkCompareLargeFilesByContent = nullptr;
     QPushButton* buttonFindDuplicateFiles = nullptr;
@@ -70,6 +75,9 @@ class ViewController : public QMainWindow {
     void OnCustomFileTypesRemoveAll();
     void OnMoveDuplicateFilesToTrashSelected();
     void OnRemoveDuplicateFilesPermanentlySelected();
+    void OnReplaceWithHardLinksSelected();
+    // Puts back what the last clean to the Trash moved there (UndoClean.cpp).
+    void OnUndoClean();
     void OnIgnoreBundlesChecked();
     void OnCompareLargeFilesByContentChecked();
     void OnFindDuplicateFiles();
@@ -96,6 +104,7 @@ class ViewController : public QMainWindow {
     // Builds the controls and menus (ViewControllerLayout.cpp).
     void buildLayout();
     void buildMenus();
+    void updateUndoClean();
     void buildListCommands(QMenu* edit);
     QWidget* buildOutsideLocationsLine(QWidget* parent);
     void setExtensionControlsEnabled(bool enabled);

@@ -157,9 +157,16 @@ void ViewController::buildLayout() {
     radioRemoveDuplicateFilesPermanently =
         named(new QRadioButton(QStringLiteral("Delete duplicate files permanently"), options),
               "radioRemoveDuplicateFilesPermanently");
+    radioReplaceWithHardLinks =
+        named(new QRadioButton(QStringLiteral("Replace duplicate files with hard links"), options),
+              "radioReplaceWithHardLinks");
+    radioReplaceWithHardLinks->setToolTip(
+        QStringLiteral("Each removed copy becomes a hard link to a kept copy: every path keeps "
+                       "working and the contents are stored once."));
     auto* removalGroup = new QButtonGroup(options);
     removalGroup->addButton(radioMoveDuplicateFilesToTrash);
     removalGroup->addButton(radioRemoveDuplicateFilesPermanently);
+    removalGroup->addButton(radioReplaceWithHardLinks);
     checkIgnoreBundles = named(
         new QCheckBox(QStringLiteral("Skip packages (application bundles and similar folders)"),
                       options),
@@ -171,7 +178,7 @@ void ViewController::buildLayout() {
         QStringLiteral("Files of 100 MB and more are otherwise matched by size alone."));
     for (QWidget* w : std::initializer_list<QWidget*>{
              radioMoveDuplicateFilesToTrash, radioRemoveDuplicateFilesPermanently,
-             checkIgnoreBundles, checkCompareLargeFilesByContent}) {
+             radioReplaceWithHardLinks, checkIgnoreBundles, checkCompareLargeFilesByContent}) {
         optionRows->addWidget(w);
     }
     page->addWidget(options);
@@ -185,7 +192,7 @@ void ViewController::buildLayout() {
     bottom->addWidget(buttonFindDuplicateFiles);
     page->addLayout(bottom);
     setCentralWidget(central);
-    resize(640, 720);
+    resize(640, 750);
 
     connect(buttonAddFolder, &QPushButton::clicked, this, &ViewController::OnAddFolder);
     connect(buttonRemoveSelected, &QPushButton::clicked, this, &ViewController::OnRemoveSelected);
@@ -210,6 +217,8 @@ void ViewController::buildLayout() {
             &ViewController::OnMoveDuplicateFilesToTrashSelected);
     connect(radioRemoveDuplicateFilesPermanently, &QRadioButton::clicked, this,
             &ViewController::OnRemoveDuplicateFilesPermanentlySelected);
+    connect(radioReplaceWithHardLinks, &QRadioButton::clicked, this,
+            &ViewController::OnReplaceWithHardLinksSelected);
     connect(checkIgnoreBundles, &QCheckBox::clicked, this, &ViewController::OnIgnoreBundlesChecked);
     connect(checkCompareLargeFilesByContent, &QCheckBox::clicked, this,
             &ViewController::OnCompareLargeFilesByContentChecked);
@@ -255,7 +264,14 @@ void ViewController::buildMenus() {
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
     connect(quit, &QAction::triggered, this, &ViewController::OnAppQuit);
-    buildListCommands(menuBar()->addMenu(QStringLiteral("&Edit")));
+    QMenu* edit = menuBar()->addMenu(QStringLiteral("&Edit"));
+    actionUndoClean = edit->addAction(QStringLiteral("&Undo Clean"));
+    actionUndoClean->setObjectName(QStringLiteral("actionUndoClean"));
+    actionUndoClean->setShortcut(QKeySequence::Undo);
+    connect(actionUndoClean, &QAction::triggered, this, &ViewController::OnUndoClean);
+    connect(edit, &QMenu::aboutToShow, this, &ViewController::updateUndoClean);
+    edit->addSeparator();
+    buildListCommands(edit);
     addWindowMenu(menuBar(), [this] { OnMinimize(); });
     addHelpMenu(
         menuBar(), [this] { OnRemoveDuplicatesFromMac(); }, [this] { OnCustomSelectDuplicates(); });

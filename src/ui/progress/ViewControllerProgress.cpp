@@ -116,16 +116,19 @@ void ViewControllerProgress::repaintLatest() {
 void ViewControllerProgress::showBytes() {
     const std::uint64_t total = bytes_->total();
     const std::uint64_t done = bytes_->done();
+    const std::int64_t checked = latestChecked_.load(std::memory_order_relaxed);
+    const std::int64_t files = latestTotal_.load(std::memory_order_relaxed);
     const QString line =
-        QString::fromStdString(timeLeft_.line(done, total, TimeLeft::Clock::now()));
+        QString::fromStdString(timeLeft_.line(done, total, TimeLeft::Clock::now(), checked, files));
     if (textFieldBytesCompared->text() != line) {
         textFieldBytesCompared->setText(line);
     }
     if (total > 0) {
         // Large files move the bar as they are read; it never goes back.
-        const int bytesPercent = static_cast<int>(done * 100 / total);
-        if (bytesPercent > progressIndicator->value()) {
-            progressIndicator->setValue(bytesPercent);
+        const int percent =
+            static_cast<int>(TimeLeft::doneFraction(done, total, checked, files) * 100);
+        if (percent > progressIndicator->value()) {
+            progressIndicator->setValue(percent);
         }
     }
 }
