@@ -2,34 +2,21 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "selection/CustomSettingsText.h"
 #include "settings/SettingsManager.h"
+#include "support/Cli.h"
 #include "support/TempTree.h"
 
 using twinsweep::testing::TempTree;
 
 namespace {
 
-struct Outcome {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-std::string slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
-}
+using Outcome = twinsweep::testing::CliOutcome;
+using twinsweep::testing::slurp;
 
 bool exists(const std::string& path) {
     struct stat st {};
@@ -53,30 +40,17 @@ struct Acting : ::testing::Test {
         tree.write("files/b/two.txt", "two!");
     }
 
-    // stdinFd: what the program reads as standard input (-1: /dev/null).
-    Outcome run(std::vector<std::string> args, int stdinFd = -1) {
-        const std::string out = scratch.path("stdout");
-        const std::string err = scratch.path("stderr");
+    // A terminal answers a question showing prompt with answer.
+    Outcome run(std::vector<std::string> args, const std::string& prompt = {},
+                const std::string& answer = {}) {
+        twinsweep::testing::CliRun r;
         args.insert(args.begin(), "--any-location");
         args.push_back(root);
-        const pid_t pid = ::fork();
-        if (pid == 0) {
-            ::setenv("XDG_DATA_HOME", tree.path("data").c_str(), 1);
-            const int in = stdinFd >= 0 ? stdinFd : ::open("/dev/null", O_RDONLY);
-            ::dup2(in, 0);
-            ::dup2(::open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), 1);
-            ::dup2(::open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), 2);
-            std::vector<char*> argv{const_cast<char*>(TWINSWEEP_CLI_PATH)};
-            for (std::string& a : args) {
-                argv.push_back(a.data());
-            }
-            argv.push_back(nullptr);
-            ::execv(TWINSWEEP_CLI_PATH, argv.data());
-            ::_exit(127);
-        }
-        int raw = 0;
-        ::waitpid(pid, &raw, 0);
-        return {WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw), slurp(out), slurp(err)};
+        r.args = std::move(args);
+        r.env = {"XDG_DATA_HOME=" + tree.path("data")};
+        r.prompt = prompt;
+        r.answer = answer;
+        return twinsweep::testing::runCli(r);
     }
 
     int filesLeft() {
@@ -137,26 +111,14 @@ TEST_F(Acting, QuestionsNeedYesOrATerminal) {
     EXPECT_EQ(filesLeft(), 5);
 
     // A terminal is asked: "n" keeps everything, "y" goes on.
-    const int master = ::posix_openpt(O_RDWR | O_NOCTTY);
-    ASSERT_GE(master, 0);
-    ASSERT_EQ(::grantpt(master), 0);
-    ASSERT_EQ(::unlockpt(master), 0);
-    const int slave = ::open(::ptsname(master), O_RDWR | O_NOCTTY);
-    ASSERT_GE(slave, 0);
-    ASSERT_EQ(::write(master, "n\n", 2), 2);
-    r = run({"--keep", "oldest", "--delete"}, slave);
+    const std::string asked = "permanently remove the selected duplicate files. Continue? [y/N]";
+    r = run({"--keep", "oldest", "--delete"}, asked, "n\n");
     EXPECT_EQ(r.status, 1);
-    EXPECT_NE(r.err.find("permanently remove the selected duplicate files. Continue? [y/N]"),
-              std::string::npos)
-        << r.err;
     EXPECT_EQ(filesLeft(), 5);
-    ASSERT_EQ(::write(master, "y\n", 2), 2);
-    r = run({"--keep", "oldest", "--delete"}, slave);
+    r = run({"--keep", "oldest", "--delete"}, asked, "y\n");
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(filesLeft(), 2);
     EXPECT_FALSE(exists(trash + "/files")); // only the cleaning lock lives there
-    ::close(slave);
-    ::close(master);
 
     SetUp(); // all five files again
     r = run({"--keep", "none", "--delete", "--yes"});

@@ -3,16 +3,15 @@
 
 #include <chrono>
 #include <csignal>
-#include <fcntl.h>
 #include <fstream>
-#include <sstream>
-#include <sys/wait.h>
+#include <fcntl.h>
 #include <thread>
 #include <unistd.h>
 
 #include <set>
 
 #include "export/ResultsExport.h"
+#include "support/Cli.h"
 #include "support/Csv.h"
 #include "support/TempTree.h"
 
@@ -20,54 +19,11 @@ using twinsweep::testing::TempTree;
 
 namespace {
 
-struct Outcome {
-    int status = -1; // exit code, or 128 + signal
-    std::string out;
-    std::string err;
-};
+using Outcome = twinsweep::testing::CliOutcome;
+using twinsweep::testing::runCli;
 
-std::string slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
-}
-
-// Starts the program with args; out and err go to files in scratch.
-pid_t start(const std::vector<std::string>& args, const TempTree& scratch) {
-    const std::string out = scratch.path("stdout");
-    const std::string err = scratch.path("stderr");
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        const int o = ::open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        const int e = ::open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        ::dup2(o, 1);
-        ::dup2(e, 2);
-        std::vector<char*> argv;
-        argv.push_back(const_cast<char*>(TWINSWEEP_CLI_PATH));
-        for (const std::string& a : args) {
-            argv.push_back(const_cast<char*>(a.c_str()));
-        }
-        argv.push_back(nullptr);
-        ::execv(TWINSWEEP_CLI_PATH, argv.data());
-        ::_exit(127);
-    }
-    return pid;
-}
-
-Outcome finish(pid_t pid, const TempTree& scratch) {
-    int raw = 0;
-    ::waitpid(pid, &raw, 0);
-    Outcome r;
-    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
-    r.out = slurp(scratch.path("stdout"));
-    r.err = slurp(scratch.path("stderr"));
-    return r;
-}
-
-Outcome run(const std::vector<std::string>& args) {
-    TempTree scratch;
-    return finish(start(args, scratch), scratch);
+Outcome run(std::vector<std::string> args) {
+    return runCli(std::move(args));
 }
 
 } // namespace
@@ -242,15 +198,17 @@ TEST(Cli, InterruptCancelsTheSearchAndWritesNothing) {
         ASSERT_EQ(::pwrite(fd, &last, 1, (90 << 20) - 1), 1);
         ::close(fd);
     }
-    TempTree scratch;
-    const pid_t pid = start({"--any-location", "--format", "json", tree.root()}, scratch);
+    twinsweep::testing::CliRun search;
+    search.args = {"--any-location", "--format", "json", tree.root()};
+    const auto running = twinsweep::testing::startCli(search);
+    const pid_t pid = running.pid;
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     while (!handlesInterrupt(pid) && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
     ::kill(pid, SIGINT);
-    const Outcome r = finish(pid, scratch);
+    const Outcome r = twinsweep::testing::finishCli(running);
     EXPECT_EQ(r.status, 130) << r.err;
     EXPECT_EQ(r.out, "");
 }

@@ -10,6 +10,8 @@
 #include <sys/types.h>
 #include <vector>
 
+#include "support/Cli.h"
+
 namespace twinsweep::testing {
 
 // Everything under a folder, by path relative to it: a regular file's size and
@@ -25,45 +27,6 @@ std::string fileEntry(const std::string& bytes);
 // the relative paths in gone (which must really be gone).
 ::testing::AssertionResult nothingLost(const Snapshot& before, const Snapshot& after,
                                        const std::set<std::string>& gone = {});
-
-struct CliOutcome {
-    int status = -1; // exit code, or 128 + signal
-    std::string out;
-    std::string err;
-};
-
-// One run of the real twinsweep-cli.
-struct CliRun {
-    std::vector<std::string> args;
-    // When prompt is set, standard input is a terminal: once standard error
-    // shows prompt, between() runs and answer is typed.
-    std::string prompt;
-    std::function<void()> between;
-    std::string answer = "y\n";
-    // Extra environment settings, NAME=VALUE.
-    std::vector<std::string> env;
-    // Run as an ordinary user (nobody) when the tests run as root.
-    bool unprivileged = false;
-    // Called with the tool's process id while it runs (to signal it, say).
-    std::function<void(pid_t)> whileRunning;
-    // Standard output is a pipe nobody reads any more.
-    bool closedOutput = false;
-    std::string cwd;
-};
-
-CliOutcome runCli(const CliRun& run);
-
-// A run of the tool in the background (no terminal).
-struct RunningCli {
-    pid_t pid = -1;
-    std::string outPath;
-    std::string errPath;
-    std::shared_ptr<void> scratch;
-};
-RunningCli startCli(const CliRun& run);
-CliOutcome finishCli(const RunningCli& running);
-// Waits (up to a minute) until the file at path holds needle.
-bool waitForText(const std::string& path, const std::string& needle);
 
 // Moves this test process into a mount namespace of its own, so tests may
 // mount; false (skip) when the system does not allow it.
@@ -86,12 +49,6 @@ class AccessWatch {
     int fd_ = -1;  // inotify
     int fan_ = -1; // fanotify
 };
-inline CliOutcome runCli(std::vector<std::string> args) {
-    CliRun run;
-    run.args = std::move(args);
-    return runCli(run);
-}
-
 // The lines of a text that are not empty.
 std::vector<std::string> nonEmptyLines(const std::string& text);
 

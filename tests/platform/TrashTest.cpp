@@ -6,7 +6,6 @@
 #include <fcntl.h>
 #include <fstream>
 #include <regex>
-#include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,13 +22,6 @@ namespace {
 bool exists(const std::string& path) {
     struct stat st {};
     return ::lstat(path.c_str(), &st) == 0;
-}
-
-std::string slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
 }
 
 // The Path= value of a .trashinfo text, with its %XX escapes undone.

@@ -9,30 +9,8 @@
 
 using namespace twinsweep;
 
-TEST(SettingsManager, FreshInstanceHasTheInitialValues) {
+TEST(SettingsManager, RuleDatesStartAtLocalMidnightOfTheFirstOf2017) {
     const SettingsManager s;
-    EXPECT_TRUE(s.listFolderPaths.empty());
-    EXPECT_EQ(s.minimumFileSize, 204800u);
-    EXPECT_EQ(s.maximumFileSize, 107374182400ull);
-    EXPECT_FALSE(s.customFileTypes);
-    EXPECT_TRUE(s.moveToTrash);
-    EXPECT_TRUE(s.ignorePackages);
-    EXPECT_FALSE(s.searchCanceledByUser);
-    EXPECT_EQ(s.customMessageRespone, 1);
-    EXPECT_EQ(s.firstDateComparisonItem, 1);
-    EXPECT_EQ(s.secondDateComparisonItem, 0);
-    EXPECT_EQ(s.firstFileSizeComparisonItem, 1);
-    EXPECT_EQ(s.firstFileSize, 200);
-    EXPECT_EQ(s.firstFileSizeUnit, 1);
-    EXPECT_EQ(s.secondFileSize, 100);
-    EXPECT_EQ(s.secondFileSizeUnit, 3);
-    EXPECT_EQ(s.customFileType, "jpg");
-    EXPECT_EQ(s.customFilePath, " ");
-    EXPECT_EQ(s.subfoldersState, 1);
-    EXPECT_EQ(s.customSettingsOption, "Cancel");
-    EXPECT_FALSE(s.compareLargeFilesByContent);
-
-    // Both rule dates are local midnight of 1 January 2017.
     for (DateTime d : {s.firstDate, s.secondDate}) {
         const std::time_t t = static_cast<std::time_t>(d);
         std::tm tm{};

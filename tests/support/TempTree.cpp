@@ -153,3 +153,14 @@ std::vector<std::string> lines(const std::string& text) {
 }
 
 } // namespace twinsweep::testing
+
+namespace twinsweep::testing {
+
+std::string slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream ss;
+    ss << in.rdbuf();
+    return ss.str();
+}
+
+} // namespace twinsweep::testing

@@ -54,6 +54,9 @@ class StdoutCapture {
 
 std::vector<std::string> lines(const std::string& text);
 
+// The whole contents of a file (empty when it cannot be read).
+std::string slurp(const std::string& path);
+
 // Runs body in a child process with the rights of an ordinary user (nobody)
 // when the tests run as root, so that permission checks really apply; runs it
 // directly otherwise. The tree must be reachable by that user (see

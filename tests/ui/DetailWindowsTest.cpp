@@ -20,10 +20,8 @@
 
 using twinsweep::FileTools;
 using twinsweep::SettingsManager;
-using twinsweep::testing::alertText;
 using twinsweep::testing::FoundDuplicates;
 using twinsweep::testing::ModalAnswers;
-using twinsweep::testing::pressAlertButton;
 using twinsweep::testing::settled;
 using twinsweep::testing::TempTree;
 using twinsweep::testing::waitUntil;
@@ -163,13 +161,8 @@ void DetailWindowsTest::okChecksTheFolderOnlyWhenItsRuleIsOn() {
     w.show();
 
     ModalAnswers answers;
-    QStringList said;
-    for (int i = 0; i < 2; ++i) {
-        answers.then("QMessageBox", [&](QWidget* modal) {
-            said << alertText(modal);
-            QVERIFY(pressAlertButton(modal, QStringLiteral("OK")));
-        });
-    }
+    answers.alert(QStringLiteral("OK"));
+    answers.alert(QStringLiteral("OK"));
     w.checkCustomFilePath->setChecked(true);
     for (const std::string& bad : {file, tree.path("missing")}) {
         w.textFieldCustomFilePath->setText(QString::fromStdString(bad));
@@ -177,7 +170,7 @@ void DetailWindowsTest::okChecksTheFolderOnlyWhenItsRuleIsOn() {
         QVERIFY(w.isVisible());
         QCOMPARE(SettingsManager::shared()->customSettingsOption, std::string("Cancel"));
     }
-    QCOMPARE(said, (QStringList{kInvalidPath, kInvalidPath}));
+    QCOMPARE(answers.said, (QStringList{kInvalidPath, kInvalidPath}));
     QCOMPARE(SettingsManager::shared()->customFilePathState, std::int64_t{0});
 
     // With the rule off the same text is saved as typed.

@@ -22,10 +22,8 @@
 
 using twinsweep::FilePtr;
 using twinsweep::SettingsManager;
-using twinsweep::testing::alertText;
 using twinsweep::testing::FoundDuplicates;
 using twinsweep::testing::ModalAnswers;
-using twinsweep::testing::pressAlertButton;
 using twinsweep::testing::settled;
 using twinsweep::testing::TempTree;
 using twinsweep::ui::ViewController;
@@ -39,8 +37,7 @@ bool exists(const std::string& path) {
 }
 
 QByteArray slurp(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return QByteArray::fromStdString(twinsweep::testing::slurp(path.toStdString()));
 }
 
 } // namespace
@@ -114,16 +111,11 @@ void ProtectExportTest::protectedCopiesCannotBeTickedOrCleaned() {
     QVERIFY(settled(w));
     QCOMPARE(twinsweep::markedCount(*group), std::int64_t{1});
     ModalAnswers answers;
-    QStringList said;
-    for (const char* button : {"Yes", "OK"}) {
-        answers.then("QMessageBox", [&said, button](QWidget* modal) {
-            said << alertText(modal);
-            QVERIFY(pressAlertButton(modal, QString::fromLatin1(button)));
-        });
-    }
+    answers.alert(QStringLiteral("Yes"));
+    answers.alert(QStringLiteral("OK"));
     w.buttonClean->click();
     QVERIFY(answers.allAnswered());
-    QVERIFY(said.front().contains(QStringLiteral("permanently")));
+    QVERIFY(answers.said.front().contains(QStringLiteral("permanently")));
     QVERIFY(!exists(found.tree.path("dl/a.jpg")));
     QVERIFY(exists(found.tree.path("photos/a.jpg")) && exists(found.tree.path("photos/b.jpg")));
     // Protected copies alone are not listed: the window closes.
@@ -180,7 +172,7 @@ void ProtectExportTest::exportsReadBackWithTheirMarks() {
 
     // A folder that isn't there: an alert, and nothing half written.
     ModalAnswers answers;
-    answers.then("QMessageBox", [](QWidget* modal) { QVERIFY(pressAlertButton(modal, "OK")); });
+    answers.alert(QStringLiteral("OK"));
     w.startExport(QString::fromStdString(out.path("none/d.csv")), twinsweep::ui::ExportFormat::Csv);
     QVERIFY(finished.wait(20000));
     QVERIFY(!finished.back().at(0).toString().isEmpty());
@@ -210,14 +202,10 @@ void ProtectExportTest::linksAskNothingAndUndoPutsTrashedCopiesBack() {
         w.segmentedControlKeep->segmentButton(QString::fromLatin1(segment).toInt())->click();
         QVERIFY(settled(w));
         ModalAnswers answers;
-        QStringList said;
-        answers.then("QMessageBox", [&said](QWidget* modal) {
-            said << alertText(modal);
-            QVERIFY(pressAlertButton(modal, QStringLiteral("OK")));
-        });
+        answers.alert(QStringLiteral("OK"));
         w.buttonClean->click();
         QVERIFY(answers.allAnswered());
-        QCOMPARE(said.size(), 1); // only the done alert
+        QCOMPARE(answers.said.size(), 1); // only the done alert
         QVERIFY(!w.isVisible());
     };
     // Keep oldest with links: each group becomes one file under two names.
@@ -240,18 +228,14 @@ void ProtectExportTest::linksAskNothingAndUndoPutsTrashedCopiesBack() {
     ViewController main;
     QVERIFY(main.actionUndoClean->isEnabled());
     ModalAnswers answers;
-    QString said;
-    answers.then("QMessageBox", [&said](QWidget* modal) {
-        said = alertText(modal);
-        QVERIFY(pressAlertButton(modal, QStringLiteral("OK")));
-    });
+    answers.alert(QStringLiteral("OK"));
     main.actionUndoClean->trigger();
     if (savedDataHome.isNull()) {
         qunsetenv("XDG_DATA_HOME");
     } else {
         qputenv("XDG_DATA_HOME", savedDataHome);
     }
-    QCOMPARE(said, QStringLiteral("1 file was put back where it was."));
+    QCOMPARE(answers.said, QStringList{"1 file was put back where it was."});
     QVERIFY(exists(c) && exists(d));
     QVERIFY(!main.actionUndoClean->isEnabled());
 }

@@ -17,44 +17,6 @@
 
 namespace twinsweep::testing {
 
-// Answers modal windows as they come up: a timer looks for the active modal
-// window and hands each new one to the next handler, in order, when it is of
-// the class that handler expects (others are left to run their course).
-// Handlers run inside the modal window's own event loop, as a user's clicks
-// would.
-class ModalAnswers : public QObject {
-  public:
-    using Handler = std::function<void(QWidget* modal)>;
-
-    ModalAnswers() {
-        connect(&timer_, &QTimer::timeout, this, [this] { poll(); });
-        timer_.start(5);
-    }
-    void then(const char* className, Handler handler) {
-        handlers_.push_back({className, std::move(handler)});
-    }
-    int answered() const { return answered_; }
-    bool allAnswered() const { return handlers_.isEmpty(); }
-
-  private:
-    void poll() {
-        QWidget* modal = QApplication::activeModalWidget();
-        if (modal == nullptr || modal == last_ || !modal->isVisible() || handlers_.isEmpty() ||
-            !modal->inherits(handlers_.front().first)) {
-            return;
-        }
-        last_ = modal;
-        Handler handler = handlers_.takeFirst().second;
-        ++answered_;
-        handler(modal);
-    }
-
-    QTimer timer_;
-    QList<std::pair<const char*, Handler>> handlers_;
-    QPointer<QWidget> last_;
-    int answered_ = 0;
-};
-
 // The informative text of a message box, or "" if modal is something else.
 inline QString alertText(QWidget* modal) {
     auto* box = qobject_cast<QMessageBox*>(modal);
@@ -75,6 +37,56 @@ inline bool pressAlertButton(QWidget* modal, const QString& title) {
     }
     return false;
 }
+
+// Answers modal windows as they come up: a timer looks for the active modal
+// window and hands each new one to the next handler, in order, when it is of
+// the class that handler expects (others are left to run their course).
+// Handlers run inside the modal window's own event loop, as a user's clicks
+// would.
+class ModalAnswers : public QObject {
+  public:
+    using Handler = std::function<void(QWidget* modal)>;
+
+    ModalAnswers() {
+        connect(&timer_, &QTimer::timeout, this, [this] { poll(); });
+        timer_.start(5);
+    }
+    void then(const char* className, Handler handler) {
+        handlers_.push_back({className, std::move(handler)});
+    }
+    // The next message box: its informative text goes to said, then button
+    // is pressed.
+    void alert(const QString& button) {
+        then("QMessageBox", [this, button](QWidget* modal) {
+            said << alertText(modal);
+            QVERIFY(pressAlertButton(modal, button));
+        });
+    }
+    int answered() const { return answered_; }
+    bool allAnswered() const { return handlers_.isEmpty(); }
+
+  private:
+    void poll() {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (modal == nullptr || modal == last_ || !modal->isVisible() || handlers_.isEmpty() ||
+            !modal->inherits(handlers_.front().first)) {
+            return;
+        }
+        last_ = modal;
+        Handler handler = handlers_.takeFirst().second;
+        ++answered_;
+        handler(modal);
+    }
+
+  public:
+    QStringList said;
+
+  private:
+    QTimer timer_;
+    QList<std::pair<const char*, Handler>> handlers_;
+    QPointer<QWidget> last_;
+    int answered_ = 0;
+};
 
 // Lets the event loop run until done() holds or the time runs out.
 inline bool waitUntil(const std::function<bool()>& done, int timeoutMs = 20000) {

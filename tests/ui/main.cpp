@@ -2,6 +2,12 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
 #include "DetailWindowsTest.h"
 #include "DuplicatesWindowTest.h"
 #include "MainWindowTest.h"
@@ -10,6 +16,16 @@
 #include "ShellTest.h"
 #include "ui/platform/FileTypeIcons.h"
 
+namespace {
+
+template <typename T> std::pair<const char*, std::function<std::unique_ptr<QObject>()>> entry() {
+    return {T::staticMetaObject.className(), [] { return std::make_unique<T>(); }};
+}
+
+} // namespace
+
+// ui_tests [Class] [QTest options]: runs every class, or only the one named
+// first (each class is its own ctest entry).
 int main(int argc, char** argv) {
     // Help pages are written to the cache folder; keep the user's untouched.
     QTemporaryDir cache;
@@ -23,30 +39,24 @@ int main(int argc, char** argv) {
     // The tests open and close main windows one after another.
     QApplication::setQuitOnLastWindowClosed(false);
     twinsweep::ui::chooseIconTheme(); // as the application does at launch
+    const std::vector classes = {entry<ShellTest>(),         entry<MainWindowTest>(),
+                                 entry<SearchFlowTest>(),    entry<DuplicatesWindowTest>(),
+                                 entry<DetailWindowsTest>(), entry<ProtectExportTest>()};
+    const char* only = nullptr;
+    if (argc > 1 && argv[1][0] != '-') {
+        only = argv[1];
+        argv[1] = argv[0];
+        ++argv;
+        --argc;
+    }
     int failed = 0;
-    {
-        ShellTest shell;
-        failed += QTest::qExec(&shell, argc, argv);
+    bool found = false;
+    for (const auto& [name, make] : classes) {
+        if (only == nullptr || std::strcmp(only, name) == 0) {
+            found = true;
+            std::unique_ptr<QObject> test = make();
+            failed += QTest::qExec(test.get(), argc, argv);
+        }
     }
-    {
-        MainWindowTest mainWindow;
-        failed += QTest::qExec(&mainWindow, argc, argv);
-    }
-    {
-        SearchFlowTest search;
-        failed += QTest::qExec(&search, argc, argv);
-    }
-    {
-        DuplicatesWindowTest results;
-        failed += QTest::qExec(&results, argc, argv);
-    }
-    {
-        DetailWindowsTest details;
-        failed += QTest::qExec(&details, argc, argv);
-    }
-    {
-        ProtectExportTest additions;
-        failed += QTest::qExec(&additions, argc, argv);
-    }
-    return failed == 0 ? 0 : 1;
+    return found && failed == 0 ? 0 : 1;
 }
