@@ -2,6 +2,7 @@
 // command-line tool; every case compares the tree before and after.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
@@ -198,8 +199,12 @@ TEST(Removal, ACopyIsRemovedOnlyThroughTheFolderTheSearchWalked) {
 }
 
 TEST(Removal, TwoCleaningsAtOnceNeverTakeTheLastCopy) {
+    // Keep Oldest and Keep Newest must pick different copies: member dates
+    // count whole seconds, so the twins are made a second apart.
+    const auto nextSecond = [] { std::this_thread::sleep_for(std::chrono::milliseconds(1100)); };
     TempTree tree;
     largeTwin(tree, "a/x");
+    nextSecond();
     largeTwin(tree, "b/x");
     const std::string a = tree.path("a/x");
     const std::string b = tree.path("b/x");
@@ -215,6 +220,7 @@ TEST(Removal, TwoCleaningsAtOnceNeverTakeTheLastCopy) {
         const Snapshot after = snapshot(tree.root());
         EXPECT_EQ(after.count("a/x") + after.count("b/x"), 1u) << what;
         EXPECT_TRUE(nothingLost(before, after, {after.count("a/x") ? "b/x" : "a/x"})) << what;
+        nextSecond();
         largeTwin(tree, after.count("a/x") ? "b/x" : "a/x");
     };
 
