@@ -6,7 +6,7 @@
 
 namespace twinsweep {
 
-// The user's freedesktop Trash (Trash specification 1.0). An item is only
+// The user's freedesktop.org Trash (the public Trash standard, version 1.0). An item is only
 // ever renamed into a Trash on its own file system, never copied: the home
 // Trash ($XDG_DATA_HOME/Trash) when it is on the same file system, else the
 // Trash at the top of the item's mount ($topdir/.Trash/$uid when .Trash is a
