@@ -26,3 +26,31 @@ case "$HOME" in
   *) demo=/mnt/twinsweep-demo ;;
 esac
 rm -rf "$demo"
+
+# Starts a virtual display of the given size (e.g. 1100x800) and the
+# application on it; main is its main window. Both stop, and the demo folder
+# goes, when the script ends.
+start_app() {
+  display=:$((90 + RANDOM % 9))
+  Xvfb "$display" -screen 0 "$1x24" -nolisten tcp &
+  xvfb=$!
+  trap 'kill "$app" "$xvfb" 2>/dev/null || true; rm -rf "$demo"' EXIT
+  export DISPLAY=$display
+  sleep 1
+  "$APP" &
+  app=$!
+  main=$(xdotool search --sync --onlyvisible --name '^Twinsweep$' | head -n 1)
+  sleep 1
+}
+
+# Adds a folder through the folder dialog (Add Folder, Ctrl+O): its name
+# field has the focus.
+add_folder() {
+  xdotool windowfocus --sync "$main"
+  xdotool key ctrl+o
+  xdotool search --sync --onlyvisible --name '^Select Folder\(s\)' >/dev/null
+  sleep 0.5
+  xdotool type --delay 5 "$1"
+  xdotool key Return
+  sleep 1
+}

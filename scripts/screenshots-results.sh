@@ -46,23 +46,8 @@ for name in ["Report", "Invoice"]:
     write(f"Documents/Old/{name}.pdf", data)
 PY
 
-display=:$((90 + RANDOM % 9))
-Xvfb "$display" -screen 0 1280x900x24 -nolisten tcp &
-xvfb=$!
-trap 'kill "$app" "$xvfb" 2>/dev/null || true; rm -rf "$demo"' EXIT
-export DISPLAY=$display
-sleep 1
-"$APP" &
-app=$!
-main=$(xdotool search --sync --onlyvisible --name '^Twinsweep$' | head -n 1)
-sleep 1
-# Add the demo folder through the folder dialog, then search.
-xdotool mousemove --window "$main" 577 67 click 1
-xdotool search --sync --onlyvisible --name '^Select Folder\(s\)' >/dev/null
-sleep 0.5
-xdotool type --delay 5 "$demo"
-xdotool key Return
-sleep 1
+start_app 1280x900
+add_folder "$demo"
 xdotool windowfocus --sync "$main"
 xdotool key ctrl+f # Find Duplicate Files
 results=$(xdotool search --sync --onlyvisible --name '^Duplicate Files$' | head -n 1)

@@ -33,28 +33,14 @@ sync
 # A first search meets a cold cache: it runs long enough to show the time left.
 if [ "$(id -u)" -eq 0 ]; then echo 3 >/proc/sys/vm/drop_caches; fi
 
-display=:$((90 + RANDOM % 9))
-Xvfb "$display" -screen 0 1100x800x24 -nolisten tcp &
-xvfb=$!
-trap 'kill "$app" "$xvfb" 2>/dev/null || true; rm -rf "$demo"' EXIT
-export DISPLAY=$display
-sleep 1
-"$APP" &
-app=$!
-main=$(xdotool search --sync --onlyvisible --name '^Twinsweep$' | head -n 1)
-sleep 1
+start_app 1100x800
 
-# Add the demo folder through the folder dialog: its name field has the focus.
-xdotool mousemove --window "$main" 577 67 click 1
-picker=$(xdotool search --sync --onlyvisible --name '^Select Folder\(s\)' | head -n 1)
-sleep 0.5
-xdotool type --delay 5 "$demo"
-xdotool key Return
-sleep 1
+add_folder "$demo"
 import -window "$main" docs/main-window.png
 
 # Start the search and catch the progress window while it works.
-xdotool mousemove --window "$main" 568 729 click 1
+xdotool windowfocus --sync "$main"
+xdotool key ctrl+f # Find Duplicate Files
 progress=$(xdotool search --sync --onlyvisible --name '^Searching for Duplicate Files$' | head -n 1)
 # Frames while it runs; the last whole one shows it furthest along.
 frames=$(mktemp -d)
@@ -71,4 +57,4 @@ rm -rf "$frames"
 results=$(xdotool search --sync --onlyvisible --name '^Duplicate Files$' | head -n 1)
 sleep 0.5
 import -window "$results" docs/results-window.png
-echo "screenshots written to docs/ (picker window $picker)"
+echo "screenshots written to docs/"
