@@ -1,21 +1,48 @@
 #pragma once
 
+#include <QAbstractButton>
+#include <QAbstractItemModel>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QObject>
 #include <QPointer>
-#include <QString>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
-#include <QWidget>
 #include <clocale>
 #include <functional>
+#include <memory>
 #include <string>
+#include <sys/stat.h>
+#include <vector>
+
+#include "engine/FileTools.h"
+#include "engine/LocationGate.h"
+#include "engine/SearchJob.h"
+#include "settings/SettingsManager.h"
+#include "support/TempTree.h"
+#include "ui/duplicates/ViewControllerDuplicates.h"
 
 namespace twinsweep::testing {
+
+// Every test class, by name; each file adds its own with registerTestClass.
+using TestClasses = std::vector<std::pair<const char*, std::function<std::unique_ptr<QObject>()>>>;
+inline TestClasses& testClasses() {
+    static TestClasses all;
+    return all;
+}
+template <typename T> bool registerTestClass() {
+    testClasses().emplace_back(T::staticMetaObject.className(),
+                               [] { return std::make_unique<T>(); });
+    return true;
+}
+
+inline bool exists(const std::string& path) {
+    struct stat info {};
+    return ::lstat(path.c_str(), &info) == 0;
+}
 
 // The informative text of a message box, or "" if modal is something else.
 inline QString alertText(QWidget* modal) {
@@ -23,13 +50,9 @@ inline QString alertText(QWidget* modal) {
     return box == nullptr ? QString() : box->informativeText();
 }
 
-// Presses the button with this title on a message box.
 inline bool pressAlertButton(QWidget* modal, const QString& title) {
     auto* box = qobject_cast<QMessageBox*>(modal);
-    if (box == nullptr) {
-        return false;
-    }
-    for (QAbstractButton* button : box->buttons()) {
+    for (QAbstractButton* button : box ? box->buttons() : QList<QAbstractButton*>()) {
         if (button->text() == title) {
             button->click();
             return true;
@@ -38,9 +61,8 @@ inline bool pressAlertButton(QWidget* modal, const QString& title) {
     return false;
 }
 
-// Answers modal windows as they come up: a timer looks for the active modal
-// window and hands each new one to the next handler, in order, when it is of
-// the class that handler expects (others are left to run their course).
+// Answers modal windows as they come up: a timer hands each new active modal
+// window to the next handler when it is of the class that handler expects.
 // Handlers run inside the modal window's own event loop, as a user's clicks
 // would.
 class ModalAnswers : public QObject {
@@ -54,6 +76,10 @@ class ModalAnswers : public QObject {
     void then(const char* className, Handler handler) {
         handlers_.push_back({className, std::move(handler)});
     }
+    template <typename Window> void on(std::function<void(Window*)> handler) {
+        then(Window::staticMetaObject.className(),
+             [handler](QWidget* modal) { handler(qobject_cast<Window*>(modal)); });
+    }
     // The next message box: its informative text goes to said, then button
     // is pressed.
     void alert(const QString& button) {
@@ -64,6 +90,7 @@ class ModalAnswers : public QObject {
     }
     int answered() const { return answered_; }
     bool allAnswered() const { return handlers_.isEmpty(); }
+    QStringList said;
 
   private:
     void poll() {
@@ -78,10 +105,6 @@ class ModalAnswers : public QObject {
         handler(modal);
     }
 
-  public:
-    QStringList said;
-
-  private:
     QTimer timer_;
     QList<std::pair<const char*, Handler>> handlers_;
     QPointer<QWidget> last_;
@@ -138,5 +161,74 @@ class ScopedLocale {
     std::string saved_;
     bool ok_ = false;
 };
+
+// An environment variable set for a scope (the Trash follows XDG_DATA_HOME).
+class ScopedEnv {
+  public:
+    ScopedEnv(const char* name, const std::string& value) : name_(name), saved_(qgetenv(name)) {
+        qputenv(name, QByteArray::fromStdString(value));
+    }
+    ~ScopedEnv() { saved_.isNull() ? qunsetenv(name_) : qputenv(name_, saved_); }
+
+  private:
+    const char* name_;
+    QByteArray saved_;
+};
+
+// Waits until the window has no update running and nothing queued.
+inline bool settled(const ui::ViewControllerDuplicates& window) {
+    return waitUntil([&] { return !window.updating && window.jobsInFlight() == 0; });
+}
+
+// A real search over a temporary folder, its groups left in the shared
+// settings as the progress window leaves them for the results window.
+struct FoundDuplicates {
+    TempTree tree;
+    std::unique_ptr<ui::ViewControllerDuplicates> shown; // goes before the tree
+
+    // Runs the search over the whole tree and returns the number of groups.
+    std::size_t search() {
+        FileTools tools;
+        tools.locationGate = LocationGate::anywhere();
+        auto settings = SettingsManager::shared();
+        settings->searchCanceledByUser = false;
+        settings->listFolderPaths = {tree.root()};
+        settings->minimumFileSize = 0;
+        settings->customFileTypes = false;
+        settings->duplicateFileList.clear();
+        runSearchJob(*settings, tools);
+        settings->listFolderPaths.clear();
+        return settings->duplicateFileList.size();
+    }
+    // The results window on these groups, shown and settled.
+    ui::ViewControllerDuplicates& open() {
+        shown = std::make_unique<ui::ViewControllerDuplicates>(nullptr);
+        shown->show();
+        QTest::qVerify(settled(*shown), "settled(window)", "", __FILE__, __LINE__);
+        return *shown;
+    }
+    // The group whose head's file name is name, or null.
+    static FilePtr group(const std::string& name) {
+        for (const FilePtr& g : SettingsManager::shared()->duplicateFileList) {
+            if (g->path.size() >= name.size() &&
+                g->path.compare(g->path.size() - name.size(), name.size(), name) == 0) {
+                return g;
+            }
+        }
+        return nullptr;
+    }
+};
+
+inline std::vector<std::int64_t> marksOf(const FilePtr& group) {
+    std::vector<std::int64_t> out;
+    for (const auto& m : group->duplicates) {
+        out.push_back(m->checkState);
+    }
+    return out;
+}
+
+inline QString cell(QTableView* table, int row, int column, int role = Qt::DisplayRole) {
+    return table->model()->index(row, column).data(role).toString();
+}
 
 } // namespace twinsweep::testing
