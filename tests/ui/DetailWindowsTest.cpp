@@ -54,10 +54,10 @@ class DetailWindowsTest : public QObject {
     void sizeFieldsAreCheckedAndSteppersFollow() {
         loadDefaultRules();
         ViewControllerCustomKeep w(nullptr, "/tmp");
-        QCOMPARE(w.textFieldFirstFileSize->text(), QStringLiteral("200"));
-        QCOMPARE(w.comboFirstFileSizeUnit->currentText(), QStringLiteral("KB"));
-        QCOMPARE(w.comboSecondFileSizeUnit->currentText(), QStringLiteral("GB"));
-        QCOMPARE(w.comboFirstDateTermOfComparison->currentText(), QStringLiteral("Later"));
+        QCOMPARE(w.textFieldFirstFileSize->text(), u"200"_s);
+        QCOMPARE(w.comboFirstFileSizeUnit->currentText(), u"KB"_s);
+        QCOMPARE(w.comboSecondFileSizeUnit->currentText(), u"GB"_s);
+        QCOMPARE(w.comboFirstDateTermOfComparison->currentText(), u"Later"_s);
         const struct {
             QString typed, first, second;
         } cases[] = {{"abc", "200", "100"}, {"-5", "0", "0"},      {"250000", "100000", "100000"},
@@ -81,19 +81,19 @@ class DetailWindowsTest : public QObject {
         // Return in a size field confirms the field, not the window.
         w.show();
         w.textFieldFirstFileSize->clear();
-        QTest::keyClicks(w.textFieldFirstFileSize, QStringLiteral("x"));
+        QTest::keyClicks(w.textFieldFirstFileSize, u"x"_s);
         typeKey(w.textFieldFirstFileSize, Qt::Key_Return);
-        QCOMPARE(w.textFieldFirstFileSize->text(), QStringLiteral("200"));
+        QCOMPARE(w.textFieldFirstFileSize->text(), u"200"_s);
         QVERIFY(w.isVisible());
         QCOMPARE(SettingsManager::shared()->customSettingsOption, std::string("Cancel"));
-        typeSize(w.textFieldFirstFileSize, QStringLiteral("41"));
+        typeSize(w.textFieldFirstFileSize, u"41"_s);
         w.stepperFirstFileSize->stepBy(1);
-        QCOMPARE(w.textFieldFirstFileSize->text(), QStringLiteral("42"));
-        typeSize(w.textFieldFirstFileSize, QStringLiteral("100000"));
+        QCOMPARE(w.textFieldFirstFileSize->text(), u"42"_s);
+        typeSize(w.textFieldFirstFileSize, u"100000"_s);
         w.stepperFirstFileSize->stepBy(1);
-        QCOMPARE(w.textFieldFirstFileSize->text(), QStringLiteral("100000"));
+        QCOMPARE(w.textFieldFirstFileSize->text(), u"100000"_s);
         // OK keeps the whole part of the number.
-        typeSize(w.textFieldSecondFileSize, QStringLiteral("7.9"));
+        typeSize(w.textFieldSecondFileSize, u"7.9"_s);
         w.comboSecondFileSizeUnit->setCurrentIndex(2);
         w.checkSecondFileSize->setChecked(true);
         w.buttonOk->click();
@@ -108,7 +108,7 @@ class DetailWindowsTest : public QObject {
         loadDefaultRules();
         SettingsManager::shared()->customFileExtensions = {"jpg"};
         ViewControllerCustomKeep w(nullptr, "/tmp");
-        QCOMPARE(w.textFieldExtension->text(), QStringLiteral("jpg"));
+        QCOMPARE(w.textFieldExtension->text(), u"jpg"_s);
         for (const char* typed : {"JPG", "", "Mp3", "mp3", ".Raw "}) {
             w.textFieldExtension->setText(QString::fromLatin1(typed));
             w.OncustomFileTypesAddFileExtension();
@@ -139,8 +139,8 @@ class DetailWindowsTest : public QObject {
         QCOMPARE(w.textFieldCustomFilePath->text(), QString::fromStdString(tree.root()));
         w.show();
         ModalAnswers answers;
-        answers.alert(QStringLiteral("OK"));
-        answers.alert(QStringLiteral("OK"));
+        answers.alert(u"OK"_s);
+        answers.alert(u"OK"_s);
         w.checkCustomFilePath->setChecked(true);
         for (const std::string& bad : {file, tree.path("missing")}) {
             w.textFieldCustomFilePath->setText(QString::fromStdString(bad));
@@ -170,14 +170,14 @@ class DetailWindowsTest : public QObject {
         s->matchState = 1;
         s->customSettingsOption = "OK";
         ViewControllerCustomKeep w(nullptr, "/data/group");
-        QCOMPARE(w.textFieldCustomFilePath->text(), QStringLiteral("/elsewhere"));
-        QCOMPARE(w.comboMatch->currentText(), QStringLiteral("Don't match"));
+        QCOMPARE(w.textFieldCustomFilePath->text(), u"/elsewhere"_s);
+        QCOMPARE(w.comboMatch->currentText(), u"Don't match"_s);
         w.show();
         w.buttonReset->click();
         QVERIFY(!w.checkFirstDate->isChecked());
-        QCOMPARE(w.textFieldFirstFileSize->text(), QStringLiteral("200"));
+        QCOMPARE(w.textFieldFirstFileSize->text(), u"200"_s);
         QCOMPARE(w.tableViewCustomFileTypes->count(), 0);
-        QCOMPARE(w.textFieldCustomFilePath->text(), QStringLiteral("/data/group"));
+        QCOMPARE(w.textFieldCustomFilePath->text(), u"/data/group"_s);
         QCOMPARE(w.dataPickerFirstDate->date(), QDate(2017, 1, 1));
         QCOMPARE(w.comboMatch->currentIndex(), 0);
         // Closing counts as Cancel: what was changed after the reset is lost.
@@ -201,8 +201,8 @@ class DetailWindowsTest : public QObject {
         // The window is up before the picture: the spinner stands in for it.
         QVERIFY(!w.previewShown());
         QVERIFY(w.progressIndicator->isVisible());
-        QCOMPARE(w.labelFileName->text(), QStringLiteral("Photo"));
-        QCOMPARE(w.labelExtension->text(), QStringLiteral("JPG"));
+        QCOMPARE(w.labelFileName->text(), u"Photo"_s);
+        QCOMPARE(w.labelExtension->text(), u"JPG"_s);
         QCOMPARE(w.labelFileSize->text(), QString::fromStdString(FileTools::fileSizeText(1234567)));
         QCOMPARE(w.labelModificationDate->text().toStdString(),
                  *FileTools::fileDateText(photo.toStdString(), DateKind::Modification));
@@ -254,7 +254,7 @@ class DetailWindowsTest : public QObject {
             info->close();
         });
         results.buttonInfo->click();
-        QCOMPARE(name, QStringLiteral("shot.png"));
+        QCOMPARE(name, u"shot.png"_s);
         QVERIFY(picture);
         QCOMPARE(SettingsManager::shared()->currentSelectedFilePath,
                  results.fileList[0]->duplicates[1]->path);

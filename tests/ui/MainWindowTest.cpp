@@ -1,4 +1,6 @@
 #include <QCheckBox>
+#include <QDesktopServices>
+#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -10,13 +12,14 @@
 #include "UiTestSupport.h"
 #include "ui/main/FolderTableView.h"
 #include "ui/main/ViewController.h"
+#include "ui/platform/HelpPages.h"
+#include "ui/shell/Alert.h"
+#include "ui/shell/WindowFactory.h"
 
 using twinsweep::LocationGate;
 using twinsweep::SettingsManager;
-using twinsweep::testing::ModalAnswers;
-using twinsweep::testing::TempTree;
-using twinsweep::testing::typeKey;
-using twinsweep::ui::ViewController;
+using namespace twinsweep::testing;
+using namespace twinsweep::ui;
 using Paths = std::vector<std::string>;
 
 namespace {
@@ -65,11 +68,16 @@ QPoint aboveRow(ViewController& window, int row) {
 
 } // namespace
 
-// The main window: folders, file types, sizes, options and its questions.
+// The main window (folders, file types, sizes, options and its questions),
+// the help pages every window opens, and the alert helper.
 class MainWindowTest : public QObject {
     Q_OBJECT
     std::unique_ptr<ViewController> window_;
     TempTree tree_;
+    QList<QUrl> opened_;
+
+  public slots:
+    void openedUrl(const QUrl& url) { opened_ << url; }
 
   private slots:
     void init() {
@@ -86,12 +94,10 @@ class MainWindowTest : public QObject {
             return [paths](QWidget* modal) {
                 auto* dialog = qobject_cast<QFileDialog*>(modal);
                 // Folders are chosen here, never made.
-                QCOMPARE(dialog->labelText(QFileDialog::Accept),
-                         QStringLiteral("Select Folder(s)"));
+                QCOMPARE(dialog->labelText(QFileDialog::Accept), u"Select Folder(s)"_s);
                 QVERIFY(dialog->testOption(QFileDialog::ReadOnly));
-                QVERIFY(
-                    !dialog->findChild<QWidget*>(QStringLiteral("newFolderButton"))->isVisible());
-                dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+                QVERIFY(!dialog->findChild<QWidget*>(u"newFolderButton"_s)->isVisible());
+                dialog->findChild<QLineEdit*>(u"fileNameEdit"_s)
                     ->setText(QLatin1Char('"') + qt(paths).join(QStringLiteral("\" \"")) +
                               QLatin1Char('"'));
                 QMetaObject::invokeMethod(dialog, "accept");
@@ -144,36 +150,33 @@ class MainWindowTest : public QObject {
         QCOMPARE(folders(), (Paths{abc[0], abc[2]}));
 
         ModalAnswers answers;
-        answers.alert(QStringLiteral("No"));
+        answers.alert(u"No"_s);
         window_->OnRemoveAll();
         QCOMPARE(folders().size(), std::size_t{2});
-        answers.alert(QStringLiteral("Yes"));
+        answers.alert(u"Yes"_s);
         window_->OnRemoveAll();
         QVERIFY(folders().empty());
         QCOMPARE(window_->tableViewFolders->model()->rowCount(), 0);
         window_->OnRemoveAll(); // an empty list asks nothing
-        answers.alert(QStringLiteral("OK"));
+        answers.alert(u"OK"_s);
         window_->buttonFindDuplicateFiles->click();
 
         // Closing asks only with the unsaved mark in the title.
-        window_->setWindowTitle(QStringLiteral("Twinsweep*"));
-        answers.alert(QStringLiteral("No"));
+        window_->setWindowTitle(u"Twinsweep*"_s);
+        answers.alert(u"No"_s);
         QVERIFY(!window_->close());
         QVERIFY(window_->isVisible());
-        answers.alert(QStringLiteral("Yes"));
+        answers.alert(u"Yes"_s);
         QVERIFY(window_->close());
         window_->show();
         window_->setWindowTitle(QString());
         QVERIFY(window_->close());
-        QCOMPARE(answers.said,
-                 (QStringList{"Are you sure you want to remove all folders from the list?",
-                              "Are you sure you want to remove all folders from the list?",
-                              "There are no folders to scan. Please add at least one folder and "
-                              "try again.",
-                              "You have unsaved changes that will be lost. Are you sure you want "
-                              "to exit the application?",
-                              "You have unsaved changes that will be lost. Are you sure you want "
-                              "to exit the application?"}));
+        const QString all = u"Are you sure you want to remove all folders from the list?"_s;
+        const QString unsaved = u"You have unsaved changes that will be lost. Are you sure you "
+                                "want to exit the application?"_s;
+        const QString none =
+            u"There are no folders to scan. Please add at least one folder and try again."_s;
+        QCOMPARE(answers.said, (QStringList{all, all, none, unsaved, unsaved}));
     }
 
     void extensionsAreLowerCasedAndUnique() {
@@ -191,7 +194,7 @@ class MainWindowTest : public QObject {
             QCOMPARE(window_->textFieldCustomFileTypesExtension->text(), QString::fromUtf8(typed));
         }
         // Return in the field adds too.
-        window_->textFieldCustomFileTypesExtension->setText(QStringLiteral(".PNG"));
+        window_->textFieldCustomFileTypesExtension->setText(u".PNG"_s);
         typeKey(window_->textFieldCustomFileTypesExtension, Qt::Key_Return);
         QCOMPARE(list, (Paths{"jpg", "éps", ".png"}));
         QCOMPARE(window_->tableViewFileTypes->model()->rowCount(), 3);
@@ -212,7 +215,7 @@ class MainWindowTest : public QObject {
         QCOMPARE(twinsweep::testing::commandsWithoutShortcut(window_->menuBar()), QStringList());
         window_->addFolders(qt({tree_.mkdir("a"), tree_.mkdir("b")}));
         window_->OnCustomFileTypesSelected();
-        window_->textFieldCustomFileTypesExtension->setText(QStringLiteral("png"));
+        window_->textFieldCustomFileTypesExtension->setText(u"png"_s);
         window_->buttonCustomFileTypesAddFileExtension->click();
         // Tab and Shift+Tab move out of a table, not from cell to cell.
         for (QTableView* table :
@@ -267,14 +270,13 @@ class MainWindowTest : public QObject {
         window_->sliderMinimumFileSize->setValue(0);
         window_->sliderMaximumFileSize->setValue(9);
         window_->radioCustomFileTypes->click();
-        window_->textFieldCustomFileTypesExtension->setText(QStringLiteral("png"));
+        window_->textFieldCustomFileTypesExtension->setText(u"png"_s);
         window_->buttonCustomFileTypesAddFileExtension->click();
         window_->radioRemoveDuplicateFilesPermanently->click();
         window_->checkIgnoreBundles->click();
         window_->checkCompareLargeFilesByContent->click();
-        QVERIFY(!settings->moveToTrash && !settings->ignorePackages);
-        QVERIFY(settings->compareLargeFilesByContent && !settings->listFileExtensions.empty());
-        window_->findChild<QAction*>(QStringLiteral("actionFileNew"))->trigger();
+        QVERIFY(!settings->moveToTrash && settings->compareLargeFilesByContent);
+        window_->findChild<QAction*>(u"actionFileNew"_s)->trigger();
 
         QVERIFY(settings->listFolderPaths.empty() && settings->listFileExtensions.empty());
         QCOMPARE(settings->minimumFileSize, std::uint64_t{204800});
@@ -282,10 +284,10 @@ class MainWindowTest : public QObject {
         QVERIFY(!settings->customFileTypes && !settings->compareLargeFilesByContent);
         QVERIFY(settings->moveToTrash && settings->ignorePackages);
         // The widgets show the defaults too.
-        QCOMPARE(window_->textFieldMinimumFileSize->text(), QStringLiteral("200.0 KB"));
-        QVERIFY(!window_->textFieldCustomFileTypesExtension->isEnabled());
+        QCOMPARE(window_->textFieldMinimumFileSize->text(), u"200.0 KB"_s);
         QVERIFY(window_->radioMoveDuplicateFilesToTrash->isChecked());
-        QVERIFY(window_->checkIgnoreBundles->isChecked());
+        QVERIFY(window_->checkIgnoreBundles->isChecked() &&
+                !window_->checkCompareLargeFilesByContent->isChecked());
         QCOMPARE(window_->tableViewFolders->model()->rowCount(), 0);
     }
 
@@ -315,6 +317,47 @@ class MainWindowTest : public QObject {
         LocationGate::setProcessDefault(LocationGate::platformDefault());
         window_->OnFileNew();
         QCOMPARE(line(), QString());
+    }
+
+    void helpPagesOpenFromEveryWindow() {
+        QDesktopServices::setUrlHandler(u"file"_s, this, "openedUrl");
+        window_->findChild<QAction*>(u"actionHelpRemoveDuplicates"_s)->trigger();
+        window_->findChild<QAction*>(u"actionHelpCustomSelect"_s)->trigger();
+        ModalAnswers answers;
+        answers.then("twinsweep::ui::ModalWindow", [](QWidget* modal) {
+            modal->findChild<QAction*>(u"actionHelpRemoveDuplicates"_s)->trigger();
+            modal->close();
+        });
+        QVERIFY(WindowFactory::runModal(kWindowControllerInfo, window_.get()));
+        OpenHelpVideo(u"http://exa mple/%%"_s); // can't be parsed: ignored
+        QDesktopServices::unsetUrlHandler(u"file"_s);
+        QCOMPARE(opened_.size(), 3);
+        QVERIFY(opened_[0] == opened_[2] && opened_[0] != opened_[1]);
+        for (const QUrl& url : opened_) {
+            QVERIFY2(slurp(url.toLocalFile().toStdString()).find("<h1>") != std::string::npos,
+                     qPrintable(url.toString()));
+        }
+    }
+
+    void alertKeepsButtonOrderAndEscapeDeclines() {
+        ModalAnswers answers;
+        QStringList order;
+        answers.then("QMessageBox", [&](QWidget* modal) {
+            auto buttons = modal->findChild<QDialogButtonBox*>()->findChildren<QPushButton*>();
+            std::sort(buttons.begin(), buttons.end(),
+                      [](QPushButton* l, QPushButton* r) { return l->x() < r->x(); });
+            for (QPushButton* b : buttons) {
+                order << b->text();
+            }
+            QVERIFY(pressAlertButton(modal, u"Yes"_s));
+        });
+        QVERIFY(askYesNo(nullptr, u"Sure?"_s));
+        QCOMPARE(order, (QStringList{u"Yes"_s, u"No"_s})); // as laid out
+        answers.then("QMessageBox", [](QWidget* modal) { QTest::keyClick(modal, Qt::Key_Escape); });
+        QVERIFY(!askYesNo(nullptr, u"Sure?"_s));
+        answers.then("QMessageBox",
+                     [](QWidget* modal) { QVERIFY(pressAlertButton(modal, u"C"_s)); });
+        QCOMPARE(runAlert(nullptr, u"Pick"_s, {u"A"_s, u"B"_s, u"C"_s}), 2);
     }
 };
 

@@ -32,7 +32,7 @@ void cleanAll(FoundDuplicates& found, int segment) {
     w.segmentedControlKeep->segmentButton(segment)->click();
     QVERIFY(settled(w));
     ModalAnswers answers;
-    answers.alert(QStringLiteral("OK"));
+    answers.alert(u"OK"_s);
     w.buttonClean->click();
     QCOMPARE(answers.said.size(), 1);
     QVERIFY(answers.allAnswered() && !w.isVisible());
@@ -59,7 +59,7 @@ class ProtectExportTest : public QObject {
         ViewController w;
         QCOMPARE(w.addFolders({QString::fromStdString(a), QString::fromStdString(b)}), 0);
         QAbstractItemModel* model = w.tableViewFolders->model();
-        QCOMPARE(model->headerData(1, Qt::Horizontal).toString(), QStringLiteral("Protected"));
+        QCOMPARE(model->headerData(1, Qt::Horizontal).toString(), u"Protected"_s);
         QCOMPARE(model->index(0, 1).data(Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
         const auto settings = SettingsManager::shared();
         QVERIFY(model->setData(model->index(1, 1), Qt::Checked, Qt::CheckStateRole));
@@ -108,7 +108,7 @@ class ProtectExportTest : public QObject {
             }
             ++protectedCount;
             QVERIFY(!(members->flags(box) & (Qt::ItemIsEnabled | Qt::ItemIsUserCheckable)));
-            QVERIFY(box.data(Qt::ToolTipRole).toString().contains(QStringLiteral("protected")));
+            QVERIFY(box.data(Qt::ToolTipRole).toString().contains(u"protected"_s));
             QVERIFY(!members->setData(box, Qt::Checked, Qt::CheckStateRole));
         }
         QCOMPARE(protectedCount, 2);
@@ -137,11 +137,11 @@ class ProtectExportTest : public QObject {
         QCOMPARE(markedCount(*pictures), std::int64_t{1});
         QVERIFY(protectedUnmarked());
         ModalAnswers answers;
-        answers.alert(QStringLiteral("Yes"));
-        answers.alert(QStringLiteral("OK"));
+        answers.alert(u"Yes"_s);
+        answers.alert(u"OK"_s);
         w.buttonClean->click();
         QVERIFY(answers.allAnswered());
-        QVERIFY(answers.said.front().contains(QStringLiteral("permanently")));
+        QVERIFY(answers.said.front().contains(u"permanently"_s));
         QVERIFY(!exists(found.tree.path("dl/a.jpg")));
         QVERIFY(exists(found.tree.path("photos/a.jpg")) && exists(found.tree.path("photos/b.jpg")));
         QVERIFY(exists(found.tree.path("dl/song.mp3")) &&
@@ -178,21 +178,18 @@ class ProtectExportTest : public QObject {
         QCOMPARE(rows.size(), std::size_t{6});
         QCOMPARE(rows[0],
                  (std::vector<std::string>{"group", "path", "size", "date", "category", "marked"}));
-        const QJsonArray groups = QJsonDocument::fromJson(slurp(jsonPath))
-                                      .object()
-                                      .value(QStringLiteral("groups"))
-                                      .toArray();
+        const QJsonArray groups =
+            QJsonDocument::fromJson(slurp(jsonPath)).object().value(u"groups"_s).toArray();
         QCOMPARE(groups.size(), 2);
         std::size_t row = 1;
         for (std::size_t g = 0; g < w.fileList.size(); ++g) {
-            const QJsonArray members =
-                groups[int(g)].toObject()[QStringLiteral("members")].toArray();
+            const QJsonArray members = groups[int(g)].toObject()[u"members"_s].toArray();
             QCOMPARE(std::size_t(members.size()), w.fileList[g]->duplicates.size());
             for (std::size_t m = 0; m < w.fileList[g]->duplicates.size(); ++m, ++row) {
                 const DuplicateFile& member = *w.fileList[g]->duplicates[m];
                 const QJsonObject json = members[int(m)].toObject();
-                QCOMPARE(json[QStringLiteral("path")].toString().toStdString(), member.path);
-                QCOMPARE(json[QStringLiteral("marked")].toBool(), member.checkState == 1);
+                QCOMPARE(json[u"path"_s].toString().toStdString(), member.path);
+                QCOMPARE(json[u"marked"_s].toBool(), member.checkState == 1);
                 QCOMPARE(rows[row][0], std::to_string(g + 1));
                 QCOMPARE(rows[row][1], member.path);
                 QCOMPARE(rows[row][5], std::string(member.checkState == 1 ? "1" : "0"));
@@ -200,7 +197,7 @@ class ProtectExportTest : public QObject {
         }
         // A folder that isn't there: an alert, and nothing half written.
         ModalAnswers answers;
-        answers.alert(QStringLiteral("OK"));
+        answers.alert(u"OK"_s);
         w.startExport(QString::fromStdString(out.path("none/d.csv")), ui::ExportFormat::Csv);
         QVERIFY(finished.wait(20000));
         QVERIFY(!finished.back().at(0).toString().isEmpty());
@@ -231,7 +228,6 @@ class ProtectExportTest : public QObject {
         QCOMPARE(sa.st_ino, sb.st_ino);
 
         // Now to the Trash, then Edit > Undo Clean in the main window.
-        const ScopedEnv dataHome("XDG_DATA_HOME", found.tree.mkdir("data"));
         settings->replaceWithHardLinks = false;
         settings->moveToTrash = true;
         const std::string c = found.tree.write("c/y.jpg", "other twins");
@@ -242,7 +238,7 @@ class ProtectExportTest : public QObject {
         ViewController main;
         QVERIFY(main.actionUndoClean->isEnabled());
         ModalAnswers answers;
-        answers.alert(QStringLiteral("OK"));
+        answers.alert(u"OK"_s);
         main.actionUndoClean->trigger();
         QCOMPARE(answers.said, QStringList{"1 file was put back where it was."});
         QVERIFY(exists(c) && exists(d));

@@ -27,6 +27,8 @@
 
 namespace twinsweep::testing {
 
+using namespace Qt::StringLiterals;
+
 // Every test class, by name; each file adds its own with registerTestClass.
 using TestClasses = std::vector<std::pair<const char*, std::function<std::unique_ptr<QObject>()>>>;
 inline TestClasses& testClasses() {
@@ -61,10 +63,8 @@ inline bool pressAlertButton(QWidget* modal, const QString& title) {
     return false;
 }
 
-// Answers modal windows as they come up: a timer hands each new active modal
-// window to the next handler when it is of the class that handler expects.
-// Handlers run inside the modal window's own event loop, as a user's clicks
-// would.
+// Answers modal windows as they come up, each by the next handler if it is of
+// the class that handler expects, inside the window's own event loop.
 class ModalAnswers : public QObject {
   public:
     using Handler = std::function<void(QWidget* modal)>;
@@ -80,8 +80,7 @@ class ModalAnswers : public QObject {
         then(Window::staticMetaObject.className(),
              [handler](QWidget* modal) { handler(qobject_cast<Window*>(modal)); });
     }
-    // The next message box: its informative text goes to said, then button
-    // is pressed.
+    // The next message box: its text goes to said, then button is pressed.
     void alert(const QString& button) {
         then("QMessageBox", [this, button](QWidget* modal) {
             said << alertText(modal);
@@ -138,8 +137,7 @@ inline QStringList commandsWithoutShortcut(const QMenuBar* bar) {
     return missing;
 }
 
-// A key typed into widget, which gets the focus first, as a user would:
-// shortcuts of the window see it before the widget does.
+// A key typed into widget after focusing it, so the window's shortcuts see it first.
 inline void typeKey(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     widget->window()->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(widget->window()));
@@ -147,8 +145,7 @@ inline void typeKey(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifier
     QTest::keyClick(widget, key, modifiers);
 }
 
-// The process locale switched for a scope, as LANG or LC_ALL would set it for
-// the whole application. ok() is false when the system lacks that locale.
+// The process locale for a scope, as LANG would set it; !ok() when not installed.
 class ScopedLocale {
   public:
     explicit ScopedLocale(const char* name) : saved_(std::setlocale(LC_ALL, nullptr)) {
@@ -162,26 +159,13 @@ class ScopedLocale {
     bool ok_ = false;
 };
 
-// An environment variable set for a scope (the Trash follows XDG_DATA_HOME).
-class ScopedEnv {
-  public:
-    ScopedEnv(const char* name, const std::string& value) : name_(name), saved_(qgetenv(name)) {
-        qputenv(name, QByteArray::fromStdString(value));
-    }
-    ~ScopedEnv() { saved_.isNull() ? qunsetenv(name_) : qputenv(name_, saved_); }
-
-  private:
-    const char* name_;
-    QByteArray saved_;
-};
-
 // Waits until the window has no update running and nothing queued.
 inline bool settled(const ui::ViewControllerDuplicates& window) {
     return waitUntil([&] { return !window.updating && window.jobsInFlight() == 0; });
 }
 
-// A real search over a temporary folder, its groups left in the shared
-// settings as the progress window leaves them for the results window.
+// A real search over a temporary folder, its groups left in the settings as the
+// progress window leaves them for the results window.
 struct FoundDuplicates {
     TempTree tree;
     std::unique_ptr<ui::ViewControllerDuplicates> shown; // goes before the tree

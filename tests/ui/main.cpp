@@ -15,6 +15,9 @@ int main(int argc, char** argv) {
     // hold up) the command-line tool run by other test programs meanwhile.
     QTemporaryDir runtime;
     qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());
+    // Cleans to the Trash go to one of our own, never the user's.
+    QTemporaryDir data;
+    qputenv("XDG_DATA_HOME", data.path().toLocal8Bit());
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("twinsweep-tests"));
     // The tests open and close main windows one after another.
