@@ -12,8 +12,10 @@
 #include <QTest>
 #include <QTimer>
 #include <clocale>
+#include <filesystem>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <sys/stat.h>
 #include <vector>
@@ -44,6 +46,23 @@ template <typename T> bool registerTestClass() {
 inline bool exists(const std::string& path) {
     struct stat info {};
     return ::lstat(path.c_str(), &info) == 0;
+}
+
+// Every path under root, taken before and after a clean: whatever goes
+// missing must be what was marked.
+using Snapshot = std::set<std::string>;
+inline Snapshot snapshot(const std::string& root) {
+    Snapshot out;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+        out.insert(entry.path().string());
+    }
+    return out;
+}
+inline Snapshot without(Snapshot paths, const std::vector<std::string>& gone) {
+    for (const std::string& path : gone) {
+        paths.erase(path);
+    }
+    return paths;
 }
 
 // The informative text of a message box, or "" if modal is something else.
