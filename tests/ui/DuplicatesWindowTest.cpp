@@ -314,7 +314,8 @@ class DuplicatesWindowTest : public QObject {
         QCOMPARE(answers.said.back(), text(CleaningAlert::Done));
         QVERIFY(settled(w));
         QCOMPARE(snapshot(found.tree.root()), without(before, {trashed}));
-        QVERIFY(exists(qgetenv("XDG_DATA_HOME").toStdString() + "/Trash/files/photo.jpg"));
+        QVERIFY(std::filesystem::exists(qgetenv("XDG_DATA_HOME").toStdString() +
+                                        "/Trash/files/photo.jpg"));
         QCOMPARE(found.photos->duplicates.size(), std::size_t{2});
         QCOMPARE(w.tableViewFiles->model()->rowCount(), 3);
 
@@ -434,8 +435,6 @@ class DuplicatesWindowTest : public QObject {
     QList<QUrl> opened_;
 };
 
-namespace {
-const bool registered = registerTestClass<DuplicatesWindowTest>();
-}
+UI_TEST_CLASS(DuplicatesWindowTest);
 
 #include "DuplicatesWindowTest.moc"

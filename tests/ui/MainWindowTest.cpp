@@ -361,8 +361,6 @@ class MainWindowTest : public QObject {
     }
 };
 
-namespace {
-const bool registered = twinsweep::testing::registerTestClass<MainWindowTest>();
-}
+UI_TEST_CLASS(MainWindowTest);
 
 #include "MainWindowTest.moc"

@@ -103,50 +103,16 @@ class SearchFlowTest : public QObject {
         QVERIFY(qAbs(twinsweep::ui::progressTexts(3, 1).percent - 33.333f) < 0.01f);
     }
 
-    void searchHandsGroupsToResultsWindow() {
+    void searchSaysWhenNothingIsFoundThenHandsGroupsOn() {
         SearchTree where;
         const std::string a = where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
-        const std::string b = where.tree.write("Users/me/sub/b.txt", std::string(3000, 'a'));
         where.tree.write("Users/me/c.txt", std::string(3000, 'c'));
         where.tree.write("Users/me/.hidden", std::string(3000, 'a'));
-        auto window = searchWindow({QString::fromStdString(where.home)});
-        const auto settings = SettingsManager::shared();
-        ModalAnswers answers;
-        std::vector<std::string> members;
-        std::vector<std::int64_t> marks;
-        QString resultsTitle;
-        answers.then("twinsweep::ui::ViewControllerDuplicates", [&](QWidget* modal) {
-            // The results window: the search's groups are waiting in the settings.
-            resultsTitle = modal->windowTitle();
-            QVERIFY(settings->openDuplicatesWindow);
-            QCOMPARE(settings->duplicateFileList.size(), std::size_t{1});
-            QVERIFY(settings->fileList.empty());
-            for (const auto& member : settings->duplicateFileList.front()->duplicates) {
-                members.push_back(member->path);
-                marks.push_back(member->checkState);
-            }
-            modal->close();
-        });
-        window->buttonFindDuplicateFiles->click();
-
-        QCOMPARE(resultsTitle, u"Duplicate Files"_s);
-        // The group's own file comes first, unmarked, then its copy.
-        QVERIFY((members == std::vector<std::string>{a, b}) ||
-                (members == std::vector<std::string>{b, a}));
-        QCOMPARE(marks, (std::vector<std::int64_t>{0, 0}));
-        // Closing the results window hands the lists back empty.
-        QVERIFY(settings->duplicateFileList.empty());
-        QVERIFY(!settings->searchCanceledByUser);
-    }
-
-    void searchWithoutDuplicatesSaysSoAfterClosing() {
-        SearchTree where;
-        where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
-        where.tree.write("Users/me/b.txt", std::string(3000, 'b'));
         // Outside the allowed roots: never looked at, so no group.
         where.tree.write("elsewhere/a.txt", std::string(3000, 'a'));
         auto window = searchWindow({QString::fromStdString(where.home),
                                     QString::fromStdString(where.tree.path("elsewhere"))});
+        const auto settings = SettingsManager::shared();
         ModalAnswers answers;
         bool progressStillUp = true;
         answers.then("QMessageBox", [&](QWidget* modal) {
@@ -154,13 +120,35 @@ class SearchFlowTest : public QObject {
             for (QWidget* w : QApplication::topLevelWidgets()) {
                 progressStillUp = progressStillUp || (progressWindow(w) && w->isVisible());
             }
-            answers.said << twinsweep::testing::alertText(modal);
-            QVERIFY(twinsweep::testing::pressAlertButton(modal, u"OK"_s));
+            answers.said << alertText(modal);
+            QVERIFY(pressAlertButton(modal, u"OK"_s));
         });
         window->buttonFindDuplicateFiles->click();
         QCOMPARE(answers.said, QStringList{"No duplicate files found."});
-        QVERIFY(!progressStillUp);
-        QVERIFY(!SettingsManager::shared()->openDuplicatesWindow);
+        QVERIFY(!progressStillUp && !settings->openDuplicatesWindow);
+
+        const std::string b = where.tree.write("Users/me/sub/b.txt", std::string(3000, 'a'));
+        std::vector<std::string> members;
+        std::vector<std::int64_t> marks;
+        answers.then("twinsweep::ui::ViewControllerDuplicates", [&](QWidget* modal) {
+            // The results window: the search's groups are waiting in the settings.
+            QCOMPARE(modal->windowTitle(), u"Duplicate Files"_s);
+            QVERIFY(settings->openDuplicatesWindow && settings->fileList.empty());
+            QCOMPARE(settings->duplicateFileList.size(), std::size_t{1});
+            for (const auto& member : settings->duplicateFileList.front()->duplicates) {
+                members.push_back(member->path);
+                marks.push_back(member->checkState);
+            }
+            modal->close();
+        });
+        window->buttonFindDuplicateFiles->click();
+        QVERIFY(answers.allAnswered());
+        // The group's own file comes first, unmarked, then its copy.
+        QVERIFY((members == std::vector<std::string>{a, b}) ||
+                (members == std::vector<std::string>{b, a}));
+        QCOMPARE(marks, (std::vector<std::int64_t>{0, 0}));
+        // Closing the results window hands the lists back empty.
+        QVERIFY(settings->duplicateFileList.empty() && !settings->searchCanceledByUser);
     }
 
     void minimisedProgressKeepsItsSessionAndCancelWaitsForTheSearch() {
@@ -250,8 +238,6 @@ void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     QVERIFY2(lines.size() >= 2 && partial >= 1, qPrintable(lines.join(QLatin1Char('|'))));
 }
 
-namespace {
-const bool registered = twinsweep::testing::registerTestClass<SearchFlowTest>();
-}
+UI_TEST_CLASS(SearchFlowTest);
 
 #include "SearchFlowTest.moc"

@@ -17,7 +17,6 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <sys/stat.h>
 #include <vector>
 
 #include "engine/FileTools.h"
@@ -31,7 +30,7 @@ namespace twinsweep::testing {
 
 using namespace Qt::StringLiterals;
 
-// Every test class, by name; each file adds its own with registerTestClass.
+// Every test class, by name; each file adds its own with UI_TEST_CLASS.
 using TestClasses = std::vector<std::pair<const char*, std::function<std::unique_ptr<QObject>()>>>;
 inline TestClasses& testClasses() {
     static TestClasses all;
@@ -42,11 +41,8 @@ template <typename T> bool registerTestClass() {
                                [] { return std::make_unique<T>(); });
     return true;
 }
-
-inline bool exists(const std::string& path) {
-    struct stat info {};
-    return ::lstat(path.c_str(), &info) == 0;
-}
+#define UI_TEST_CLASS(T)                                                                           \
+    [[maybe_unused]] static const bool registered##T = twinsweep::testing::registerTestClass<T>()
 
 // Every path under root, taken before and after a clean: whatever goes
 // missing must be what was marked.
@@ -213,8 +209,7 @@ struct FoundDuplicates {
     // The group whose head's file name is name, or null.
     static FilePtr group(const std::string& name) {
         for (const FilePtr& g : SettingsManager::shared()->duplicateFileList) {
-            if (g->path.size() >= name.size() &&
-                g->path.compare(g->path.size() - name.size(), name.size(), name) == 0) {
+            if (g->path.ends_with("/" + name)) {
                 return g;
             }
         }
