@@ -4,9 +4,7 @@
 #include <QRegularExpression>
 #include <QSlider>
 #include <atomic>
-#include <condition_variable>
 #include <fcntl.h>
-#include <mutex>
 #include <unistd.h>
 
 #include "UiTestSupport.h"
@@ -27,28 +25,19 @@ namespace {
 // test can act on a search that is certainly still running.
 class SearchGate {
   public:
-    SearchGate()
-        : observer_(twinsweep::kUpdateProgress,
-                    [this](const std::string&, const twinsweep::UserInfo&) { hold(); }) {}
     ~SearchGate() { release(); }
     void release() {
-        std::lock_guard guard(lock_);
         open_ = true;
-        wake_.notify_all();
+        open_.notify_all();
     }
-    bool reached() const { return reached_.load(); }
+    bool reached() const { return reached_; }
 
   private:
-    void hold() {
-        reached_ = true;
-        std::unique_lock guard(lock_);
-        wake_.wait_for(guard, std::chrono::seconds(30), [this] { return open_; });
-    }
-    std::mutex lock_;
-    std::condition_variable wake_;
-    bool open_ = false;
-    std::atomic<bool> reached_{false};
-    twinsweep::ScopedObserver observer_;
+    std::atomic<bool> open_{false}, reached_{false};
+    twinsweep::ScopedObserver observer_{twinsweep::kUpdateProgress, [this](auto&, auto&) {
+                                            reached_ = true;
+                                            open_.wait(false);
+                                        }};
 };
 
 // A home folder under a temporary prefix that the search is allowed to see.
