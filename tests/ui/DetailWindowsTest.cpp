@@ -17,7 +17,6 @@
 using namespace twinsweep;
 using namespace twinsweep::testing;
 using twinsweep::ui::ViewControllerCustomKeep;
-using twinsweep::ui::ViewControllerDuplicates;
 using twinsweep::ui::ViewControllerInfo;
 
 namespace {
@@ -42,7 +41,8 @@ QString writePicture(const TempTree& tree, const std::string& rel, const char* f
 
 } // namespace
 
-// The custom keep rules window and the file information window.
+// The custom keep rules window and the file information window (opened from
+// the results window in DuplicatesWindowTest).
 class DetailWindowsTest : public QObject {
     Q_OBJECT
   private slots:
@@ -221,30 +221,6 @@ class DetailWindowsTest : public QObject {
             QVERIFY(!w.progressIndicator->isVisible() && !w.imageView->pixmap().isNull());
             QVERIFY(!picture || w.imageView->pixmap().size() == QSize(64, 48));
         }
-    }
-
-    void infoOpensFromTheResultsWindow() {
-        FoundDuplicates found;
-        writePicture(found.tree, "a/shot.png", "PNG");
-        writePicture(found.tree, "b/shot.png", "PNG");
-        QCOMPARE(found.search(), std::size_t{1});
-        ViewControllerDuplicates& results = found.open();
-        results.tableViewDuplicates->selectRow(1);
-        ModalAnswers answers;
-        QString name;
-        bool picture = false;
-        answers.on<ViewControllerInfo>([&](ViewControllerInfo* info) {
-            name = info->labelFileName->text() + "." + info->labelExtension->text();
-            QVERIFY(waitUntil([&] { return info->previewShown(); }));
-            picture = info->previewIsPicture();
-            info->close();
-        });
-        results.buttonInfo->click();
-        QCOMPARE(name, u"shot.png"_s);
-        QVERIFY(picture);
-        QCOMPARE(SettingsManager::shared()->currentSelectedFilePath,
-                 results.fileList[0]->duplicates[1]->path);
-        QVERIFY(results.isVisible());
     }
 };
 

@@ -13,12 +13,14 @@
 #include "ui/customkeep/ViewControllerCustomKeep.h"
 #include "ui/duplicates/GroupsModel.h"
 #include "ui/duplicates/SegmentedControl.h"
+#include "ui/info/ViewControllerInfo.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;
 using twinsweep::ui::GroupsModel;
 using twinsweep::ui::ViewControllerCustomKeep;
 using twinsweep::ui::ViewControllerDuplicates;
+using twinsweep::ui::ViewControllerInfo;
 using Marks = std::vector<std::int64_t>;
 
 namespace {
@@ -408,6 +410,17 @@ class DuplicatesWindowTest : public QObject {
         const std::string path = found.photos->duplicates[2]->path;
         QCOMPARE(opened_, QList<QUrl>{QUrl::fromLocalFile(
                               QString::fromStdString(path.substr(0, path.rfind('/'))))});
+        // File Info shows the selected member, its preview in place.
+        ModalAnswers answers;
+        QString shown;
+        answers.on<ViewControllerInfo>([&](ViewControllerInfo* info) {
+            QVERIFY(waitUntil([&] { return info->previewShown(); }));
+            shown = info->labelFileName->text() + u'.' + info->labelExtension->text();
+            info->close();
+        });
+        typeKey(members, Qt::Key_I, Qt::ControlModifier);
+        QCOMPARE(shown, u"photo.jpg"_s);
+        QCOMPARE(SettingsManager::shared()->currentSelectedFilePath, path);
         // The keep options, which override hand marks, and apply-to-all from
         // the keyboard.
         typeKey(w.tableViewFiles, Qt::Key_3, Qt::ControlModifier);
