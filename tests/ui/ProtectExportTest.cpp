@@ -115,6 +115,9 @@ class ProtectExportTest : public QObject {
             members->setData(members->index(row, 0), Qt::Checked, Qt::CheckStateRole);
         }
         QVERIFY(!protectedMarked());
+        // A tick belongs to the group whose box was clicked.
+        QEXPECT_FAIL("", "the tick goes to the first listed group while the update runs", Continue);
+        QCOMPARE(markedCount(*pictures), std::int64_t{0});
         QVERIFY(settled(w));
         w.tableViewFiles->selectRow(1);
         w.segmentedControlKeep->segmentButton(0)->click(); // the songs unmarked again
