@@ -1,5 +1,3 @@
-#include "DetailWindowsTest.h"
-
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateTimeEdit>
@@ -9,34 +7,23 @@
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QTest>
 
-#include "ResultsSupport.h"
+#include "UiTestSupport.h"
 #include "selection/CustomSettingsText.h"
 #include "ui/customkeep/Stepper.h"
 #include "ui/customkeep/ViewControllerCustomKeep.h"
 #include "ui/info/ViewControllerInfo.h"
-#include "ui/shell/WindowFactory.h"
 
-using twinsweep::FileTools;
-using twinsweep::SettingsManager;
-using twinsweep::testing::FoundDuplicates;
-using twinsweep::testing::ModalAnswers;
-using twinsweep::testing::settled;
-using twinsweep::testing::TempTree;
-using twinsweep::testing::waitUntil;
+using namespace twinsweep;
+using namespace twinsweep::testing;
 using twinsweep::ui::ViewControllerCustomKeep;
-using twinsweep::ui::ViewControllerDuplicates;
 using twinsweep::ui::ViewControllerInfo;
 
 namespace {
 
-const QString kInvalidPath =
-    QStringLiteral("The custom file path you entered is not valid. Please enter a valid path.");
-
 // The rules a group starts with, as the results window loads them.
 void loadDefaultRules() {
-    twinsweep::loadCustomSettings(*SettingsManager::shared(), twinsweep::defaultRuleText());
+    loadCustomSettings(*SettingsManager::shared(), defaultRuleText());
 }
 
 void typeSize(QLineEdit* field, const QString& text) {
@@ -47,255 +34,196 @@ void typeSize(QLineEdit* field, const QString& text) {
 QString writePicture(const TempTree& tree, const std::string& rel, const char* format) {
     QImage picture(64, 48, QImage::Format_RGB32);
     picture.fill(Qt::darkCyan);
-    const QString path = QString::fromStdString(tree.path(rel));
-    tree.write(rel, "");
+    const QString path = QString::fromStdString(tree.write(rel, ""));
     picture.save(path, format);
     return path;
 }
 
 } // namespace
 
-void DetailWindowsTest::initTestCase() {
-    // Earlier tests may have put a stand-in under the information window's name.
-    twinsweep::ui::WindowFactory::registerWindow(
-        twinsweep::ui::kWindowControllerInfo,
-        [](QWidget* opener) { return std::make_unique<ViewControllerInfo>(opener); });
-}
-
-void DetailWindowsTest::cleanup() {
-    SettingsManager::shared()->duplicateFileList.clear();
-    twinsweep::resetCustomSettings(*SettingsManager::shared());
-}
-
-void DetailWindowsTest::sizeFieldsAreCheckedAndSteppersFollow() {
-    loadDefaultRules();
-    ViewControllerCustomKeep w(nullptr, "/tmp");
-    QCOMPARE(w.textFieldFirstFileSize->text(), QStringLiteral("200"));
-    QCOMPARE(w.comboFirstFileSizeUnit->currentText(), QStringLiteral("KB"));
-    QCOMPARE(w.comboSecondFileSizeUnit->currentText(), QStringLiteral("GB"));
-    QCOMPARE(w.comboFirstDateTermOfComparison->currentText(), QStringLiteral("Later"));
-
-    const struct {
-        QString typed, first, second;
-    } cases[] = {{"abc", "200", "100"}, {"-5", "0", "0"},      {"250000", "100000", "100000"},
-                 {" 12", "200", "100"}, {"inf", "200", "100"}, {"12.5", "12.5", "12.5"},
-                 {"", "200", "100"}};
-    // Numbers read the same whatever locale the environment asks for.
-    for (const char* locale : {"C", "de_DE.UTF-8"}) {
-        const twinsweep::testing::ScopedLocale numbers(locale);
-        if (!numbers.ok()) {
-            qWarning("locale %s is not installed; its case is skipped", locale);
-            continue;
-        }
-        for (const auto& c : cases) {
-            typeSize(w.textFieldFirstFileSize, c.typed);
-            typeSize(w.textFieldSecondFileSize, c.typed);
-            QCOMPARE(w.textFieldFirstFileSize->text(), c.first);
-            QCOMPARE(w.textFieldSecondFileSize->text(), c.second);
-            QCOMPARE(w.stepperFirstFileSize->value(), c.first.toDouble());
-        }
+// The custom keep rules window and the file information window (opened from
+// the results window in DuplicatesWindowTest).
+class DetailWindowsTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void cleanup() {
+        SettingsManager::shared()->duplicateFileList.clear();
+        resetCustomSettings(*SettingsManager::shared());
     }
 
-    // Return in a size field confirms the field, not the window.
-    w.show();
-    w.textFieldFirstFileSize->clear();
-    QTest::keyClicks(w.textFieldFirstFileSize, QStringLiteral("x"));
-    twinsweep::testing::typeKey(w.textFieldFirstFileSize, Qt::Key_Return);
-    QCOMPARE(w.textFieldFirstFileSize->text(), QStringLiteral("200"));
-    QVERIFY(w.isVisible());
-    QCOMPARE(SettingsManager::shared()->customSettingsOption, std::string("Cancel"));
-    typeSize(w.textFieldFirstFileSize, QStringLiteral("41"));
-    w.stepperFirstFileSize->stepBy(1);
-    QCOMPARE(w.textFieldFirstFileSize->text(), QStringLiteral("42"));
-    typeSize(w.textFieldFirstFileSize, QStringLiteral("100000"));
-    w.stepperFirstFileSize->stepBy(1);
-    QCOMPARE(w.textFieldFirstFileSize->text(), QStringLiteral("100000"));
-
-    // OK keeps the whole part of the number.
-    typeSize(w.textFieldSecondFileSize, QStringLiteral("7.9"));
-    w.comboSecondFileSizeUnit->setCurrentIndex(2);
-    w.checkSecondFileSize->setChecked(true);
-    w.buttonOk->click();
-    const auto s = SettingsManager::shared();
-    QCOMPARE(s->customSettingsOption, std::string("OK"));
-    QCOMPARE(s->secondFileSize, std::int64_t{7});
-    QCOMPARE(s->secondFileSizeUnit, std::int64_t{2});
-    QCOMPARE(s->secondFileSizeState, std::int64_t{1});
-}
-
-void DetailWindowsTest::extensionListCommands() {
-    loadDefaultRules();
-    SettingsManager::shared()->customFileExtensions = {"jpg"};
-    ViewControllerCustomKeep w(nullptr, "/tmp");
-    QCOMPARE(w.textFieldExtension->text(), QStringLiteral("jpg"));
-    QCOMPARE(w.tableViewCustomFileTypes->count(), 1);
-    for (const char* typed : {"JPG", "", "Mp3", "mp3", ".Raw "}) {
-        w.textFieldExtension->setText(QString::fromLatin1(typed));
-        w.OncustomFileTypesAddFileExtension();
-    }
-    QCOMPARE(w.extensionsList, (std::vector<std::string>{"jpg", "mp3", ".raw "}));
-    QCOMPARE(w.tableViewCustomFileTypes->count(), 3);
-
-    w.tableViewCustomFileTypes->clearSelection();
-    w.OnCustomFileTypesRemoveSelected();
-    QCOMPARE(w.extensionsList.size(), std::size_t{3});
-    w.tableViewCustomFileTypes->setCurrentRow(1);
-    w.OnCustomFileTypesRemoveSelected();
-    QCOMPARE(w.extensionsList, (std::vector<std::string>{"jpg", ".raw "}));
-    // The settings see the list only through OK.
-    QCOMPARE(SettingsManager::shared()->customFileExtensions, std::vector<std::string>{"jpg"});
-    w.OnCustomFileTypesRemoveAll();
-    QCOMPARE(w.tableViewCustomFileTypes->count(), 0);
-    w.buttonOk->click();
-    QVERIFY(SettingsManager::shared()->customFileExtensions.empty());
-    QCOMPARE(SettingsManager::shared()->customFileType, std::string(".Raw "));
-}
-
-void DetailWindowsTest::okChecksTheFolderOnlyWhenItsRuleIsOn() {
-    TempTree tree;
-    const std::string file = tree.write("file.txt", "x");
-    loadDefaultRules();
-    ViewControllerCustomKeep w(nullptr, tree.root());
-    // A folder rule never set starts at the group's folder.
-    QCOMPARE(w.textFieldCustomFilePath->text(), QString::fromStdString(tree.root()));
-    w.show();
-
-    ModalAnswers answers;
-    answers.alert(QStringLiteral("OK"));
-    answers.alert(QStringLiteral("OK"));
-    w.checkCustomFilePath->setChecked(true);
-    for (const std::string& bad : {file, tree.path("missing")}) {
-        w.textFieldCustomFilePath->setText(QString::fromStdString(bad));
-        w.buttonOk->click();
+    void sizeFieldsAreCheckedAndSteppersFollow() {
+        loadDefaultRules();
+        ViewControllerCustomKeep w(nullptr, "/tmp");
+        QCOMPARE(w.textFieldFirstFileSize->text(), u"200"_s);
+        QCOMPARE(w.comboFirstFileSizeUnit->currentText(), u"KB"_s);
+        const struct {
+            QString typed, first, second;
+        } cases[] = {{"abc", "200", "100"}, {"-5", "0", "0"},      {"250000", "100000", "100000"},
+                     {" 12", "200", "100"}, {"inf", "200", "100"}, {"12.5", "12.5", "12.5"},
+                     {"", "200", "100"}};
+        // Numbers read the same whatever locale the environment asks for.
+        for (const char* locale : {"C", "de_DE.UTF-8"}) {
+            const ScopedLocale numbers(locale);
+            if (!numbers.ok()) {
+                qWarning("locale %s is not installed; its case is skipped", locale);
+                continue;
+            }
+            for (const auto& c : cases) {
+                typeSize(w.textFieldFirstFileSize, c.typed);
+                typeSize(w.textFieldSecondFileSize, c.typed);
+                QCOMPARE(w.textFieldFirstFileSize->text(), c.first);
+                QCOMPARE(w.textFieldSecondFileSize->text(), c.second);
+                QCOMPARE(w.stepperFirstFileSize->value(), c.first.toDouble());
+            }
+        }
+        // Return in a size field confirms the field, not the window.
+        w.show();
+        w.textFieldFirstFileSize->clear();
+        QTest::keyClicks(w.textFieldFirstFileSize, u"x"_s);
+        typeKey(w.textFieldFirstFileSize, Qt::Key_Return);
+        QCOMPARE(w.textFieldFirstFileSize->text(), u"200"_s);
         QVERIFY(w.isVisible());
         QCOMPARE(SettingsManager::shared()->customSettingsOption, std::string("Cancel"));
+        typeSize(w.textFieldFirstFileSize, u"41"_s);
+        w.stepperFirstFileSize->stepBy(1);
+        QCOMPARE(w.textFieldFirstFileSize->text(), u"42"_s);
+        typeSize(w.textFieldFirstFileSize, u"100000"_s);
+        w.stepperFirstFileSize->stepBy(1);
+        QCOMPARE(w.textFieldFirstFileSize->text(), u"100000"_s);
+        // OK keeps the whole part of the number.
+        typeSize(w.textFieldSecondFileSize, u"7.9"_s);
+        w.comboSecondFileSizeUnit->setCurrentIndex(2);
+        w.checkSecondFileSize->setChecked(true);
+        w.buttonOk->click();
+        const auto s = SettingsManager::shared();
+        QCOMPARE(s->customSettingsOption, std::string("OK"));
+        QCOMPARE(s->secondFileSize, std::int64_t{7});
+        QCOMPARE(s->secondFileSizeUnit, std::int64_t{2});
+        QCOMPARE(s->secondFileSizeState, std::int64_t{1});
     }
-    QCOMPARE(answers.said, (QStringList{kInvalidPath, kInvalidPath}));
-    QCOMPARE(SettingsManager::shared()->customFilePathState, std::int64_t{0});
 
-    // With the rule off the same text is saved as typed.
-    w.checkCustomFilePath->setChecked(false);
-    w.buttonOk->click();
-    QVERIFY(!w.isVisible());
-    QCOMPARE(SettingsManager::shared()->customSettingsOption, std::string("OK"));
-    QCOMPARE(SettingsManager::shared()->customFilePath, tree.path("missing"));
-}
-
-void DetailWindowsTest::resetThenCancelLeavesTheDefaults() {
-    const auto s = SettingsManager::shared();
-    loadDefaultRules();
-    s->firstDateState = 1;
-    s->firstFileSize = 5;
-    s->customFileExtensions = {"png"};
-    s->customFilePath = "/elsewhere";
-    s->matchState = 1;
-    ViewControllerCustomKeep w(nullptr, "/data/group");
-    QCOMPARE(w.textFieldCustomFilePath->text(), QStringLiteral("/elsewhere"));
-    QCOMPARE(w.comboMatch->currentText(), QStringLiteral("Don't match"));
-    w.show();
-    w.buttonReset->click();
-    QVERIFY(!w.checkFirstDate->isChecked());
-    QCOMPARE(w.textFieldFirstFileSize->text(), QStringLiteral("200"));
-    QCOMPARE(w.tableViewCustomFileTypes->count(), 0);
-    QCOMPARE(w.textFieldCustomFilePath->text(), QStringLiteral("/data/group"));
-    QCOMPARE(w.dataPickerFirstDate->date(), QDate(2017, 1, 1));
-    QCOMPARE(w.comboMatch->currentIndex(), 0);
-    w.buttonCancel->click();
-    QVERIFY(!w.isVisible());
-    QCOMPARE(s->customSettingsOption, std::string("Cancel"));
-    QCOMPARE(s->firstDateState, std::int64_t{0});
-    QCOMPARE(s->firstFileSize, std::int64_t{200});
-    QVERIFY(s->customFileExtensions.empty());
-    QCOMPARE(s->customFilePath, std::string("/data/group"));
-    QCOMPARE(s->matchState, std::int64_t{0});
-}
-
-void DetailWindowsTest::closingCountsAsCancel() {
-    loadDefaultRules();
-    SettingsManager::shared()->customSettingsOption = "OK";
-    ViewControllerCustomKeep w(nullptr, "/tmp");
-    w.show();
-    w.checkFirstDate->setChecked(true);
-    w.close();
-    QCOMPARE(SettingsManager::shared()->customSettingsOption, std::string("Cancel"));
-    QCOMPARE(SettingsManager::shared()->firstDateState, std::int64_t{0});
-}
-
-void DetailWindowsTest::infoLabelsAndPicturePreview() {
-    TempTree tree;
-    const QString photo = writePicture(tree, "Photo.JPG", "JPG");
-    SettingsManager::shared()->currentSelectedFilePath = photo.toStdString();
-    ViewControllerInfo w(nullptr);
-    w.fillLabels(photo.toStdString(), 1234567);
-    w.show();
-    // The window is up before the picture: the spinner stands in for it.
-    QVERIFY(!w.previewShown());
-    QVERIFY(w.progressIndicator->isVisible());
-    QCOMPARE(w.labelFileName->text(), QStringLiteral("Photo"));
-    QCOMPARE(w.labelExtension->text(), QStringLiteral("JPG"));
-    QCOMPARE(w.labelFileSize->text(), QString::fromStdString(FileTools::fileSizeText(1234567)));
-    QCOMPARE(w.labelModificationDate->text().toStdString(),
-             *FileTools::fileDateText(photo.toStdString(), twinsweep::DateKind::Modification));
-    QVERIFY(!w.labelCreationDate->text().isEmpty());
-    QVERIFY(waitUntil([&] { return w.previewShown(); }));
-    QVERIFY(w.previewIsPicture());
-    QVERIFY(!w.progressIndicator->isVisible());
-    QCOMPARE(w.imageView->pixmap().size(), QSize(64, 48));
-}
-
-void DetailWindowsTest::infoIconForOtherFilesAndDamagedPictures() {
-    TempTree tree;
-    const struct {
-        std::string rel, contents, name, extension;
-    } cases[] = {{"report.pdf", "%PDF-1.4", "report", "pdf"},
-                 {"archive.tar.gz", "zz", "archive.tar", "gz"},
-                 {"README", "read me", "README", ""},
-                 {"broken.png", "not a picture", "broken", "png"}};
-    for (const auto& c : cases) {
-        const std::string path = tree.write(c.rel, c.contents);
-        SettingsManager::shared()->currentSelectedFilePath = path;
-        ViewControllerInfo w(nullptr);
-        w.fillLabels(path, 10);
-        QCOMPARE(w.labelFileName->text().toStdString(), c.name);
-        QCOMPARE(w.labelExtension->text().toStdString(), c.extension);
-        QVERIFY(waitUntil([&] { return w.previewShown(); }));
-        QVERIFY(!w.previewIsPicture());
-        QVERIFY(!w.imageView->pixmap().isNull());
+    void extensionListCommands() {
+        loadDefaultRules();
+        SettingsManager::shared()->customFileExtensions = {"jpg"};
+        ViewControllerCustomKeep w(nullptr, "/tmp");
+        QCOMPARE(w.textFieldExtension->text(), u"jpg"_s);
+        for (const char* typed : {"JPG", "", "Mp3", "mp3", ".Raw "}) {
+            w.textFieldExtension->setText(QString::fromLatin1(typed));
+            w.OncustomFileTypesAddFileExtension();
+        }
+        QCOMPARE(w.extensionsList, (std::vector<std::string>{"jpg", "mp3", ".raw "}));
+        QCOMPARE(w.tableViewCustomFileTypes->count(), 3);
+        w.tableViewCustomFileTypes->clearSelection();
+        w.OnCustomFileTypesRemoveSelected();
+        QCOMPARE(w.extensionsList.size(), std::size_t{3});
+        w.tableViewCustomFileTypes->setCurrentRow(1);
+        w.OnCustomFileTypesRemoveSelected();
+        QCOMPARE(w.extensionsList, (std::vector<std::string>{"jpg", ".raw "}));
+        // The settings see the list only through OK.
+        QCOMPARE(SettingsManager::shared()->customFileExtensions, std::vector<std::string>{"jpg"});
+        w.OnCustomFileTypesRemoveAll();
+        QCOMPARE(w.tableViewCustomFileTypes->count(), 0);
+        w.buttonOk->click();
+        QVERIFY(SettingsManager::shared()->customFileExtensions.empty());
+        QCOMPARE(SettingsManager::shared()->customFileType, std::string(".Raw "));
     }
-    // A file gone since the search: empty dates, the icon all the same.
-    const std::string gone = tree.path("gone.jpg");
-    SettingsManager::shared()->currentSelectedFilePath = gone;
-    ViewControllerInfo w(nullptr);
-    w.fillLabels(gone, 10);
-    QVERIFY(w.labelCreationDate->text().isEmpty());
-    QVERIFY(waitUntil([&] { return w.previewShown(); }));
-    QVERIFY(!w.previewIsPicture());
-}
 
-void DetailWindowsTest::infoOpensFromTheResultsWindow() {
-    FoundDuplicates found;
-    writePicture(found.tree, "a/shot.png", "PNG");
-    writePicture(found.tree, "b/shot.png", "PNG");
-    QCOMPARE(found.search(), std::size_t{1});
-    ViewControllerDuplicates results(nullptr);
-    results.show();
-    QVERIFY(settled(results));
-    results.tableViewDuplicates->selectRow(1);
-    ModalAnswers answers;
-    QString name;
-    bool picture = false;
-    answers.then("twinsweep::ui::ViewControllerInfo", [&](QWidget* modal) {
-        auto* info = qobject_cast<ViewControllerInfo*>(modal);
-        QVERIFY(info != nullptr);
-        name = info->labelFileName->text() + "." + info->labelExtension->text();
-        QVERIFY(waitUntil([&] { return info->previewShown(); }));
-        picture = info->previewIsPicture();
-        info->close();
-    });
-    results.buttonInfo->click();
-    QCOMPARE(name, QStringLiteral("shot.png"));
-    QVERIFY(picture);
-    QCOMPARE(SettingsManager::shared()->currentSelectedFilePath,
-             results.fileList[0]->duplicates[1]->path);
-    QVERIFY(results.isVisible());
-}
+    void okChecksTheFolderOnlyWhenItsRuleIsOn() {
+        TempTree tree;
+        const std::string file = tree.write("file.txt", "x");
+        loadDefaultRules();
+        ViewControllerCustomKeep w(nullptr, tree.root());
+        // A folder rule never set starts at the group's folder.
+        QCOMPARE(w.textFieldCustomFilePath->text(), QString::fromStdString(tree.root()));
+        w.show();
+        ModalAnswers answers;
+        answers.alert(u"OK"_s);
+        answers.alert(u"OK"_s);
+        w.checkCustomFilePath->setChecked(true);
+        for (const std::string& bad : {file, tree.path("missing")}) {
+            w.textFieldCustomFilePath->setText(QString::fromStdString(bad));
+            w.buttonOk->click();
+            QVERIFY(w.isVisible());
+            QCOMPARE(SettingsManager::shared()->customSettingsOption, std::string("Cancel"));
+        }
+        const QString invalid = QStringLiteral(
+            "The custom file path you entered is not valid. Please enter a valid path.");
+        QCOMPARE(answers.said, (QStringList{invalid, invalid}));
+        QCOMPARE(SettingsManager::shared()->customFilePathState, std::int64_t{0});
+        // With the rule off the same text is saved as typed.
+        w.checkCustomFilePath->setChecked(false);
+        w.buttonOk->click();
+        QVERIFY(!w.isVisible());
+        QCOMPARE(SettingsManager::shared()->customSettingsOption, std::string("OK"));
+        QCOMPARE(SettingsManager::shared()->customFilePath, tree.path("missing"));
+    }
+
+    void resetThenClosingLeavesTheDefaults() {
+        const auto s = SettingsManager::shared();
+        loadDefaultRules();
+        s->firstDateState = 1;
+        s->firstFileSize = 5;
+        s->customFileExtensions = {"png"};
+        s->customFilePath = "/elsewhere";
+        s->matchState = 1;
+        s->customSettingsOption = "OK";
+        ViewControllerCustomKeep w(nullptr, "/data/group");
+        QCOMPARE(w.textFieldCustomFilePath->text(), u"/elsewhere"_s);
+        QCOMPARE(w.comboMatch->currentText(), u"Don't match"_s);
+        w.show();
+        w.buttonReset->click();
+        QVERIFY(!w.checkFirstDate->isChecked());
+        QCOMPARE(w.textFieldFirstFileSize->text(), u"200"_s);
+        QCOMPARE(w.tableViewCustomFileTypes->count(), 0);
+        QCOMPARE(w.textFieldCustomFilePath->text(), u"/data/group"_s);
+        QCOMPARE(w.dataPickerFirstDate->date(), QDate(2017, 1, 1));
+        QCOMPARE(w.comboMatch->currentIndex(), 0);
+        // Closing counts as Cancel: what was changed after the reset is lost.
+        w.checkFirstDate->setChecked(true);
+        w.close();
+        QCOMPARE(s->customSettingsOption, std::string("Cancel"));
+        QCOMPARE(s->firstDateState, std::int64_t{0});
+        QCOMPARE(s->firstFileSize, std::int64_t{200});
+        QVERIFY(s->customFileExtensions.empty());
+        QCOMPARE(s->customFilePath, std::string("/data/group"));
+        QCOMPARE(s->matchState, std::int64_t{0});
+    }
+
+    void infoLabelsAndPreviews() {
+        TempTree tree;
+        writePicture(tree, "Photo.JPG", "JPG");
+        tree.write("report.pdf", "%PDF-1.4");
+        tree.write("archive.tar.gz", "zz");
+        tree.write("README", "read me");
+        tree.write("broken.png", "not a picture");
+        const struct {
+            std::string rel, name, extension;
+        } cases[] = {{"Photo.JPG", "Photo", "JPG"},           {"report.pdf", "report", "pdf"},
+                     {"archive.tar.gz", "archive.tar", "gz"}, {"README", "README", ""},
+                     {"broken.png", "broken", "png"},         {"gone.jpg", "gone", "jpg"}};
+        for (const auto& c : cases) {
+            const std::string path = tree.path(c.rel);
+            const bool picture = c.rel == "Photo.JPG";
+            SettingsManager::shared()->currentSelectedFilePath = path;
+            ViewControllerInfo w(nullptr);
+            w.fillLabels(path, 1234567);
+            w.show();
+            // The window is up before the picture: the spinner stands in for it.
+            QVERIFY(!picture || (!w.previewShown() && w.progressIndicator->isVisible()));
+            QCOMPARE(w.labelFileName->text().toStdString(), c.name);
+            QCOMPARE(w.labelExtension->text().toStdString(), c.extension);
+            QCOMPARE(w.labelFileSize->text().toStdString(), FileTools::fileSizeText(1234567));
+            const auto modified = FileTools::fileDateText(path, DateKind::Modification);
+            QCOMPARE(w.labelModificationDate->text().toStdString(), modified.value_or(""));
+            QCOMPARE(w.labelCreationDate->text().isEmpty(), !modified);
+            QVERIFY(waitUntil([&] { return w.previewShown(); }));
+            QVERIFY2(w.previewIsPicture() == picture, c.rel.c_str());
+            QVERIFY(!w.progressIndicator->isVisible() && !w.imageView->pixmap().isNull());
+            QVERIFY(!picture || w.imageView->pixmap().size() == QSize(64, 48));
+        }
+    }
+};
+
+UI_TEST_CLASS(DetailWindowsTest);
+
+#include "DetailWindowsTest.moc"

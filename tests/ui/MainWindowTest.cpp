@@ -1,4 +1,6 @@
 #include <QCheckBox>
+#include <QDesktopServices>
+#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -6,43 +8,42 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
-#include <QTableView>
-#include <QTest>
-#include <QUrl>
-#include <memory>
 
-#include "MainWindowTest.h"
 #include "UiTestSupport.h"
-#include "engine/LocationGate.h"
-#include "settings/SettingsManager.h"
-#include "support/TempTree.h"
 #include "ui/main/FolderTableView.h"
 #include "ui/main/ViewController.h"
+#include "ui/platform/HelpPages.h"
+#include "ui/shell/Alert.h"
+#include "ui/shell/WindowFactory.h"
 
+using twinsweep::LocationGate;
 using twinsweep::SettingsManager;
-using twinsweep::testing::ModalAnswers;
-using twinsweep::testing::TempTree;
-using twinsweep::testing::typeKey;
-using twinsweep::ui::ViewController;
+using namespace twinsweep::testing;
+using namespace twinsweep::ui;
+using Paths = std::vector<std::string>;
 
 namespace {
 
-std::vector<std::string> folders() {
+Paths folders() {
     return SettingsManager::shared()->listFolderPaths;
 }
 
-QList<QUrl> urls(std::initializer_list<std::string> paths) {
-    QList<QUrl> out;
+QStringList qt(const Paths& paths) {
+    QStringList out;
     for (const std::string& p : paths) {
-        out.push_back(QUrl::fromLocalFile(QString::fromStdString(p)));
+        out << QString::fromStdString(p);
     }
     return out;
 }
 
 // Sends a real drag-and-drop sequence to the folder table at pos.
-bool dropOnFolderTable(ViewController& window, const QList<QUrl>& dragged, QPoint pos) {
+bool dropOnFolderTable(ViewController& window, const Paths& dragged, QPoint pos) {
     QMimeData mime;
-    mime.setUrls(dragged);
+    QList<QUrl> urls;
+    for (const QString& p : qt(dragged)) {
+        urls << QUrl::fromLocalFile(p);
+    }
+    mime.setUrls(urls);
     QWidget* target = window.tableViewFolders->viewport();
     const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
     QDragEnterEvent enter(pos, offered, &mime, Qt::LeftButton, Qt::NoModifier);
@@ -67,304 +68,299 @@ QPoint aboveRow(ViewController& window, int row) {
 
 } // namespace
 
-void MainWindowTest::init() {
-    window_ = std::make_unique<ViewController>();
-    window_->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
-}
+// The main window (folders, file types, sizes, options and its questions),
+// the help pages every window opens, and the alert helper.
+class MainWindowTest : public QObject {
+    Q_OBJECT
+    std::unique_ptr<ViewController> window_;
+    TempTree tree_;
+    QList<QUrl> opened_;
 
-void MainWindowTest::cleanup() {
-    window_.reset();
-}
+  public slots:
+    void openedUrl(const QUrl& url) { opened_ << url; }
 
-void MainWindowTest::folderPanelAddsEachFolderOnce() {
-    TempTree tree;
-    const std::string a = tree.mkdir("a");
-    const std::string b = tree.mkdir("b");
-    ModalAnswers answers;
-    const auto choose = [](QStringList paths) {
-        return [paths](QWidget* modal) {
-            auto* dialog = qobject_cast<QFileDialog*>(modal);
-            QVERIFY(dialog != nullptr);
-            // Folders are chosen here, never made.
-            QCOMPARE(dialog->labelText(QFileDialog::Accept), QStringLiteral("Select Folder(s)"));
-            QVERIFY(dialog->testOption(QFileDialog::ReadOnly));
-            QVERIFY(!dialog->findChild<QWidget*>(QStringLiteral("newFolderButton"))->isVisible());
-            QStringList quoted;
-            for (const QString& p : paths) {
-                quoted << QLatin1Char('"') + p + QLatin1Char('"');
-            }
-            dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
-                ->setText(quoted.join(QLatin1Char(' ')));
-            QMetaObject::invokeMethod(dialog, "accept");
+  private slots:
+    void init() {
+        window_ = std::make_unique<ViewController>();
+        window_->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
+    }
+    void cleanup() { window_.reset(); }
+
+    void folderPanelAddsEachFolderOnce() {
+        const Paths ab{tree_.mkdir("a"), tree_.mkdir("b")};
+        ModalAnswers answers;
+        const auto choose = [](const Paths& paths) {
+            return [paths](QWidget* modal) {
+                auto* dialog = qobject_cast<QFileDialog*>(modal);
+                // Folders are chosen here, never made.
+                QCOMPARE(dialog->labelText(QFileDialog::Accept), u"Select Folder(s)"_s);
+                QVERIFY(dialog->testOption(QFileDialog::ReadOnly));
+                QVERIFY(!dialog->findChild<QWidget*>(u"newFolderButton"_s)->isVisible());
+                dialog->findChild<QLineEdit*>(u"fileNameEdit"_s)
+                    ->setText(QLatin1Char('"') + qt(paths).join(QStringLiteral("\" \"")) +
+                              QLatin1Char('"'));
+                QMetaObject::invokeMethod(dialog, "accept");
+            };
         };
-    };
-    answers.then("QFileDialog", choose({QString::fromStdString(a), QString::fromStdString(b)}));
-    window_->OnAddFolder();
-    QCOMPARE(folders(), (std::vector<std::string>{a, b}));
-
-    answers.then("QFileDialog", choose({QString::fromStdString(b)}));
-    window_->OnAddFolder();
-    QCOMPARE(folders(), (std::vector<std::string>{a, b}));
-
-    // Cancelling the panel changes nothing and says nothing.
-    answers.then("QFileDialog", [](QWidget* modal) { qobject_cast<QDialog*>(modal)->reject(); });
-    window_->OnAddFolder();
-    QCOMPARE(folders(), (std::vector<std::string>{a, b}));
-    QVERIFY(answers.allAnswered());
-    QCOMPARE(window_->tableViewFolders->model()->rowCount(), 2);
-    const QModelIndex first = window_->tableViewFolders->model()->index(0, 0);
-    QVERIFY(!first.data(Qt::DecorationRole).value<QIcon>().isNull());
-}
-
-void MainWindowTest::droppedFoldersGoBetweenRowsInOrder() {
-    TempTree tree;
-    const std::string a = tree.mkdir("a"), b = tree.mkdir("b");
-    const std::string x = tree.mkdir("x"), y = tree.mkdir("y"), z = tree.mkdir("z");
-    const std::string file = tree.write("note.txt", "not a folder");
-    window_->addFolders({QString::fromStdString(a), QString::fromStdString(b)});
-
-    // Three folders and a file dropped above row 1: the folders take rows
-    // 1 to 3 in the dragged order, the file is ignored.
-    QVERIFY(dropOnFolderTable(*window_, urls({x, file, y, z}), aboveRow(*window_, 1)));
-    QCOMPARE(folders(), (std::vector<std::string>{a, x, y, z, b}));
-    QCOMPARE(window_->tableViewFolders->model()->rowCount(), 5);
-
-    // A folder already listed, one that is gone and the file: nothing new.
-    const std::string gone = tree.path("gone");
-    QVERIFY(dropOnFolderTable(*window_, urls({y, gone, file}), aboveRow(*window_, 0)));
-    QCOMPARE(folders().size(), std::size_t{5});
-
-    // Only files: the drop is refused outright.
-    QVERIFY(!dropOnFolderTable(*window_, urls({file}), aboveRow(*window_, 0)));
-
-    // Below the last row appends.
-    const std::string w = tree.mkdir("w");
-    const QPoint empty(10, window_->tableViewFolders->viewport()->height() - 3);
-    QVERIFY(dropOnFolderTable(*window_, urls({w}), empty));
-    QCOMPARE(folders().back(), w);
-}
-
-void MainWindowTest::folderRemovalAsksOnlyForAll() {
-    TempTree tree;
-    window_->addFolders({QString::fromStdString(tree.mkdir("a")),
-                         QString::fromStdString(tree.mkdir("b")),
-                         QString::fromStdString(tree.mkdir("c"))});
-    // No selection: nothing is removed.
-    window_->OnRemoveSelected();
-    QCOMPARE(folders().size(), std::size_t{3});
-    window_->tableViewFolders->selectRow(1);
-    window_->OnRemoveSelected();
-    QCOMPARE(folders(), (std::vector<std::string>{tree.path("a"), tree.path("c")}));
-
-    ModalAnswers answers;
-    answers.alert(QStringLiteral("No"));
-    window_->OnRemoveAll();
-    QCOMPARE(answers.said,
-             QStringList{"Are you sure you want to remove all folders from the list?"});
-    QCOMPARE(folders().size(), std::size_t{2});
-
-    answers.alert(QStringLiteral("Yes"));
-    window_->OnRemoveAll();
-    QVERIFY(folders().empty());
-    QCOMPARE(window_->tableViewFolders->model()->rowCount(), 0);
-
-    // An empty list asks nothing: an unexpected question would stay unanswered.
-    window_->OnRemoveAll();
-    QCOMPARE(answers.answered(), 2);
-}
-
-void MainWindowTest::extensionsAreLowerCasedAndUnique() {
-    QVERIFY(!window_->textFieldCustomFileTypesExtension->isEnabled());
-    QTest::mouseClick(window_->radioCustomFileTypes, Qt::LeftButton, {},
-                      QPoint(8, window_->radioCustomFileTypes->height() / 2));
-    QVERIFY(window_->radioCustomFileTypes->isChecked());
-    QVERIFY(!window_->radioScanAllFileTypes->isChecked());
-    QVERIFY(SettingsManager::shared()->customFileTypes);
-    for (QWidget* w : std::initializer_list<QWidget*>{
-             window_->tableViewFileTypes, window_->textFieldCustomFileTypesExtension,
-             window_->buttonCustomFileTypesAddFileExtension,
-             window_->buttonCustomFileTypesRemoveSelected,
-             window_->buttonCustomFileTypesRemoveAll}) {
-        QVERIFY(w->isEnabled());
+        answers.then("QFileDialog", choose(ab));
+        window_->OnAddFolder();
+        QCOMPARE(folders(), ab);
+        answers.then("QFileDialog", choose({ab[1]}));
+        window_->OnAddFolder();
+        QCOMPARE(folders(), ab);
+        // Cancelling the panel changes nothing and says nothing.
+        answers.then("QFileDialog",
+                     [](QWidget* modal) { qobject_cast<QDialog*>(modal)->reject(); });
+        window_->OnAddFolder();
+        QVERIFY(answers.allAnswered());
+        QCOMPARE(folders(), ab);
+        QCOMPARE(window_->tableViewFolders->model()->rowCount(), 2);
+        QVERIFY(!window_->tableViewFolders->model()->index(0, 0).data(Qt::DecorationRole).isNull());
     }
 
-    auto add = [this](const QString& typed) {
-        window_->textFieldCustomFileTypesExtension->setText(typed);
+    void droppedFoldersGoBetweenRowsInOrder() {
+        const std::string a = tree_.mkdir("a"), b = tree_.mkdir("b"), x = tree_.mkdir("x"),
+                          y = tree_.mkdir("y"), z = tree_.mkdir("z");
+        const std::string file = tree_.write("note.txt", "not a folder");
+        window_->addFolders(qt({a, b}));
+        // Three folders and a file dropped above row 1: the folders take rows 1
+        // to 3 in the dragged order, the file is ignored.
+        QVERIFY(dropOnFolderTable(*window_, {x, file, y, z}, aboveRow(*window_, 1)));
+        QCOMPARE(folders(), (Paths{a, x, y, z, b}));
+        QCOMPARE(window_->tableViewFolders->model()->rowCount(), 5);
+        // A folder already listed, one that is gone and the file: nothing new.
+        QVERIFY(dropOnFolderTable(*window_, {y, tree_.path("gone"), file}, aboveRow(*window_, 0)));
+        QCOMPARE(folders().size(), std::size_t{5});
+        QVERIFY(!dropOnFolderTable(*window_, {file}, aboveRow(*window_, 0))); // only files
+        // Below the last row appends.
+        const std::string w = tree_.mkdir("w");
+        const QPoint empty(10, window_->tableViewFolders->viewport()->height() - 3);
+        QVERIFY(dropOnFolderTable(*window_, {w}, empty));
+        QCOMPARE(folders().back(), w);
+    }
+
+    void removeFindAndCloseAskOnlyWhenTheyMust() {
+        const Paths abc{tree_.mkdir("a"), tree_.mkdir("b"), tree_.mkdir("c")};
+        window_->addFolders(qt(abc));
+        window_->OnRemoveSelected(); // no selection: nothing is removed
+        QCOMPARE(folders().size(), std::size_t{3});
+        window_->tableViewFolders->selectRow(1);
+        window_->OnRemoveSelected();
+        QCOMPARE(folders(), (Paths{abc[0], abc[2]}));
+
+        ModalAnswers answers;
+        answers.alert(u"No"_s);
+        window_->OnRemoveAll();
+        QCOMPARE(folders().size(), std::size_t{2});
+        answers.alert(u"Yes"_s);
+        window_->OnRemoveAll();
+        QVERIFY(folders().empty());
+        QCOMPARE(window_->tableViewFolders->model()->rowCount(), 0);
+        window_->OnRemoveAll(); // an empty list asks nothing
+        answers.alert(u"OK"_s);
+        window_->buttonFindDuplicateFiles->click();
+
+        // Closing asks only with the unsaved mark in the title.
+        window_->setWindowTitle(u"Twinsweep*"_s);
+        answers.alert(u"No"_s);
+        QVERIFY(!window_->close());
+        QVERIFY(window_->isVisible());
+        answers.alert(u"Yes"_s);
+        QVERIFY(window_->close());
+        window_->show();
+        window_->setWindowTitle(QString());
+        QVERIFY(window_->close());
+        const QString all = u"Are you sure you want to remove all folders from the list?"_s;
+        const QString unsaved = u"You have unsaved changes that will be lost. Are you sure you "
+                                "want to exit the application?"_s;
+        const QString none =
+            u"There are no folders to scan. Please add at least one folder and try again."_s;
+        QCOMPARE(answers.said, (QStringList{all, all, none, unsaved, unsaved}));
+    }
+
+    void extensionsAreLowerCasedAndUnique() {
+        QVERIFY(!window_->textFieldCustomFileTypesExtension->isEnabled());
+        QTest::mouseClick(window_->radioCustomFileTypes, Qt::LeftButton, {},
+                          QPoint(8, window_->radioCustomFileTypes->height() / 2));
+        QVERIFY(!window_->radioScanAllFileTypes->isChecked());
+        QVERIFY(SettingsManager::shared()->customFileTypes);
+        QVERIFY(window_->buttonCustomFileTypesRemoveAll->isEnabled());
+
+        const auto& list = SettingsManager::shared()->listFileExtensions;
+        for (const char* typed : {"Jpg", "JPG", "", "ÉPS"}) {
+            window_->textFieldCustomFileTypesExtension->setText(QString::fromUtf8(typed));
+            window_->buttonCustomFileTypesAddFileExtension->click();
+            QCOMPARE(window_->textFieldCustomFileTypesExtension->text(), QString::fromUtf8(typed));
+        }
+        // Return in the field adds too.
+        window_->textFieldCustomFileTypesExtension->setText(u".PNG"_s);
+        typeKey(window_->textFieldCustomFileTypesExtension, Qt::Key_Return);
+        QCOMPARE(list, (Paths{"jpg", "éps", ".png"}));
+        QCOMPARE(window_->tableViewFileTypes->model()->rowCount(), 3);
+
+        window_->OnCustomFileTypesRemoveSelected(); // nothing selected
+        QCOMPARE(list.size(), std::size_t{3});
+        window_->tableViewFileTypes->selectRow(0);
+        window_->buttonCustomFileTypesRemoveSelected->click();
+        QCOMPARE(list, (Paths{"éps", ".png"}));
+        window_->buttonCustomFileTypesRemoveAll->click();
+        QVERIFY(list.empty());
+        window_->radioScanAllFileTypes->click();
+        QVERIFY(!SettingsManager::shared()->customFileTypes);
+        QVERIFY(!window_->buttonCustomFileTypesRemoveAll->isEnabled());
+    }
+
+    void keyboardLeavesTablesAndDeleteRemoves() {
+        QCOMPARE(twinsweep::testing::commandsWithoutShortcut(window_->menuBar()), QStringList());
+        window_->addFolders(qt({tree_.mkdir("a"), tree_.mkdir("b")}));
+        window_->OnCustomFileTypesSelected();
+        window_->textFieldCustomFileTypesExtension->setText(u"png"_s);
         window_->buttonCustomFileTypesAddFileExtension->click();
-        QCOMPARE(window_->textFieldCustomFileTypesExtension->text(), typed);
-    };
-    const auto& list = SettingsManager::shared()->listFileExtensions;
-    add(QStringLiteral("Jpg"));
-    QCOMPARE(list, (std::vector<std::string>{"jpg"}));
-    add(QStringLiteral("JPG"));
-    add(QString());
-    QCOMPARE(list, (std::vector<std::string>{"jpg"}));
-    add(QStringLiteral("ÉPS"));
-    add(QStringLiteral(".PNG"));
-    QCOMPARE(list, (std::vector<std::string>{"jpg", "éps", ".png"}));
-    QCOMPARE(window_->tableViewFileTypes->model()->rowCount(), 3);
-
-    window_->OnCustomFileTypesRemoveSelected();
-    QCOMPARE(list.size(), std::size_t{3});
-    window_->tableViewFileTypes->selectRow(0);
-    window_->buttonCustomFileTypesRemoveSelected->click();
-    QCOMPARE(list, (std::vector<std::string>{"éps", ".png"}));
-    window_->buttonCustomFileTypesRemoveAll->click();
-    QVERIFY(list.empty());
-
-    window_->radioScanAllFileTypes->click();
-    QVERIFY(!SettingsManager::shared()->customFileTypes);
-    QVERIFY(!window_->buttonCustomFileTypesRemoveAll->isEnabled());
-}
-
-void MainWindowTest::slidersStopOnTheTenSizes() {
-    const auto settings = SettingsManager::shared();
-    QCOMPARE(window_->sliderMinimumFileSize->maximum(), 9);
-    // The texts ignore the locale the environment asks for.
-    const twinsweep::testing::ScopedLocale german("de_DE.UTF-8");
-    const struct {
-        int stop;
-        std::uint64_t minimum, maximum;
-        const char *minimumText, *maximumText;
-    } stops[] = {{0, 1, 1048576, "1 B", "1.0 MB"},
-                 {3, 512000, 52428800, "500.0 KB", "50.0 MB"},
-                 {9, 104857600, 1099511627776ULL, "100.0 MB", "1.0 TB"}};
-    for (const auto& s : stops) {
-        window_->sliderMinimumFileSize->setValue(s.stop);
-        window_->sliderMaximumFileSize->setValue(s.stop);
-        QCOMPARE(settings->minimumFileSize, s.minimum);
-        QCOMPARE(window_->textFieldMinimumFileSize->text(), QString::fromUtf8(s.minimumText));
-        QCOMPARE(settings->maximumFileSize, s.maximum);
-        QCOMPARE(window_->textFieldMaximumFileSize->text(), QString::fromUtf8(s.maximumText));
-    }
-    // The keyboard moves one stop at a time.
-    window_->sliderMaximumFileSize->setValue(0);
-    window_->sliderMaximumFileSize->setFocus();
-    QTest::keyClick(window_->sliderMaximumFileSize, Qt::Key_Right);
-    QCOMPARE(settings->maximumFileSize, std::uint64_t{5242880});
-}
-
-void MainWindowTest::fileNewPutsEveryOptionBack() {
-    TempTree tree;
-    const auto settings = SettingsManager::shared();
-    window_->addFolders({QString::fromStdString(tree.mkdir("a"))});
-    window_->sliderMinimumFileSize->setValue(0);
-    window_->sliderMaximumFileSize->setValue(9);
-    window_->radioCustomFileTypes->click();
-    window_->buttonCustomFileTypesAddFileExtension->click();
-    window_->textFieldCustomFileTypesExtension->setText(QStringLiteral("png"));
-    window_->radioRemoveDuplicateFilesPermanently->click();
-    window_->checkIgnoreBundles->click();
-    window_->checkCompareLargeFilesByContent->click();
-    QVERIFY(!settings->moveToTrash && !settings->ignorePackages);
-    QVERIFY(settings->compareLargeFilesByContent);
-    window_->findChild<QAction*>(QStringLiteral("actionFileNew"))->trigger();
-
-    QVERIFY(settings->listFolderPaths.empty());
-    QVERIFY(settings->listFileExtensions.empty());
-    QCOMPARE(settings->minimumFileSize, std::uint64_t{204800});
-    QCOMPARE(settings->maximumFileSize, std::uint64_t{107374182400ULL});
-    QVERIFY(!settings->customFileTypes);
-    QVERIFY(settings->moveToTrash);
-    QVERIFY(settings->ignorePackages);
-    QVERIFY(!settings->compareLargeFilesByContent);
-    QCOMPARE(window_->sliderMinimumFileSize->value(), 2);
-    QCOMPARE(window_->textFieldMinimumFileSize->text(), QStringLiteral("200.0 KB"));
-    QVERIFY(window_->radioScanAllFileTypes->isChecked());
-    QVERIFY(!window_->textFieldCustomFileTypesExtension->isEnabled());
-    QVERIFY(window_->radioMoveDuplicateFilesToTrash->isChecked());
-    QVERIFY(window_->checkIgnoreBundles->isChecked());
-    QCOMPARE(window_->tableViewFolders->model()->rowCount(), 0);
-}
-
-void MainWindowTest::findWithoutFoldersOnlyWarns() {
-    ModalAnswers answers;
-    answers.alert(QStringLiteral("OK"));
-    window_->buttonFindDuplicateFiles->click();
-    QCOMPARE(answers.said, QStringList{"There are no folders to scan. Please add at least one "
-                                       "folder and try again."});
-}
-
-void MainWindowTest::closingAsksOnlyWithUnsavedMark() {
-    ModalAnswers answers;
-    window_->setWindowTitle(QStringLiteral("Twinsweep*"));
-    answers.alert(QStringLiteral("No"));
-    QVERIFY(!window_->close());
-    QVERIFY(window_->isVisible());
-    QCOMPARE(answers.said, QStringList{"You have unsaved changes that will be lost. Are you sure "
-                                       "you want to exit the application?"});
-    answers.alert(QStringLiteral("Yes"));
-    QVERIFY(window_->close());
-
-    window_->show();
-    window_->setWindowTitle(QString());
-    QVERIFY(window_->close());
-    QCOMPARE(answers.said.size(), 2);
-}
-
-void MainWindowTest::keyboardLeavesTablesAndDeleteRemoves() {
-    QCOMPARE(twinsweep::testing::commandsWithoutShortcut(window_->menuBar()), QStringList());
-    TempTree tree;
-    window_->addFolders(
-        {QString::fromStdString(tree.mkdir("a")), QString::fromStdString(tree.mkdir("b"))});
-    window_->OnCustomFileTypesSelected();
-    window_->textFieldCustomFileTypesExtension->setText(QStringLiteral("png"));
-    typeKey(window_->textFieldCustomFileTypesExtension, Qt::Key_Return);
-    QCOMPARE(SettingsManager::shared()->listFileExtensions, std::vector<std::string>{"png"});
-
-    // Tab and Shift+Tab move out of a table, not from cell to cell.
-    for (QTableView* table :
-         {static_cast<QTableView*>(window_->tableViewFolders), window_->tableViewFileTypes}) {
-        table->selectRow(0);
-        typeKey(table, Qt::Key_Tab);
-        QVERIFY(!table->hasFocus());
-        typeKey(table, Qt::Key_Backtab, Qt::ShiftModifier);
-        QVERIFY(!table->hasFocus());
+        // Tab and Shift+Tab move out of a table, not from cell to cell.
+        for (QTableView* table :
+             {static_cast<QTableView*>(window_->tableViewFolders), window_->tableViewFileTypes}) {
+            table->selectRow(0);
+            typeKey(table, Qt::Key_Tab);
+            QVERIFY(!table->hasFocus());
+            typeKey(table, Qt::Key_Backtab, Qt::ShiftModifier);
+            QVERIFY(!table->hasFocus());
+        }
+        // Delete removes from the table that has the focus, and only there.
+        window_->tableViewFolders->selectRow(0);
+        window_->tableViewFileTypes->selectRow(0);
+        typeKey(window_->tableViewFolders, Qt::Key_Delete);
+        QCOMPARE(folders(), Paths{tree_.path("b")});
+        QCOMPARE(SettingsManager::shared()->listFileExtensions.size(), std::size_t{1});
+        typeKey(window_->tableViewFileTypes, Qt::Key_Delete);
+        QVERIFY(SettingsManager::shared()->listFileExtensions.empty());
+        QCOMPARE(folders().size(), std::size_t{1});
     }
 
-    // Delete removes from the table that has the focus, and only there.
-    window_->tableViewFolders->selectRow(0);
-    window_->tableViewFileTypes->selectRow(0);
-    typeKey(window_->tableViewFolders, Qt::Key_Delete);
-    QCOMPARE(folders(), std::vector<std::string>{tree.path("b")});
-    QCOMPARE(SettingsManager::shared()->listFileExtensions.size(), std::size_t{1});
-    typeKey(window_->tableViewFileTypes, Qt::Key_Delete);
-    QVERIFY(SettingsManager::shared()->listFileExtensions.empty());
-    QCOMPARE(folders().size(), std::size_t{1});
-}
+    void slidersStopOnTheTenSizes() {
+        const auto settings = SettingsManager::shared();
+        QCOMPARE(window_->sliderMinimumFileSize->maximum(), 9);
+        // The texts ignore the locale the environment asks for.
+        const twinsweep::testing::ScopedLocale german("de_DE.UTF-8");
+        const struct {
+            int stop;
+            std::uint64_t minimum, maximum;
+            const char *minimumText, *maximumText;
+        } stops[] = {{0, 1, 1048576, "1 B", "1.0 MB"},
+                     {3, 512000, 52428800, "500.0 KB", "50.0 MB"},
+                     {9, 104857600, 1099511627776ULL, "100.0 MB", "1.0 TB"}};
+        for (const auto& s : stops) {
+            window_->sliderMinimumFileSize->setValue(s.stop);
+            window_->sliderMaximumFileSize->setValue(s.stop);
+            QCOMPARE(settings->minimumFileSize, s.minimum);
+            QCOMPARE(window_->textFieldMinimumFileSize->text(), QString::fromUtf8(s.minimumText));
+            QCOMPARE(settings->maximumFileSize, s.maximum);
+            QCOMPARE(window_->textFieldMaximumFileSize->text(), QString::fromUtf8(s.maximumText));
+        }
+        // The keyboard moves one stop at a time.
+        window_->sliderMaximumFileSize->setValue(0);
+        window_->sliderMaximumFileSize->setFocus();
+        QTest::keyClick(window_->sliderMaximumFileSize, Qt::Key_Right);
+        QCOMPARE(settings->maximumFileSize, std::uint64_t{5242880});
+    }
 
-void MainWindowTest::foldersOutsideTheSearchedLocationsAreNamed() {
-    using twinsweep::LocationGate;
-    TempTree tree;
-    const std::string mac = tree.mkdir("mac");
-    const std::string home = tree.mkdir("mac/Users/bob");
-    const std::string volume = tree.mkdir("mac/Volumes/Disk");
-    const std::string data = tree.mkdir("data");
-    LocationGate::setProcessDefault(LocationGate::macLayoutUnder(mac));
-    const auto line = [this] {
-        return window_->labelOutsideLocations->isVisibleTo(window_.get())
-                   ? window_->labelOutsideLocations->text()
-                   : QString();
-    };
+    void fileNewPutsEveryOptionBack() {
+        const auto settings = SettingsManager::shared();
+        window_->addFolders(qt({tree_.mkdir("a")}));
+        window_->sliderMinimumFileSize->setValue(0);
+        window_->sliderMaximumFileSize->setValue(9);
+        window_->radioCustomFileTypes->click();
+        window_->textFieldCustomFileTypesExtension->setText(u"png"_s);
+        window_->buttonCustomFileTypesAddFileExtension->click();
+        window_->radioRemoveDuplicateFilesPermanently->click();
+        window_->checkIgnoreBundles->click();
+        window_->checkCompareLargeFilesByContent->click();
+        QVERIFY(!settings->moveToTrash && settings->compareLargeFilesByContent);
+        window_->findChild<QAction*>(u"actionFileNew"_s)->trigger();
 
-    window_->addFolders({QString::fromStdString(home), QString::fromStdString(volume)});
-    QCOMPARE(line(), QString());
-    const QString roots =
-        QString::fromStdString(mac + "/Users, " + mac + "/Applications and " + mac + "/Volumes");
-    window_->addFolders({QString::fromStdString(data), QString::fromStdString(mac)});
-    QCOMPARE(line(), QStringLiteral("The search looks only under ") + roots +
-                         QStringLiteral(". Outside those locations: ") +
-                         QString::fromStdString(data + ", " + mac) + QLatin1Char('.'));
+        QVERIFY(settings->listFolderPaths.empty() && settings->listFileExtensions.empty());
+        QCOMPARE(settings->minimumFileSize, std::uint64_t{204800});
+        QCOMPARE(settings->maximumFileSize, std::uint64_t{107374182400ULL});
+        QVERIFY(!settings->customFileTypes && !settings->compareLargeFilesByContent);
+        QVERIFY(settings->moveToTrash && settings->ignorePackages);
+        // The widgets show the defaults too.
+        QCOMPARE(window_->textFieldMinimumFileSize->text(), u"200.0 KB"_s);
+        QVERIFY(window_->radioMoveDuplicateFilesToTrash->isChecked());
+        QVERIFY(window_->checkIgnoreBundles->isChecked() &&
+                !window_->checkCompareLargeFilesByContent->isChecked());
+        QCOMPARE(window_->tableViewFolders->model()->rowCount(), 0);
+    }
 
-    // The line follows the list, and a gate that lets everything pass has none.
-    window_->tableViewFolders->selectRow(2);
-    window_->OnRemoveSelected();
-    QVERIFY(line().endsWith(QString::fromStdString(": " + mac + ".")));
-    LocationGate::setProcessDefault(LocationGate::anywhere());
-    window_->addFolders({});
-    QCOMPARE(line(), QString());
-    LocationGate::setProcessDefault(LocationGate::platformDefault());
-    window_->OnFileNew();
-    QCOMPARE(line(), QString());
-}
+    void foldersOutsideTheSearchedLocationsAreNamed() {
+        const std::string mac = tree_.mkdir("mac");
+        const std::string data = tree_.mkdir("data");
+        LocationGate::setProcessDefault(LocationGate::macLayoutUnder(mac));
+        const auto line = [this] {
+            return window_->labelOutsideLocations->isVisibleTo(window_.get())
+                       ? window_->labelOutsideLocations->text()
+                       : QString();
+        };
+        window_->addFolders(qt({tree_.mkdir("mac/Users/bob"), tree_.mkdir("mac/Volumes/Disk")}));
+        QCOMPARE(line(), QString());
+        window_->addFolders(qt({data, mac}));
+        QCOMPARE(line(), QString::fromStdString("The search looks only under " + mac + "/Users, " +
+                                                mac + "/Applications and " + mac +
+                                                "/Volumes. Outside those locations: " + data +
+                                                ", " + mac + "."));
+        // The line follows the list, and a gate that lets everything pass has none.
+        window_->tableViewFolders->selectRow(2);
+        window_->OnRemoveSelected();
+        QVERIFY(line().endsWith(QString::fromStdString(": " + mac + ".")));
+        LocationGate::setProcessDefault(LocationGate::anywhere());
+        window_->addFolders({});
+        QCOMPARE(line(), QString());
+        LocationGate::setProcessDefault(LocationGate::platformDefault());
+        window_->OnFileNew();
+        QCOMPARE(line(), QString());
+    }
+
+    void helpPagesOpenFromEveryWindow() {
+        QDesktopServices::setUrlHandler(u"file"_s, this, "openedUrl");
+        window_->findChild<QAction*>(u"actionHelpRemoveDuplicates"_s)->trigger();
+        window_->findChild<QAction*>(u"actionHelpCustomSelect"_s)->trigger();
+        ModalAnswers answers;
+        answers.then("twinsweep::ui::ModalWindow", [](QWidget* modal) {
+            modal->findChild<QAction*>(u"actionHelpRemoveDuplicates"_s)->trigger();
+            modal->close();
+        });
+        QVERIFY(WindowFactory::runModal(kWindowControllerInfo, window_.get()));
+        OpenHelpVideo(u"http://exa mple/%%"_s); // can't be parsed: ignored
+        QDesktopServices::unsetUrlHandler(u"file"_s);
+        QCOMPARE(opened_.size(), 3);
+        QVERIFY(opened_[0] == opened_[2] && opened_[0] != opened_[1]);
+        for (const QUrl& url : opened_) {
+            QVERIFY2(slurp(url.toLocalFile().toStdString()).find("<h1>") != std::string::npos,
+                     qPrintable(url.toString()));
+        }
+    }
+
+    void alertKeepsButtonOrderAndEscapeDeclines() {
+        ModalAnswers answers;
+        QStringList order;
+        answers.then("QMessageBox", [&](QWidget* modal) {
+            auto buttons = modal->findChild<QDialogButtonBox*>()->findChildren<QPushButton*>();
+            std::sort(buttons.begin(), buttons.end(),
+                      [](QPushButton* l, QPushButton* r) { return l->x() < r->x(); });
+            for (QPushButton* b : buttons) {
+                order << b->text();
+            }
+            QVERIFY(pressAlertButton(modal, u"Yes"_s));
+        });
+        QVERIFY(askYesNo(nullptr, u"Sure?"_s));
+        QCOMPARE(order, (QStringList{u"Yes"_s, u"No"_s})); // as laid out
+        answers.then("QMessageBox", [](QWidget* modal) { QTest::keyClick(modal, Qt::Key_Escape); });
+        QVERIFY(!askYesNo(nullptr, u"Sure?"_s));
+        answers.then("QMessageBox",
+                     [](QWidget* modal) { QVERIFY(pressAlertButton(modal, u"C"_s)); });
+        QCOMPARE(runAlert(nullptr, u"Pick"_s, {u"A"_s, u"B"_s, u"C"_s}), 2);
+    }
+};
+
+UI_TEST_CLASS(MainWindowTest);
+
+#include "MainWindowTest.moc"

@@ -1,241 +1,241 @@
-#include "ProtectExportTest.h"
-
 #include <QCheckBox>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalSpy>
-#include <QTableView>
-#include <QTest>
-#include <sys/stat.h>
 
-#include "ResultsSupport.h"
-#include "export/ResultsExport.h"
+#include "UiTestSupport.h"
 #include "selection/KeepOptions.h"
 #include "support/Csv.h"
 #include "ui/duplicates/SegmentedControl.h"
 #include "ui/main/FolderTableView.h"
 #include "ui/main/ViewController.h"
 
-using twinsweep::FilePtr;
-using twinsweep::SettingsManager;
-using twinsweep::testing::FoundDuplicates;
-using twinsweep::testing::ModalAnswers;
-using twinsweep::testing::settled;
-using twinsweep::testing::TempTree;
+using namespace twinsweep;
+using namespace twinsweep::testing;
 using twinsweep::ui::ViewController;
 using twinsweep::ui::ViewControllerDuplicates;
 
 namespace {
 
-bool exists(const std::string& path) {
-    struct stat info {};
-    return ::stat(path.c_str(), &info) == 0;
-}
-
-QByteArray slurp(const QString& path) {
-    return QByteArray::fromStdString(twinsweep::testing::slurp(path.toStdString()));
+// Applies a keep option to every group, cleans, and checks that only the
+// done message came.
+void cleanAll(FoundDuplicates& found, int segment) {
+    ViewControllerDuplicates& w = found.open();
+    w.checkApplyForAll->click();
+    w.segmentedControlKeep->segmentButton(segment)->click();
+    QVERIFY(settled(w));
+    ModalAnswers answers;
+    answers.alert(u"OK"_s);
+    w.buttonClean->click();
+    QCOMPARE(answers.said.size(), 1);
+    QVERIFY(answers.allAnswered() && !w.isVisible());
 }
 
 } // namespace
 
-void ProtectExportTest::cleanup() {
-    const auto settings = SettingsManager::shared();
-    settings->duplicateFileList.clear();
-    settings->protectedFolders.clear();
-    settings->moveToTrash = true;
-}
-
-void ProtectExportTest::folderTableProtectsFolders() {
-    TempTree tree;
-    const std::string a = tree.mkdir("a");
-    const std::string b = tree.mkdir("b");
-    ViewController w;
-    QCOMPARE(w.addFolders({QString::fromStdString(a), QString::fromStdString(b)}), 0);
-    QAbstractItemModel* model = w.tableViewFolders->model();
-    QCOMPARE(model->columnCount(), 2);
-    QCOMPARE(model->headerData(1, Qt::Horizontal).toString(), QStringLiteral("Protected"));
-    QCOMPARE(model->index(0, 1).data(Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
-    QVERIFY(model->flags(model->index(0, 1)) & Qt::ItemIsUserCheckable);
-
-    const auto settings = SettingsManager::shared();
-    QVERIFY(model->setData(model->index(1, 1), Qt::Checked, Qt::CheckStateRole));
-    QCOMPARE(settings->protectedFolders, std::vector<std::string>{b});
-    QCOMPARE(model->index(1, 1).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
-    // A folder taken off the list loses its protection.
-    w.tableViewFolders->selectRow(1);
-    w.OnRemoveSelected();
-    QVERIFY(settings->protectedFolders.empty());
-    QVERIFY(model->setData(model->index(0, 1), Qt::Checked, Qt::CheckStateRole));
-    QCOMPARE(settings->protectedFolders, std::vector<std::string>{a});
-    w.OnFileNew();
-    QVERIFY(settings->protectedFolders.empty());
-    QCOMPARE(model->rowCount(), 0);
-}
-
-void ProtectExportTest::protectedCopiesCannotBeTickedOrCleaned() {
-    FoundDuplicates found;
-    for (const char* p : {"dl/a.jpg", "photos/a.jpg", "photos/b.jpg"}) {
-        found.tree.write(p, std::string(500, 'p'));
+// Protected folders in the main and results windows, the results window's
+// export, the hard-link choice and Edit > Undo Clean.
+class ProtectExportTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void cleanup() {
+        const auto settings = SettingsManager::shared();
+        settings->duplicateFileList.clear();
+        settings->protectedFolders.clear();
+        settings->moveToTrash = true;
+        settings->replaceWithHardLinks = false;
     }
-    const auto settings = SettingsManager::shared();
-    settings->protectedFolders = {found.tree.path("photos")};
-    QCOMPARE(found.search(), std::size_t{1});
-    const FilePtr group = settings->duplicateFileList.front();
-    settings->moveToTrash = false;
-    ViewControllerDuplicates w(nullptr);
-    w.show();
-    QVERIFY(settled(w));
 
-    QAbstractItemModel* members = w.tableViewDuplicates->model();
-    int protectedCount = 0;
-    for (int row = 0; row < members->rowCount(); ++row) {
-        const QModelIndex box = members->index(row, 0);
-        if (!group->duplicates[static_cast<std::size_t>(row)]->isProtected) {
-            QVERIFY(members->flags(box) & Qt::ItemIsEnabled);
-            continue;
+    void folderTableProtectsFolders() {
+        TempTree tree;
+        const std::string a = tree.mkdir("a"), b = tree.mkdir("b");
+        ViewController w;
+        QCOMPARE(w.addFolders({QString::fromStdString(a), QString::fromStdString(b)}), 0);
+        QAbstractItemModel* model = w.tableViewFolders->model();
+        QCOMPARE(model->headerData(1, Qt::Horizontal).toString(), u"Protected"_s);
+        QCOMPARE(model->index(0, 1).data(Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
+        const auto settings = SettingsManager::shared();
+        QVERIFY(model->setData(model->index(1, 1), Qt::Checked, Qt::CheckStateRole));
+        QCOMPARE(settings->protectedFolders, std::vector<std::string>{b});
+        QCOMPARE(model->index(1, 1).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
+        // A folder taken off the list loses its protection.
+        w.tableViewFolders->selectRow(1);
+        w.OnRemoveSelected();
+        QVERIFY(settings->protectedFolders.empty());
+        QVERIFY(model->setData(model->index(0, 1), Qt::Checked, Qt::CheckStateRole));
+        QCOMPARE(settings->protectedFolders, std::vector<std::string>{a});
+        w.OnFileNew();
+        QVERIFY(settings->protectedFolders.empty());
+    }
+
+    void protectedCopiesCannotBeTickedOrCleaned() {
+        FoundDuplicates found;
+        for (const char* p : {"dl/a.jpg", "photos/a.jpg", "photos/b.jpg"}) {
+            found.tree.write(p, std::string(500, 'p'));
         }
-        ++protectedCount;
-        QVERIFY(!(members->flags(box) & (Qt::ItemIsEnabled | Qt::ItemIsUserCheckable)));
-        QVERIFY(box.data(Qt::ToolTipRole).toString().contains(QStringLiteral("protected")));
-        QVERIFY(!members->setData(box, Qt::Checked, Qt::CheckStateRole));
-        QCOMPARE(group->duplicates[static_cast<std::size_t>(row)]->checkState.load(), 0);
-    }
-    QCOMPARE(protectedCount, 2);
+        found.tree.write("dl/song.mp3", "tune");
+        found.tree.write("music/song.mp3", "tune");
+        const auto settings = SettingsManager::shared();
+        settings->protectedFolders = {found.tree.path("photos")};
+        settings->moveToTrash = false;
+        QCOMPARE(found.search(), std::size_t{2});
+        const Snapshot before = snapshot(found.tree.root());
+        ViewControllerDuplicates& w = found.open();
+        const FilePtr pictures = w.fileList[0], songs = w.fileList[1];
+        QCOMPARE(pictures->duplicates.size(), std::size_t{3});
+        const auto protectedMarked = [&] {
+            return std::any_of(pictures->duplicates.begin(), pictures->duplicates.end(),
+                               [](const auto& m) { return m->isProtected && m->checkState != 0; });
+        };
 
-    // Remove All marks the one unprotected copy; no whole-group question.
-    w.segmentedControlKeep->segmentButton(3)->click();
-    QVERIFY(settled(w));
-    QCOMPARE(twinsweep::markedCount(*group), std::int64_t{1});
-    ModalAnswers answers;
-    answers.alert(QStringLiteral("Yes"));
-    answers.alert(QStringLiteral("OK"));
-    w.buttonClean->click();
-    QVERIFY(answers.allAnswered());
-    QVERIFY(answers.said.front().contains(QStringLiteral("permanently")));
-    QVERIFY(!exists(found.tree.path("dl/a.jpg")));
-    QVERIFY(exists(found.tree.path("photos/a.jpg")) && exists(found.tree.path("photos/b.jpg")));
-    // Protected copies alone are not listed: the window closes.
-    QVERIFY(!w.isVisible());
-}
-
-void ProtectExportTest::exportsReadBackWithTheirMarks() {
-    FoundDuplicates found;
-    for (const char* p : {"a/photo.jpg", "b/photo,copy.jpg", "c/photo.jpg"}) {
-        found.tree.write(p, std::string(3000, 'p'));
-    }
-    found.tree.write("a/report.pdf", std::string(2000, 'd'));
-    found.tree.write("b/report.pdf", std::string(2000, 'd'));
-    QCOMPARE(found.search(), std::size_t{2});
-    ViewControllerDuplicates w(nullptr);
-    w.show();
-    QVERIFY(settled(w));
-    w.checkApplyForAll->click();
-    w.segmentedControlKeep->segmentButton(1)->click(); // keep oldest, every group
-    QVERIFY(settled(w));
-
-    TempTree out;
-    QSignalSpy finished(&w, &ViewControllerDuplicates::exportFinished);
-    const QString csvPath = QString::fromStdString(out.path("d.csv"));
-    const QString jsonPath = QString::fromStdString(out.path("d.json"));
-    w.startExport(csvPath, twinsweep::ui::ExportFormat::Csv);
-    w.startExport(jsonPath, twinsweep::ui::ExportFormat::Json);
-    QVERIFY(finished.wait(20000) && (finished.size() == 2 || finished.wait(20000)));
-    QCOMPARE(finished.at(0).at(0).toString(), QString());
-    QCOMPARE(finished.at(1).at(0).toString(), QString());
-
-    std::vector<std::vector<std::string>> rows;
-    QVERIFY(twinsweep::testing::parseCsv(slurp(csvPath).toStdString(), rows));
-    QCOMPARE(rows.size(), std::size_t{6});
-    QCOMPARE(rows[0],
-             (std::vector<std::string>{"group", "path", "size", "date", "category", "marked"}));
-    const QJsonArray groups =
-        QJsonDocument::fromJson(slurp(jsonPath)).object().value(QStringLiteral("groups")).toArray();
-    QCOMPARE(groups.size(), 2);
-    std::size_t row = 1;
-    for (std::size_t g = 0; g < w.fileList.size(); ++g) {
-        const QJsonArray members = groups[int(g)].toObject()[QStringLiteral("members")].toArray();
-        QCOMPARE(std::size_t(members.size()), w.fileList[g]->duplicates.size());
-        for (std::size_t m = 0; m < w.fileList[g]->duplicates.size(); ++m, ++row) {
-            const twinsweep::DuplicateFile& member = *w.fileList[g]->duplicates[m];
-            const QJsonObject json = members[int(m)].toObject();
-            QCOMPARE(json[QStringLiteral("path")].toString().toStdString(), member.path);
-            QCOMPARE(json[QStringLiteral("marked")].toBool(), member.checkState == 1);
-            QCOMPARE(rows[row][0], std::to_string(g + 1));
-            QCOMPARE(rows[row][1], member.path);
-            QCOMPARE(rows[row][5], std::string(member.checkState == 1 ? "1" : "0"));
+        QAbstractItemModel* members = w.tableViewDuplicates->model();
+        int protectedCount = 0;
+        for (int row = 0; row < members->rowCount(); ++row) {
+            const QModelIndex box = members->index(row, 0);
+            if (!pictures->duplicates[static_cast<std::size_t>(row)]->isProtected) {
+                QVERIFY(members->flags(box) & Qt::ItemIsEnabled);
+                continue;
+            }
+            ++protectedCount;
+            QVERIFY(!(members->flags(box) & (Qt::ItemIsEnabled | Qt::ItemIsUserCheckable)));
+            QVERIFY(box.data(Qt::ToolTipRole).toString().contains(u"protected"_s));
+            QVERIFY(!members->setData(box, Qt::Checked, Qt::CheckStateRole));
         }
-    }
+        QCOMPARE(protectedCount, 2);
 
-    // A folder that isn't there: an alert, and nothing half written.
-    ModalAnswers answers;
-    answers.alert(QStringLiteral("OK"));
-    w.startExport(QString::fromStdString(out.path("none/d.csv")), twinsweep::ui::ExportFormat::Csv);
-    QVERIFY(finished.wait(20000));
-    QVERIFY(!finished.back().at(0).toString().isEmpty());
-    QVERIFY(answers.allAnswered());
-}
+        // Ticks while a category change is on its way, the songs still shown:
+        // whatever row they land on, a protected copy stays unmarked.
+        w.tableViewFiles->selectRow(1);
+        QCOMPARE(cell(w.tableViewDuplicates, 0, 1).toStdString(), songs->duplicates[0]->path);
+        w.categoryChecks[4]->click(); // documents: neither group
+        for (int row = 0; row < 2; ++row) {
+            members->setData(members->index(row, 0), Qt::Checked, Qt::CheckStateRole);
+        }
+        QVERIFY(!protectedMarked());
+        // A tick belongs to the group whose box was clicked.
+        QEXPECT_FAIL("", "the tick goes to the first listed group while the update runs", Continue);
+        QCOMPARE(markedCount(*pictures), std::int64_t{0});
+        QVERIFY(settled(w));
+        w.tableViewFiles->selectRow(1);
+        w.segmentedControlKeep->segmentButton(0)->click(); // the songs unmarked again
+        QVERIFY(settled(w));
 
-void ProtectExportTest::linksAskNothingAndUndoPutsTrashedCopiesBack() {
-    const auto settings = SettingsManager::shared();
-    {
-        ViewController main;
-        main.radioReplaceWithHardLinks->click();
-        QVERIFY(settings->replaceWithHardLinks && !settings->moveToTrash);
-        QVERIFY(!main.radioMoveDuplicateFilesToTrash->isChecked());
-        main.OnFileNew();
-        QVERIFY(!settings->replaceWithHardLinks && settings->moveToTrash);
-        main.radioReplaceWithHardLinks->click();
-    }
-    FoundDuplicates found;
-    const std::string a = found.tree.write("a/x.jpg", "twin pictures");
-    const std::string b = found.tree.write("b/x.jpg", "twin pictures");
-    QCOMPARE(found.search(), std::size_t{1});
-    const auto clean = [&](const char* segment) {
-        ViewControllerDuplicates w(nullptr);
-        w.show();
+        // Remove All marks the one unprotected copy; no whole-group question.
+        w.tableViewFiles->selectRow(0);
+        w.segmentedControlKeep->segmentButton(3)->click();
         QVERIFY(settled(w));
-        w.checkApplyForAll->click();
-        w.segmentedControlKeep->segmentButton(QString::fromLatin1(segment).toInt())->click();
-        QVERIFY(settled(w));
+        QCOMPARE(markedCount(*pictures), std::int64_t{1});
+        QVERIFY(!protectedMarked());
         ModalAnswers answers;
-        answers.alert(QStringLiteral("OK"));
+        answers.alert(u"Yes"_s);
+        answers.alert(u"OK"_s);
         w.buttonClean->click();
         QVERIFY(answers.allAnswered());
-        QCOMPARE(answers.said.size(), 1); // only the done alert
-        QVERIFY(!w.isVisible());
-    };
-    // Keep oldest with links: each group becomes one file under two names.
-    clean("1");
-    struct stat sa {
-    }, sb{};
-    QVERIFY(::stat(a.c_str(), &sa) == 0 && ::stat(b.c_str(), &sb) == 0);
-    QCOMPARE(sa.st_ino, sb.st_ino);
-
-    // Now to the Trash, then Edit > Undo Clean in the main window.
-    const QByteArray savedDataHome = qgetenv("XDG_DATA_HOME");
-    qputenv("XDG_DATA_HOME", QByteArray::fromStdString(found.tree.mkdir("data")));
-    settings->replaceWithHardLinks = false;
-    settings->moveToTrash = true;
-    const std::string c = found.tree.write("c/y.jpg", "other twins");
-    const std::string d = found.tree.write("d/y.jpg", "other twins");
-    QCOMPARE(found.search(), std::size_t{1});
-    clean("1");
-    QVERIFY(!exists(c) || !exists(d));
-    ViewController main;
-    QVERIFY(main.actionUndoClean->isEnabled());
-    ModalAnswers answers;
-    answers.alert(QStringLiteral("OK"));
-    main.actionUndoClean->trigger();
-    if (savedDataHome.isNull()) {
-        qunsetenv("XDG_DATA_HOME");
-    } else {
-        qputenv("XDG_DATA_HOME", savedDataHome);
+        QVERIFY(answers.said.front().contains(u"permanently"_s));
+        QCOMPARE(snapshot(found.tree.root()), without(before, {found.tree.path("dl/a.jpg")}));
+        QCOMPARE(w.fileList, FileList{songs}); // protected copies alone are not listed
     }
-    QCOMPARE(answers.said, QStringList{"1 file was put back where it was."});
-    QVERIFY(exists(c) && exists(d));
-    QVERIFY(!main.actionUndoClean->isEnabled());
-}
+
+    void exportsReadBackWithTheirMarks() {
+        FoundDuplicates found;
+        for (const char* p : {"a/photo.jpg", "b/photo,copy.jpg", "c/photo.jpg"}) {
+            found.tree.write(p, std::string(3000, 'p'));
+        }
+        found.tree.write("a/report.pdf", std::string(2000, 'd'));
+        found.tree.write("b/report.pdf", std::string(2000, 'd'));
+        QCOMPARE(found.search(), std::size_t{2});
+        ViewControllerDuplicates& w = found.open();
+        w.checkApplyForAll->click();
+        w.segmentedControlKeep->segmentButton(1)->click(); // keep oldest, every group
+        QVERIFY(settled(w));
+        TempTree out;
+        QSignalSpy finished(&w, &ViewControllerDuplicates::exportFinished);
+        w.startExport(QString::fromStdString(out.path("d.csv")), ui::ExportFormat::Csv);
+        w.startExport(QString::fromStdString(out.path("d.json")), ui::ExportFormat::Json);
+        QVERIFY(finished.wait(20000) && (finished.size() == 2 || finished.wait(20000)));
+        QCOMPARE(finished.at(0).at(0).toString() + finished.at(1).at(0).toString(), QString());
+
+        // Each member as "group path marked": as held, and as each file reads back.
+        QStringList held, csv, json;
+        for (std::size_t g = 0; g < w.fileList.size(); ++g) {
+            for (const auto& m : w.fileList[g]->duplicates) {
+                held << QString::fromStdString(std::to_string(g + 1) + ' ' + m->path + ' ' +
+                                               (m->checkState == 1 ? '1' : '0'));
+            }
+        }
+        std::vector<std::vector<std::string>> rows;
+        QVERIFY(parseCsv(slurp(out.path("d.csv")), rows));
+        QCOMPARE(rows.at(0),
+                 (std::vector<std::string>{"group", "path", "size", "date", "category", "marked"}));
+        for (std::size_t r = 1; r < rows.size(); ++r) {
+            csv << QString::fromStdString(rows[r][0] + ' ' + rows[r][1] + ' ' + rows[r][5]);
+        }
+        const QJsonArray groups =
+            QJsonDocument::fromJson(QByteArray::fromStdString(slurp(out.path("d.json"))))["groups"]
+                .toArray();
+        for (int g = 0; g < groups.size(); ++g) {
+            for (const QJsonValue m : groups[g]["members"].toArray()) {
+                json << QString::number(g + 1) + ' ' + m["path"].toString() + ' ' +
+                            (m["marked"].toBool() ? '1' : '0');
+            }
+        }
+        QCOMPARE(held.size(), 5);
+        QCOMPARE(csv, held);
+        QCOMPARE(json, held);
+
+        // A folder that isn't there: an alert, and nothing half written.
+        ModalAnswers answers;
+        answers.alert(u"OK"_s);
+        w.startExport(QString::fromStdString(out.path("none/d.csv")), ui::ExportFormat::Csv);
+        QVERIFY(finished.wait(20000));
+        QVERIFY(!finished.back().at(0).toString().isEmpty());
+        QVERIFY(answers.allAnswered() && !std::filesystem::exists(out.path("none")));
+    }
+
+    void linksAskNothingAndUndoPutsTrashedCopiesBack() {
+        const auto settings = SettingsManager::shared();
+        {
+            ViewController main;
+            main.radioReplaceWithHardLinks->click();
+            QVERIFY(settings->replaceWithHardLinks && !settings->moveToTrash);
+            QVERIFY(!main.radioMoveDuplicateFilesToTrash->isChecked());
+            main.OnFileNew();
+            QVERIFY(!settings->replaceWithHardLinks && settings->moveToTrash);
+            main.radioReplaceWithHardLinks->click();
+        }
+        FoundDuplicates found;
+        const std::string a = found.tree.write("a/x.jpg", "twin pictures");
+        const std::string b = found.tree.write("b/x.jpg", "twin pictures");
+        QCOMPARE(found.search(), std::size_t{1});
+        // Keep oldest with links: each group becomes one file under two names.
+        const Snapshot before = snapshot(found.tree.root());
+        cleanAll(found, 1);
+        QCOMPARE(snapshot(found.tree.root()), before);
+        QVERIFY(std::filesystem::equivalent(a, b));
+
+        // Now to the Trash, then Edit > Undo Clean in the main window.
+        settings->replaceWithHardLinks = false;
+        settings->moveToTrash = true;
+        found.tree.write("c/y.jpg", "other twins");
+        found.tree.write("d/y.jpg", "other twins");
+        QCOMPARE(found.search(), std::size_t{1});
+        const Snapshot twins = snapshot(found.tree.root());
+        cleanAll(found, 1);
+        QCOMPARE(snapshot(found.tree.root()).size(), twins.size() - 1);
+        ViewController main;
+        QVERIFY(main.actionUndoClean->isEnabled());
+        ModalAnswers answers;
+        answers.alert(u"OK"_s);
+        main.actionUndoClean->trigger();
+        QCOMPARE(answers.said, QStringList{"1 file was put back where it was."});
+        QCOMPARE(snapshot(found.tree.root()), twins);
+        QVERIFY(!main.actionUndoClean->isEnabled());
+    }
+};
+
+UI_TEST_CLASS(ProtectExportTest);
+
+#include "ProtectExportTest.moc"

@@ -1,38 +1,26 @@
-#include "SearchFlowTest.h"
-
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSlider>
-#include <QTest>
-#include <QTimer>
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <fcntl.h>
 #include <functional>
-#include <mutex>
 #include <poll.h>
 #include <sys/fanotify.h>
 #include <thread>
 #include <unistd.h>
 
 #include "UiTestSupport.h"
-#include "engine/LocationGate.h"
 #include "engine/NotificationCenter.h"
-#include "settings/SettingsManager.h"
-#include "support/TempTree.h"
 #include "ui/main/ViewController.h"
 #include "ui/progress/ProgressText.h"
 #include "ui/progress/ViewControllerProgress.h"
 
 using twinsweep::LocationGate;
 using twinsweep::SettingsManager;
-using twinsweep::testing::ModalAnswers;
-using twinsweep::testing::TempTree;
-using twinsweep::testing::waitUntil;
-using twinsweep::ui::progressTexts;
+using namespace twinsweep::testing;
 using twinsweep::ui::ViewController;
 using twinsweep::ui::ViewControllerProgress;
 
@@ -42,28 +30,19 @@ namespace {
 // test can act on a search that is certainly still running.
 class SearchGate {
   public:
-    SearchGate()
-        : observer_(twinsweep::kUpdateProgress,
-                    [this](const std::string&, const twinsweep::UserInfo&) { hold(); }) {}
     ~SearchGate() { release(); }
     void release() {
-        std::lock_guard guard(lock_);
         open_ = true;
-        wake_.notify_all();
+        open_.notify_all();
     }
-    bool reached() const { return reached_.load(); }
+    bool reached() const { return reached_; }
 
   private:
-    void hold() {
-        reached_ = true;
-        std::unique_lock guard(lock_);
-        wake_.wait_for(guard, std::chrono::seconds(30), [this] { return open_; });
-    }
-    std::mutex lock_;
-    std::condition_variable wake_;
-    bool open_ = false;
-    std::atomic<bool> reached_{false};
-    twinsweep::ScopedObserver observer_;
+    std::atomic<bool> open_{false}, reached_{false};
+    twinsweep::ScopedObserver observer_{twinsweep::kUpdateProgress, [this](auto&, auto&) {
+                                            reached_ = true;
+                                            open_.wait(false);
+                                        }};
 };
 
 // Holds this process's openings of one file (fanotify permission events, as
@@ -149,156 +128,114 @@ ViewControllerProgress* progressWindow(QWidget* modal) {
 
 } // namespace
 
-void SearchFlowTest::init() {
-    SettingsManager::shared()->duplicateFileList.clear();
-}
+// A search started from the main window: the progress window, its end and
+// its cancel, the hand-over to the results window.
+class SearchFlowTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void init() { SettingsManager::shared()->duplicateFileList.clear(); }
+    void cleanup() { QVERIFY(SettingsManager::shared()->duplicateFileList.empty()); }
 
-void SearchFlowTest::cleanup() {
-    QVERIFY(SettingsManager::shared()->duplicateFileList.empty());
-}
-
-void SearchFlowTest::progressTextsFollowTheCounts() {
-    auto t = progressTexts(0, 0);
-    QCOMPARE(t.filesScanned, QStringLiteral("0/0 Files Scanned"));
-    QCOMPARE(t.percents, QStringLiteral("0.0%"));
-    t = progressTexts(4500, 120);
-    QCOMPARE(t.filesScanned, QStringLiteral("120/4500 Files Scaned"));
-    QCOMPARE(t.percents, QStringLiteral("2.7%"));
-    QVERIFY(qAbs(progressTexts(3, 1).percent - 33.333f) < 0.01f);
-    QCOMPARE(progressTexts(1234567, 1234567).percents, QStringLiteral("100.0%"));
-}
-
-void SearchFlowTest::searchHandsGroupsToResultsWindow() {
-    SearchTree where;
-    const std::string a = where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
-    const std::string b = where.tree.write("Users/me/sub/b.txt", std::string(3000, 'a'));
-    where.tree.write("Users/me/c.txt", std::string(3000, 'c'));
-    where.tree.write("Users/me/.hidden", std::string(3000, 'a'));
-    auto window = searchWindow({QString::fromStdString(where.home)});
-    const auto settings = SettingsManager::shared();
-
-    ModalAnswers answers;
-    std::vector<std::string> members;
-    std::vector<std::int64_t> marks;
-    QString resultsTitle;
-    answers.then("twinsweep::ui::ViewControllerDuplicates", [&](QWidget* modal) {
-        // The results window: the search's groups are waiting in the settings.
-        resultsTitle = modal->windowTitle();
-        QVERIFY(settings->openDuplicatesWindow);
-        QCOMPARE(settings->duplicateFileList.size(), std::size_t{1});
-        QVERIFY(settings->fileList.empty());
-        for (const auto& member : settings->duplicateFileList.front()->duplicates) {
-            members.push_back(member->path);
-            marks.push_back(member->checkState);
+    void progressTextsFollowTheCounts() {
+        const struct {
+            std::size_t total, done;
+            const char* files;
+        } cases[] = {{0, 0, "0/0 Files Scanned 0.0%"},
+                     {4500, 120, "120/4500 Files Scaned 2.7%"},
+                     {1234567, 1234567, "1234567/1234567 Files Scaned 100.0%"}};
+        for (const auto& c : cases) {
+            const auto t = twinsweep::ui::progressTexts(c.total, c.done);
+            QCOMPARE(t.filesScanned + u' ' + t.percents, QString::fromLatin1(c.files));
         }
-        modal->close();
-    });
-    window->buttonFindDuplicateFiles->click();
+        QVERIFY(qAbs(twinsweep::ui::progressTexts(3, 1).percent - 33.333f) < 0.01f);
+    }
 
-    QCOMPARE(resultsTitle, QStringLiteral("Duplicate Files"));
-    QCOMPARE(members.size(), std::size_t{2});
-    // The group's own file comes first, unmarked, then its copy.
-    QVERIFY((members == std::vector<std::string>{a, b}) ||
-            (members == std::vector<std::string>{b, a}));
-    QCOMPARE(marks, (std::vector<std::int64_t>{0, 0}));
-    // Closing the results window hands the lists back empty.
-    QVERIFY(settings->duplicateFileList.empty());
-    QVERIFY(!settings->searchCanceledByUser);
-}
+    void searchSaysWhenNothingIsFoundThenHandsGroupsOn() {
+        SearchTree where;
+        const std::string a = where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
+        where.tree.write("Users/me/c.txt", std::string(3000, 'c'));
+        where.tree.write("Users/me/.hidden", std::string(3000, 'a'));
+        // Outside the allowed roots: never looked at, so no group.
+        where.tree.write("elsewhere/a.txt", std::string(3000, 'a'));
+        auto window = searchWindow({QString::fromStdString(where.home),
+                                    QString::fromStdString(where.tree.path("elsewhere"))});
+        const auto settings = SettingsManager::shared();
+        ModalAnswers answers;
+        bool progressStillUp = true;
+        answers.then("QMessageBox", [&](QWidget* modal) {
+            progressStillUp = false;
+            for (QWidget* w : QApplication::topLevelWidgets()) {
+                progressStillUp = progressStillUp || (progressWindow(w) && w->isVisible());
+            }
+            answers.said << alertText(modal);
+            QVERIFY(pressAlertButton(modal, u"OK"_s));
+        });
+        window->buttonFindDuplicateFiles->click();
+        QCOMPARE(answers.said, QStringList{"No duplicate files found."});
+        QVERIFY(!progressStillUp && !settings->openDuplicatesWindow);
 
-void SearchFlowTest::searchWithoutDuplicatesSaysSoAfterClosing() {
-    SearchTree where;
-    where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
-    where.tree.write("Users/me/b.txt", std::string(3000, 'b'));
-    // Outside the allowed roots: never looked at, so no group.
-    where.tree.write("elsewhere/a.txt", std::string(3000, 'a'));
-    auto window = searchWindow(
-        {QString::fromStdString(where.home), QString::fromStdString(where.tree.path("elsewhere"))});
+        const std::string b = where.tree.write("Users/me/sub/b.txt", std::string(3000, 'a'));
+        std::vector<std::string> members;
+        std::vector<std::int64_t> marks;
+        answers.then("twinsweep::ui::ViewControllerDuplicates", [&](QWidget* modal) {
+            // The results window: the search's groups are waiting in the settings.
+            QCOMPARE(modal->windowTitle(), u"Duplicate Files"_s);
+            QVERIFY(settings->openDuplicatesWindow && settings->fileList.empty());
+            QCOMPARE(settings->duplicateFileList.size(), std::size_t{1});
+            for (const auto& member : settings->duplicateFileList.front()->duplicates) {
+                members.push_back(member->path);
+                marks.push_back(member->checkState);
+            }
+            modal->close();
+        });
+        window->buttonFindDuplicateFiles->click();
+        QVERIFY(answers.allAnswered());
+        // The group's own file comes first, unmarked, then its copy.
+        QVERIFY((members == std::vector<std::string>{a, b}) ||
+                (members == std::vector<std::string>{b, a}));
+        QCOMPARE(marks, (std::vector<std::int64_t>{0, 0}));
+        // Closing the results window hands the lists back empty.
+        QVERIFY(settings->duplicateFileList.empty() && !settings->searchCanceledByUser);
+    }
 
-    ModalAnswers answers;
-    bool progressStillUp = true;
-    answers.then("QMessageBox", [&](QWidget* modal) {
-        progressStillUp = false;
-        for (QWidget* w : QApplication::topLevelWidgets()) {
-            progressStillUp = progressStillUp || (progressWindow(w) != nullptr && w->isVisible());
-        }
-        answers.said << twinsweep::testing::alertText(modal);
-        QVERIFY(twinsweep::testing::pressAlertButton(modal, QStringLiteral("OK")));
-    });
-    window->buttonFindDuplicateFiles->click();
+    void minimisedProgressKeepsItsSessionAndCancelWaitsForTheSearch() {
+        SearchTree where;
+        where.writeCopies();
+        auto window = searchWindow({QString::fromStdString(where.home)});
+        SearchGate gate;
+        ModalAnswers answers;
+        QString buttonAfterCancel;
+        bool minimisedAndRunning = false, restoredOnClosing = false, stayedOpen = false;
+        answers.on<ViewControllerProgress>([&](ViewControllerProgress* progress) {
+            QObject::connect(progress, &QDialog::finished, progress,
+                             [&, progress] { restoredOnClosing = !progress->isMinimized(); });
+            QVERIFY(waitUntil([&] { return gate.reached(); }));
+            progress->findChild<QAction*>(u"actionMinimize"_s)->trigger();
+            QTest::qWait(50);
+            minimisedAndRunning =
+                progress->isMinimized() && QApplication::activeModalWidget() == progress;
+            progress->buttonCancelSearch->click();
+            buttonAfterCancel = progress->buttonCancelSearch->isEnabled()
+                                    ? QString()
+                                    : progress->buttonCancelSearch->text();
+            QVERIFY(SettingsManager::shared()->searchCanceledByUser);
+            // The close button cancels too, but the window waits for the search.
+            progress->close();
+            QTest::keyClick(progress, Qt::Key_Escape);
+            QApplication::processEvents();
+            stayedOpen = progress->isVisible();
+            gate.release();
+        });
+        window->buttonFindDuplicateFiles->click();
+        QVERIFY(minimisedAndRunning && stayedOpen && restoredOnClosing);
+        QCOMPARE(buttonAfterCancel, u"Cancelling..."_s);
+        // No alert and no results window: only the progress window was answered.
+        QCOMPARE(answers.answered(), 1);
+        QVERIFY(!SettingsManager::shared()->openDuplicatesWindow);
+    }
 
-    QCOMPARE(answers.said, QStringList{"No duplicate files found."});
-    QVERIFY(!progressStillUp);
-    QVERIFY(!SettingsManager::shared()->openDuplicatesWindow);
-}
-
-void SearchFlowTest::cancelStopsSearchWithoutResults() {
-    SearchTree where;
-    where.writeCopies();
-    auto window = searchWindow({QString::fromStdString(where.home)});
-
-    SearchGate gate;
-    ModalAnswers answers;
-    QString buttonAfterCancel;
-    bool buttonEnabled = true;
-    bool stayedOpen = false;
-    answers.then("twinsweep::ui::ViewControllerProgress", [&](QWidget* modal) {
-        ViewControllerProgress* progress = progressWindow(modal);
-        QVERIFY(progress != nullptr);
-        QVERIFY(waitUntil([&] { return gate.reached(); }));
-        progress->buttonCancelSearch->click();
-        buttonAfterCancel = progress->buttonCancelSearch->text();
-        buttonEnabled = progress->buttonCancelSearch->isEnabled();
-        QVERIFY(SettingsManager::shared()->searchCanceledByUser);
-        // The close button cancels too, but the window waits for the search.
-        progress->close();
-        QTest::keyClick(progress, Qt::Key_Escape);
-        QApplication::processEvents();
-        stayedOpen = progress->isVisible();
-        gate.release();
-    });
-    window->buttonFindDuplicateFiles->click();
-
-    QCOMPARE(buttonAfterCancel, QStringLiteral("Cancelling..."));
-    QVERIFY(!buttonEnabled);
-    QVERIFY(stayedOpen);
-    // No alert and no results window: only the progress window was answered.
-    QCOMPARE(answers.answered(), 1);
-    QVERIFY(!SettingsManager::shared()->openDuplicatesWindow);
-    QVERIFY(SettingsManager::shared()->duplicateFileList.empty());
-}
-
-void SearchFlowTest::minimisedProgressKeepsItsSession() {
-    SearchTree where;
-    where.writeCopies();
-    auto window = searchWindow({QString::fromStdString(where.home)});
-
-    auto gate = std::make_unique<SearchGate>();
-    ModalAnswers answers;
-    bool minimisedAndRunning = false;
-    bool restoredOnClosing = false;
-    answers.then("twinsweep::ui::ViewControllerProgress", [&](QWidget* modal) {
-        ViewControllerProgress* progress = progressWindow(modal);
-        QVERIFY(progress != nullptr);
-        QObject::connect(progress, &QDialog::finished, progress,
-                         [&, progress] { restoredOnClosing = !progress->isMinimized(); });
-        QVERIFY(waitUntil([&] { return gate->reached(); }));
-        QAction* minimise = progress->findChild<QAction*>(QStringLiteral("actionMinimize"));
-        minimise->trigger();
-        QTest::qWait(50);
-        minimisedAndRunning = progress->isMinimized() &&
-                              QApplication::activeModalWidget() == progress &&
-                              progress->isVisible();
-        gate->release();
-    });
-    // The results window comes up: the minimised window's session ended.
-    answers.then("twinsweep::ui::ViewControllerDuplicates", [](QWidget* modal) { modal->close(); });
-    window->buttonFindDuplicateFiles->click();
-
-    QVERIFY(minimisedAndRunning);
-    QVERIFY(restoredOnClosing);
-    QCOMPARE(answers.answered(), 2);
-}
+    void progressTellsBytesComparedOfLargeFiles();
+};
 
 void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     SearchTree where;
@@ -351,3 +288,7 @@ void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     }
     QVERIFY2(estimated, qPrintable(lines.join(QLatin1Char('|'))));
 }
+
+UI_TEST_CLASS(SearchFlowTest);
+
+#include "SearchFlowTest.moc"

@@ -1,21 +1,65 @@
 #pragma once
 
+#include <QAbstractButton>
+#include <QAbstractItemModel>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QObject>
 #include <QPointer>
-#include <QString>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
-#include <QWidget>
 #include <clocale>
+#include <filesystem>
 #include <functional>
+#include <memory>
+#include <set>
 #include <string>
+#include <vector>
+
+#include "engine/FileTools.h"
+#include "engine/LocationGate.h"
+#include "engine/SearchJob.h"
+#include "settings/SettingsManager.h"
+#include "support/TempTree.h"
+#include "ui/duplicates/ViewControllerDuplicates.h"
 
 namespace twinsweep::testing {
+
+using namespace Qt::StringLiterals;
+
+// Every test class, by name; each file adds its own with UI_TEST_CLASS.
+using TestClasses = std::vector<std::pair<const char*, std::function<std::unique_ptr<QObject>()>>>;
+inline TestClasses& testClasses() {
+    static TestClasses all;
+    return all;
+}
+template <typename T> bool registerTestClass() {
+    testClasses().emplace_back(T::staticMetaObject.className(),
+                               [] { return std::make_unique<T>(); });
+    return true;
+}
+#define UI_TEST_CLASS(T)                                                                           \
+    [[maybe_unused]] static const bool registered##T = twinsweep::testing::registerTestClass<T>()
+
+// Every path under root, taken before and after a clean: whatever goes
+// missing must be what was marked.
+using Snapshot = std::set<std::string>;
+inline Snapshot snapshot(const std::string& root) {
+    Snapshot out;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+        out.insert(entry.path().string());
+    }
+    return out;
+}
+inline Snapshot without(Snapshot paths, const std::vector<std::string>& gone) {
+    for (const std::string& path : gone) {
+        paths.erase(path);
+    }
+    return paths;
+}
 
 // The informative text of a message box, or "" if modal is something else.
 inline QString alertText(QWidget* modal) {
@@ -23,13 +67,9 @@ inline QString alertText(QWidget* modal) {
     return box == nullptr ? QString() : box->informativeText();
 }
 
-// Presses the button with this title on a message box.
 inline bool pressAlertButton(QWidget* modal, const QString& title) {
     auto* box = qobject_cast<QMessageBox*>(modal);
-    if (box == nullptr) {
-        return false;
-    }
-    for (QAbstractButton* button : box->buttons()) {
+    for (QAbstractButton* button : box ? box->buttons() : QList<QAbstractButton*>()) {
         if (button->text() == title) {
             button->click();
             return true;
@@ -38,11 +78,8 @@ inline bool pressAlertButton(QWidget* modal, const QString& title) {
     return false;
 }
 
-// Answers modal windows as they come up: a timer looks for the active modal
-// window and hands each new one to the next handler, in order, when it is of
-// the class that handler expects (others are left to run their course).
-// Handlers run inside the modal window's own event loop, as a user's clicks
-// would.
+// Answers modal windows as they come up, each by the next handler if it is of
+// the class that handler expects, inside the window's own event loop.
 class ModalAnswers : public QObject {
   public:
     using Handler = std::function<void(QWidget* modal)>;
@@ -54,8 +91,11 @@ class ModalAnswers : public QObject {
     void then(const char* className, Handler handler) {
         handlers_.push_back({className, std::move(handler)});
     }
-    // The next message box: its informative text goes to said, then button
-    // is pressed.
+    template <typename Window> void on(std::function<void(Window*)> handler) {
+        then(Window::staticMetaObject.className(),
+             [handler](QWidget* modal) { handler(qobject_cast<Window*>(modal)); });
+    }
+    // The next message box: its text goes to said, then button is pressed.
     void alert(const QString& button) {
         then("QMessageBox", [this, button](QWidget* modal) {
             said << alertText(modal);
@@ -64,6 +104,7 @@ class ModalAnswers : public QObject {
     }
     int answered() const { return answered_; }
     bool allAnswered() const { return handlers_.isEmpty(); }
+    QStringList said;
 
   private:
     void poll() {
@@ -78,10 +119,6 @@ class ModalAnswers : public QObject {
         handler(modal);
     }
 
-  public:
-    QStringList said;
-
-  private:
     QTimer timer_;
     QList<std::pair<const char*, Handler>> handlers_;
     QPointer<QWidget> last_;
@@ -115,8 +152,7 @@ inline QStringList commandsWithoutShortcut(const QMenuBar* bar) {
     return missing;
 }
 
-// A key typed into widget, which gets the focus first, as a user would:
-// shortcuts of the window see it before the widget does.
+// A key typed into widget after focusing it, so the window's shortcuts see it first.
 inline void typeKey(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     widget->window()->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(widget->window()));
@@ -124,8 +160,7 @@ inline void typeKey(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifier
     QTest::keyClick(widget, key, modifiers);
 }
 
-// The process locale switched for a scope, as LANG or LC_ALL would set it for
-// the whole application. ok() is false when the system lacks that locale.
+// The process locale for a scope, as LANG would set it; !ok() when not installed.
 class ScopedLocale {
   public:
     explicit ScopedLocale(const char* name) : saved_(std::setlocale(LC_ALL, nullptr)) {
@@ -138,5 +173,60 @@ class ScopedLocale {
     std::string saved_;
     bool ok_ = false;
 };
+
+// Waits until the window has no update running and nothing queued.
+inline bool settled(const ui::ViewControllerDuplicates& window) {
+    return waitUntil([&] { return !window.updating && window.jobsInFlight() == 0; });
+}
+
+// A real search over a temporary folder, its groups left in the settings as the
+// progress window leaves them for the results window.
+struct FoundDuplicates {
+    TempTree tree;
+    std::unique_ptr<ui::ViewControllerDuplicates> shown; // goes before the tree
+
+    // Runs the search over the whole tree and returns the number of groups.
+    std::size_t search() {
+        FileTools tools;
+        tools.locationGate = LocationGate::anywhere();
+        auto settings = SettingsManager::shared();
+        settings->searchCanceledByUser = false;
+        settings->listFolderPaths = {tree.root()};
+        settings->minimumFileSize = 0;
+        settings->customFileTypes = false;
+        settings->duplicateFileList.clear();
+        runSearchJob(*settings, tools);
+        settings->listFolderPaths.clear();
+        return settings->duplicateFileList.size();
+    }
+    // The results window on these groups, shown and settled.
+    ui::ViewControllerDuplicates& open() {
+        shown = std::make_unique<ui::ViewControllerDuplicates>(nullptr);
+        shown->show();
+        QTest::qVerify(settled(*shown), "settled(window)", "", __FILE__, __LINE__);
+        return *shown;
+    }
+    // The group whose head's file name is name, or null.
+    static FilePtr group(const std::string& name) {
+        for (const FilePtr& g : SettingsManager::shared()->duplicateFileList) {
+            if (g->path.ends_with("/" + name)) {
+                return g;
+            }
+        }
+        return nullptr;
+    }
+};
+
+inline std::vector<std::int64_t> marksOf(const FilePtr& group) {
+    std::vector<std::int64_t> out;
+    for (const auto& m : group->duplicates) {
+        out.push_back(m->checkState);
+    }
+    return out;
+}
+
+inline QString cell(QTableView* table, int row, int column, int role = Qt::DisplayRole) {
+    return table->model()->index(row, column).data(role).toString();
+}
 
 } // namespace twinsweep::testing

@@ -1,28 +1,9 @@
 #include <QApplication>
 #include <QTemporaryDir>
-#include <QTest>
-
 #include <cstring>
-#include <functional>
-#include <memory>
-#include <utility>
-#include <vector>
 
-#include "DetailWindowsTest.h"
-#include "DuplicatesWindowTest.h"
-#include "MainWindowTest.h"
-#include "ProtectExportTest.h"
-#include "SearchFlowTest.h"
-#include "ShellTest.h"
+#include "UiTestSupport.h"
 #include "ui/platform/FileTypeIcons.h"
-
-namespace {
-
-template <typename T> std::pair<const char*, std::function<std::unique_ptr<QObject>()>> entry() {
-    return {T::staticMetaObject.className(), [] { return std::make_unique<T>(); }};
-}
-
-} // namespace
 
 // ui_tests [Class] [QTest options]: runs every class, or only the one named
 // first (each class is its own ctest entry).
@@ -34,14 +15,14 @@ int main(int argc, char** argv) {
     // hold up) the command-line tool run by other test programs meanwhile.
     QTemporaryDir runtime;
     qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());
+    // Cleans to the Trash go to one of our own, never the user's.
+    QTemporaryDir data;
+    qputenv("XDG_DATA_HOME", data.path().toLocal8Bit());
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("twinsweep-tests"));
     // The tests open and close main windows one after another.
     QApplication::setQuitOnLastWindowClosed(false);
     twinsweep::ui::chooseIconTheme(); // as the application does at launch
-    const std::vector classes = {entry<ShellTest>(),         entry<MainWindowTest>(),
-                                 entry<SearchFlowTest>(),    entry<DuplicatesWindowTest>(),
-                                 entry<DetailWindowsTest>(), entry<ProtectExportTest>()};
     const char* only = nullptr;
     if (argc > 1 && argv[1][0] != '-') {
         only = argv[1];
@@ -51,7 +32,7 @@ int main(int argc, char** argv) {
     }
     int failed = 0;
     bool found = false;
-    for (const auto& [name, make] : classes) {
+    for (const auto& [name, make] : twinsweep::testing::testClasses()) {
         if (only == nullptr || std::strcmp(only, name) == 0) {
             found = true;
             std::unique_ptr<QObject> test = make();
