@@ -101,10 +101,13 @@ void ViewControllerDuplicates::selectGroupRow(int row) {
 }
 
 void ViewControllerDuplicates::toggleMember(int row) {
-    if (fileList.empty() || static_cast<std::size_t>(selectedRow) >= fileList.size()) {
+    // The group the members table shows: while an update runs, the selected
+    // row may already name another group.
+    const FilePtr& shown = membersModel_->group();
+    if (!shown) {
         return;
     }
-    const File& group = *fileList[static_cast<std::size_t>(selectedRow)];
+    const File& group = *shown;
     if (row < 0 || static_cast<std::size_t>(row) >= group.duplicates.size()) {
         return;
     }
