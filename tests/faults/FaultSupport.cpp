@@ -1,22 +1,17 @@
 #include "FaultSupport.h"
 
 #include <atomic>
-#include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <fstream>
 #include <limits.h>
 #include <poll.h>
 #include <sched.h>
-#include <sstream>
 #include <sys/fanotify.h>
 #include <sys/inotify.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -36,13 +31,13 @@ void walkInto(const std::string& root, const std::string& rel, Snapshot& out) {
     }
     std::vector<std::string> names;
     while (const dirent* de = ::readdir(dir)) {
-        const std::string n = de->d_name;
-        if (n != "." && n != "..") {
-            names.push_back(n);
-        }
+        names.emplace_back(de->d_name);
     }
     ::closedir(dir);
     for (const std::string& n : names) {
+        if (n == "." || n == "..") {
+            continue;
+        }
         const std::string r = rel.empty() ? n : rel + "/" + n;
         const std::string p = root + "/" + r;
         struct stat st {};
@@ -79,15 +74,11 @@ Snapshot snapshot(const std::string& root) {
     std::string problems;
     for (const auto& [rel, what] : before) {
         const auto it = after.find(rel);
-        if (gone.count(rel) != 0) {
-            if (it != after.end()) {
-                problems += "\n  still there: " + rel;
-            }
-            continue;
-        }
-        if (it == after.end()) {
+        if (gone.count(rel) != 0 && it != after.end()) {
+            problems += "\n  still there: " + rel;
+        } else if (gone.count(rel) == 0 && it == after.end()) {
             problems += "\n  lost: " + rel;
-        } else if (it->second != what) {
+        } else if (gone.count(rel) == 0 && it->second != what) {
             problems += "\n  changed: " + rel;
         }
     }
@@ -207,23 +198,16 @@ std::string fileEntry(const std::string& bytes) {
            base64Text(md5Of(bytes.data(), bytes.size()));
 }
 
-std::vector<std::string> nonEmptyLines(const std::string& text) {
-    std::vector<std::string> out;
-    for (const std::string& l : lines(text)) {
-        if (!l.empty()) {
-            out.push_back(l);
-        }
-    }
-    return out;
+std::string rel(const std::string& root, const std::string& path) {
+    return path.substr(std::min(path.size(), root.size() + 1));
 }
 
-bool anyLineHas(const std::string& text, const std::string& needle) {
-    for (const std::string& l : lines(text)) {
-        if (l.find(needle) != std::string::npos) {
-            return true;
-        }
+std::set<std::string> relSet(const std::string& root, const std::vector<std::string>& paths) {
+    std::set<std::string> out;
+    for (const std::string& p : paths) {
+        out.insert(rel(root, p));
     }
-    return false;
+    return out;
 }
 
 void rewriteInPlace(const std::string& path, const std::string& contents) {
