@@ -137,18 +137,6 @@ TEST(Cli, BadUsageIsOneLineAndExitTwo) {
     EXPECT_EQ(runCli({"--version"}).out.rfind("twinsweep-cli ", 0), 0U);
 }
 
-TEST(Cli, EngineDiagnosticsStayOutOfTheReport) {
-    TempTree tree;
-    tree.write("One.app/x", "12345");
-    tree.write("Two.app/y", "abcde");
-    const CliOutcome r =
-        runCli({"--any-location", "--include-packages", "--format", "json", tree.root()});
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out.find("Ooops"), std::string::npos);
-    EXPECT_TRUE(says(r.err, "Ooops! Something went wrong: "));
-    EXPECT_TRUE(says(r.out, "One.app"));
-}
-
 TEST(Cli, InterruptCancelsTheSearchAndWritesNothing) {
     TempTree tree;
     // Equal-size files that agree in their first bytes must be read whole:

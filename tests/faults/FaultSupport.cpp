@@ -3,9 +3,8 @@
 #include <atomic>
 #include <csignal>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
-#include <limits.h>
+#include <filesystem>
 #include <poll.h>
 #include <sched.h>
 #include <sys/fanotify.h>
@@ -20,52 +19,20 @@
 
 namespace twinsweep::testing {
 
-namespace {
-
-void walkInto(const std::string& root, const std::string& rel, Snapshot& out) {
-    const std::string dirPath = rel.empty() ? root : root + "/" + rel;
-    DIR* dir = ::opendir(dirPath.c_str());
-    if (dir == nullptr) {
-        out[rel + "/"] = "unlistable";
-        return;
-    }
-    std::vector<std::string> names;
-    while (const dirent* de = ::readdir(dir)) {
-        names.emplace_back(de->d_name);
-    }
-    ::closedir(dir);
-    for (const std::string& n : names) {
-        if (n == "." || n == "..") {
-            continue;
-        }
-        const std::string r = rel.empty() ? n : rel + "/" + n;
-        const std::string p = root + "/" + r;
-        struct stat st {};
-        if (::lstat(p.c_str(), &st) != 0) {
-            continue;
-        }
-        if (S_ISDIR(st.st_mode)) {
-            out[r] = "folder";
-            walkInto(root, r, out);
-        } else if (S_ISLNK(st.st_mode)) {
-            char buf[PATH_MAX];
-            const ssize_t len = ::readlink(p.c_str(), buf, sizeof buf);
-            out[r] = "link:" + std::string(buf, len > 0 ? static_cast<std::size_t>(len) : 0);
-        } else if (S_ISREG(st.st_mode)) {
-            out[r] = (st.st_mode & S_IRUSR) != 0 || ::geteuid() == 0
-                         ? "file:" + std::to_string(st.st_size) + ":" + base64Text(streamDigest(p))
-                         : "file (unreadable)";
-        } else {
-            out[r] = "special";
-        }
-    }
-}
-
-} // namespace
-
 Snapshot snapshot(const std::string& root) {
     Snapshot out;
-    walkInto(root, "", out);
+    namespace fs = std::filesystem;
+    for (const fs::directory_entry& e :
+         fs::recursive_directory_iterator(root, fs::directory_options::skip_permission_denied)) {
+        const std::string p = e.path().string();
+        struct stat st {};
+        ::lstat(p.c_str(), &st);
+        out[rel(root, p)] = S_ISDIR(st.st_mode)   ? "folder"
+                            : S_ISLNK(st.st_mode) ? "link:" + fs::read_symlink(p).string()
+                            : S_ISREG(st.st_mode) ? "file:" + std::to_string(st.st_size) + ":" +
+                                                        base64Text(streamDigest(p))
+                                                  : "special";
+    }
     return out;
 }
 

@@ -3,10 +3,8 @@
 // through the real command-line tool.
 #include <gtest/gtest.h>
 
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include "FaultSupport.h"
@@ -72,14 +70,6 @@ TEST(Faults, SpecialFilesLoopsAndLinksAreWalkedOnceWithoutBlocking) {
     ASSERT_EQ(::link(tree.path(home + "/data/file.txt").c_str(), tree.path(home + "/hard").c_str()),
               0);
     ASSERT_EQ(::mkfifo(tree.path(home + "/fifo").c_str(), 0644), 0);
-    const int sock = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    sockaddr_un addr{};
-    addr.sun_family = AF_UNIX;
-    const std::string sockPath = tree.path(home + "/sock");
-    if (sockPath.size() < sizeof(addr.sun_path)) {
-        std::copy(sockPath.begin(), sockPath.end(), addr.sun_path);
-        ASSERT_EQ(::bind(sock, reinterpret_cast<sockaddr*>(&addr), sizeof(addr)), 0);
-    }
     // Like /dev/zero, which never ends when read; only root may make one.
     ::mknod(tree.path(home + "/zero").c_str(), S_IFCHR | 0666, makedev(1, 5));
     const Snapshot before = snapshot(tree.root());
@@ -93,7 +83,6 @@ TEST(Faults, SpecialFilesLoopsAndLinksAreWalkedOnceWithoutBlocking) {
         reportedGroups(r.out, tree.root()),
         (Groups{{home + "/data/copy.txt", home + "/data/file.txt", home + "/outside/o.txt"}}));
     EXPECT_EQ(r.err, "");
-    ::close(sock);
     EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
 }
 

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -38,18 +39,12 @@ std::string parentOf(const std::string& path) {
 CliOutcome heldWhileComparing(CliRun run, const std::string& folder,
                               const std::function<void(pid_t)>& whenHeld) {
     run.prompt = kQuestion;
-    pid_t pid = -1;
-    run.whileRunning = [&](pid_t p) { pid = p; };
     std::unique_ptr<AccessWatch> watch;
     std::thread helper;
-    const std::function<void()> first = run.between;
-    run.between = [&] {
-        if (first) {
-            first();
-        }
+    run.between = [&](pid_t pid) {
         watch = std::make_unique<AccessWatch>(folder);
-        helper =
-            std::thread([&] { EXPECT_TRUE(watch->holdFirstAccess(pid, [&] { whenHeld(pid); })); });
+        helper = std::thread(
+            [&, pid] { EXPECT_TRUE(watch->holdFirstAccess(pid, [&] { whenHeld(pid); })); });
     };
     const CliOutcome r = runCli(run);
     if (helper.joinable()) {
@@ -73,7 +68,7 @@ TEST(Removal, FilesChangedWhileTheToolAsksAreNotRemoved) {
     const std::string pairKept = tree.path(rel(tree.root(), m[5]) == "g0" ? "g1" : "g0");
     Snapshot before;
     CliRun run{{"--any-location", "--keep", "oldest", "--delete", tree.root()}, kQuestion};
-    run.between = [&] {
+    run.between = [&](pid_t) {
         ::unlink(m[0].c_str());
         rewriteInPlace(m[1], "CONTENTS OF THE GROUP");
         const timespec epoch[2] = {{0, UTIME_OMIT}, {0, 0}};
@@ -114,7 +109,7 @@ TEST(Removal, ACopyIsRemovedOnlyThroughTheFolderTheSearchWalked) {
     for (const bool midway : {false, true}) {
         SCOPED_TRACE(midway ? "while compared" : "before the clean");
         Snapshot before;
-        const auto swap = [&] {
+        const auto swap = [&](pid_t) {
             ::rename(folder.c_str(), (folder + ".old").c_str());
             ::symlink(tree.path("outside").c_str(), folder.c_str());
             before = snapshot(tree.root());
@@ -124,8 +119,7 @@ TEST(Removal, ACopyIsRemovedOnlyThroughTheFolderTheSearchWalked) {
             run.between = swap;
             run.prompt = kQuestion;
         }
-        const CliOutcome r =
-            !midway ? runCli(run) : heldWhileComparing(run, parentOf(kept), [&](pid_t) { swap(); });
+        const CliOutcome r = !midway ? runCli(run) : heldWhileComparing(run, parentOf(kept), swap);
         const Snapshot after = snapshot(tree.root());
         EXPECT_EQ(after.at("outside/x"), fileEntry("not a copy: root must never touch it"));
         if (!midway) {
@@ -175,7 +169,7 @@ TEST(Removal, TwoCleaningsAtOnceNeverTakeTheLastCopy) {
     CliRun first = cleaning("oldest", tree.mkdir("lock"), false);
     CliOutcome second;
     std::thread waiter;
-    first.between = [&] {
+    first.between = [&](pid_t) {
         const RunningCli running = startCli(cleaning("newest", tree.path("lock"), true));
         EXPECT_TRUE(waitForText(running.errPath, "another cleaning is running"));
         waiter = std::thread([&, running] { second = finishCli(running); });
@@ -273,4 +267,106 @@ TEST(Removal, AnUnwritableTrashFailsAtOnceAndLosesNothing) {
     EXPECT_TRUE(says(r.err, "can't write its record in " + tree.path("data/Trash/info") +
                                 " (Permission denied); nothing was removed"));
     EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
+}
+
+TEST(Removal, OddMountsNeverCostAFile) {
+    if (!privateMounts()) {
+        GTEST_SKIP() << "no mount namespace here (needs root and unshare)";
+    }
+    TempTree tree;
+    std::vector<std::string> mounts;
+    const auto mount = [&](const std::string& src, const std::string& at, const char* type,
+                           unsigned long flags, const std::string& data) {
+        mounts.insert(mounts.begin(), at);
+        return ::mount(src.c_str(), at.c_str(), type, flags,
+                       data.empty() ? nullptr : data.c_str()) == 0;
+    };
+    const std::vector<std::string> clean = {"--any-location", "--keep", "oldest", "--delete",
+                                            "--yes"};
+    const auto cleaning = [&](std::vector<std::string> extra) {
+        extra.insert(extra.begin(), clean.begin(), clean.end());
+        return runCli(extra);
+    };
+
+    // One file seen twice: bind-mounted onto a second name (link count 1),
+    // and a folder with an overlay view of it. Neither is its own copy.
+    tree.write("bind/a/file", "only copy");
+    tree.write("bind/b/file", "");
+    ASSERT_TRUE(mount(tree.path("bind/a/file"), tree.path("bind/b/file"), nullptr, MS_BIND, ""));
+    tree.write("ovl/lower/only", "the only copy under an overlay");
+    for (const char* d : {"ovl/upper", "ovl/work", "ovl/view"}) {
+        tree.mkdir(d);
+    }
+    ASSERT_TRUE(mount("overlay", tree.path("ovl/view"), "overlay", 0,
+                      "lowerdir=" + tree.path("ovl/lower") + ",upperdir=" + tree.path("ovl/upper") +
+                          ",workdir=" + tree.path("ovl/work")));
+    for (const auto& roots : std::vector<std::vector<std::string>>{
+             {tree.path("bind")}, {tree.path("ovl/lower"), tree.path("ovl/view")}}) {
+        const Snapshot before = snapshot(tree.root());
+        const CliOutcome r = cleaning(roots);
+        EXPECT_EQ(listed(r.out, "removed: "), std::vector<std::string>{}) << r.out << r.err;
+        EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
+        EXPECT_EQ(runCli({"--any-location", roots[0], roots.back()}).out, "");
+    }
+
+    // A package deleted for good never reaches into a file system mounted in
+    // it; what stays is reported and not counted as freed.
+    for (const std::string pkg : {"pkgs/p1.app/", "pkgs/p2.app/"}) {
+        tree.write(pkg + "Contents/main", "package bytes");
+        tree.write(pkg + "mnt/data", "mounted data");
+    }
+    const CliOutcome dry =
+        runCli({"--any-location", "--include-packages", "--keep", "oldest", tree.path("pkgs")});
+    const std::vector<std::string> m = listed(dry.out, "would remove: ");
+    ASSERT_EQ(m.size(), 1u) << dry.out;
+    ASSERT_TRUE(mount("tmpfs", m[0] + "/mnt", "tmpfs", 0, "size=1m"));
+    tree.write(rel(tree.root(), m[0]) + "/mnt/data", "mounted data");
+    Snapshot before = snapshot(tree.root());
+    CliOutcome r = cleaning({"--include-packages", tree.path("pkgs")});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(says(r.err, "Error:  " + m[0] +
+                                ": removed only in part, what remains: mnt: another file "
+                                "system is mounted there, left alone"));
+    EXPECT_TRUE(says(r.out, "freed 13 B (13 bytes) from 0 files"));
+    const std::string pkg = rel(tree.root(), m[0]);
+    EXPECT_TRUE(
+        nothingLost(before, snapshot(tree.root()), {pkg + "/Contents/main", pkg + "/Contents"}));
+
+    // A file on another file system goes to the Trash at the top of its
+    // mount, never to one there that belongs to someone else.
+    tree.mkdir("full");
+    ASSERT_TRUE(mount("tmpfs", tree.path("full"), "tmpfs", 0, "size=64k"));
+    tree.write("full/a/x", "twin");
+    tree.write("full/b/x", "twin");
+    const std::string uid = std::to_string(::geteuid());
+    ::chmod(tree.mkdir("full/.Trash").c_str(), 01777);
+    for (const std::string& d : {"full/.Trash/" + uid, "full/.Trash-" + uid}) {
+        ASSERT_EQ(::chown(tree.mkdir(d).c_str(), 65534, 65534), 0);
+    }
+    CliRun trash{{"--any-location", "--keep", "oldest", "--trash", tree.path("full")}};
+    before = snapshot(tree.root());
+    r = runCli(trash);
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(says(r.err, tree.path("full/.Trash-" + uid) + " does not belong to you"));
+    EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
+    ::rmdir(tree.path("full/.Trash-" + uid).c_str());
+    r = runCli(trash);
+    ASSERT_EQ(r.status, 0) << r.err;
+    const std::vector<std::string> gone = listed(r.out, "removed: ");
+    ASSERT_EQ(gone.size(), 1u);
+    EXPECT_EQ(snapshot(tree.path("full/.Trash-" + uid + "/files")).at("x"), fileEntry("twin"));
+    EXPECT_TRUE(says(slurp(tree.path("full/.Trash-" + uid + "/info/x.trashinfo")),
+                     "\nPath=" + rel(tree.path("full"), gone[0]) + "\n"));
+
+    // The disk fills: the Trash record can't be written and nothing moves.
+    tree.write(rel(tree.root(), gone[0]), "twin");
+    tree.writeSized("full/filler", 1 << 20);
+    before = snapshot(tree.root());
+    r = runCli(trash);
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(says(r.err, "(No space left on device); nothing was removed"));
+    EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
+    for (const std::string& at : mounts) {
+        ::umount2(at.c_str(), MNT_DETACH);
+    }
 }

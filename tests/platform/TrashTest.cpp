@@ -7,6 +7,7 @@
 #include <regex>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/PlatformRemover.h"
@@ -48,6 +49,18 @@ RemovalResult act(const std::string& path, bool toTrash = true) {
     RemovalResult r = toTrash ? remover.moveToTrash(t) : remover.removeForGood(t);
     ::close(fd);
     return r;
+}
+
+// Runs body in a child process, free to change its environment, folder and
+// limits; returns body's result.
+int inChild(const std::function<int()>& body) {
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        ::_exit(body());
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 std::string run(const std::string& command) {
@@ -128,54 +141,44 @@ TEST_F(TrashTest, EveryNameIsRecordedExactlyAndNothingInTheTrashIsOverwritten) {
 TEST_F(TrashTest, AnUnusableTrashFailsAtOnceAndLosesNothing) {
     // A relative data home is ignored, as the base directory rules say: the
     // Trash is made, private, in the home, never in the current folder.
-    ::setenv("XDG_DATA_HOME", "relative", 1);
     const std::string home = tree.mkdir("home");
-    const std::string savedHome = std::getenv("HOME") ? std::getenv("HOME") : "";
-    ::setenv("HOME", home.c_str(), 1);
-    char* cwdNow = ::get_current_dir_name();
-    const std::string savedCwd = cwdNow != nullptr ? cwdNow : "/";
-    std::free(cwdNow);
-    ASSERT_EQ(::chdir(tree.mkdir("cwd").c_str()), 0);
-    const RemovalResult r = act(tree.write("f/a", "a"));
-    ASSERT_EQ(::chdir(savedCwd.c_str()), 0);
-    ::setenv("HOME", savedHome.c_str(), 1);
-    ASSERT_TRUE(r.ok) << r.error;
-    EXPECT_EQ(r.trashed.filesPath, home + "/.local/share/Trash/files/a");
+    const std::string cwd = tree.mkdir("cwd");
+    EXPECT_EQ(inChild([&] {
+                  ::setenv("XDG_DATA_HOME", "relative", 1);
+                  ::setenv("HOME", home.c_str(), 1);
+                  return ::chdir(cwd.c_str()) == 0 ? act(tree.write("f/a", "a")).ok : false;
+              }),
+              1);
+    EXPECT_EQ(slurp(home + "/.local/share/Trash/files/a"), "a");
     for (const char* f : {"/.local", "/.local/share/Trash", "/.local/share/Trash/info"}) {
         struct stat st {};
         ASSERT_EQ(::stat((home + f).c_str(), &st), 0) << f;
         EXPECT_EQ(st.st_mode & 0777, 0700u) << f;
     }
-    EXPECT_EQ(::rmdir(tree.path("cwd").c_str()), 0) << "something was made in the current folder";
-    ::setenv("XDG_DATA_HOME", dataHome.c_str(), 1);
+    EXPECT_EQ(::rmdir(cwd.c_str()), 0) << "something was made in the current folder";
 
     // A file too large for the disk: the record can't be written. Nothing
     // moves and no empty record stays behind.
     const std::string full = tree.write("f/full", "x");
     ASSERT_TRUE(act(tree.write("f/first", "x")).ok); // the Trash exists now
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        ::signal(SIGXFSZ, SIG_IGN);
-        const rlimit tiny{16, 16};
-        ::setrlimit(RLIMIT_FSIZE, &tiny);
-        const RemovalResult r2 = act(full);
-        ::_exit(!r2.ok && r2.error.find("File too large") != std::string::npos ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(inChild([&] {
+                  ::signal(SIGXFSZ, SIG_IGN);
+                  const rlimit tiny{16, 16};
+                  ::setrlimit(RLIMIT_FSIZE, &tiny);
+                  return act(full).error.find("(File too large); nothing was removed") !=
+                         std::string::npos;
+              }),
+              1);
     EXPECT_TRUE(exists(full));
     EXPECT_FALSE(exists(trash + "/info/full.trashinfo"));
     EXPECT_FALSE(exists(trash + "/files/full"));
 
     // A Trash that belongs to someone else is never used.
-    if (::geteuid() == 0) {
-        ASSERT_EQ(::chown(trash.c_str(), 65534, 65534), 0);
-        const RemovalResult r3 = act(full);
-        EXPECT_FALSE(r3.ok);
-        EXPECT_NE(r3.error.find(trash + " does not belong to you"), std::string::npos) << r3.error;
-        EXPECT_TRUE(exists(full));
-    }
+    ASSERT_EQ(::chown(trash.c_str(), 65534, 65534), 0);
+    const RemovalResult r = act(full);
+    EXPECT_FALSE(r.ok);
+    EXPECT_NE(r.error.find(trash + " does not belong to you"), std::string::npos) << r.error;
+    EXPECT_TRUE(exists(full));
 }
 
 TEST_F(TrashTest, AFolderDeletedInPartSaysWhatRemainsAndFreesOnlyWhatWent) {

@@ -96,16 +96,13 @@ bool waitForText(const std::string& path, const std::string& needle, pid_t pid) 
 
 CliOutcome runCli(const CliRun& run) {
     const RunningCli r = startCli(run);
-    if (run.whileRunning) {
-        run.whileRunning(r.pid);
-    }
     if (r.terminal >= 0) {
         if (!waitForText(r.errPath, run.prompt, r.pid)) {
             ADD_FAILURE() << "twinsweep-cli never asked: " << run.prompt;
             ::kill(r.pid, SIGKILL);
         } else {
             if (run.between) {
-                run.between();
+                run.between(r.pid);
             }
             if (::write(r.terminal, run.answer.data(), run.answer.size()) < 0) {
                 ADD_FAILURE() << "cannot answer: " << std::strerror(errno);

@@ -22,14 +22,13 @@ struct CliRun {
         : args(std::move(a)), prompt(std::move(p)) {}
     std::vector<std::string> args;
     // When prompt is set, standard input is a terminal: once standard error
-    // shows prompt, between() runs and answer is typed.
+    // shows prompt, between(pid) runs and answer is typed.
     std::string prompt;
-    std::function<void()> between;
+    std::function<void(pid_t)> between;
     std::string answer = "y\n";
     std::vector<std::string> env; // NAME=VALUE, or NAME to unset
     bool unprivileged = false;    // as nobody when the tests run as root
-    std::function<void(pid_t)> whileRunning;
-    bool closedOutput = false; // standard output is a pipe nobody reads
+    bool closedOutput = false;    // standard output is a pipe nobody reads
 };
 
 // A run in progress; its own lock and Trash live in scratch unless env says otherwise.
