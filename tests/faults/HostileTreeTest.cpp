@@ -31,36 +31,14 @@ Groups reportedGroups(const std::string& report, const std::string& root) {
 
 } // namespace
 
-TEST(Faults, UnreadableFilesAndFoldersAreReportedAndLeftAlone) {
-    TempTree tree;
-    tree.write("a", "twin bytes");
-    tree.write("b", "twin bytes");
-    tree.write("locked/c", "twin bytes");
-    // Its name holds a line feed: the diagnostic still is one line.
-    const std::string unreadable = tree.write("u\nu", "twin bytes");
-    tree.openToEveryone();
-    ::chmod(tree.path("locked").c_str(), 0);
-    ::chmod(unreadable.c_str(), 0);
-    const Snapshot before = snapshot(tree.root());
-    // The unreadable file counts as empty and matches nothing; the search
-    // goes on and succeeds.
-    CliRun run{{"--any-location", tree.root()}};
-    run.unprivileged = true;
-    const CliOutcome r = runCli(run);
-    EXPECT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(reportedGroups(r.out, tree.root()), (Groups{{"a", "b"}}));
-    for (const char* what : {"locked", "u\\nu"}) {
-        EXPECT_TRUE(says(r.err, "Ooops! Something went wrong: " + tree.path(what) +
-                                    ": Permission denied\n"));
-    }
-    EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
-}
-
-TEST(Faults, SpecialFilesLoopsAndLinksAreWalkedOnceWithoutBlocking) {
+TEST(Faults, AHostileTreeIsWalkedOnceWithoutBlockingAndWhatCantBeReadIsReported) {
     TempTree tree;
     const std::string home = "Users/b";
     tree.write(home + "/data/file.txt", "payload");
     tree.write(home + "/data/copy.txt", "payload");
+    tree.write(home + "/locked/c.txt", "payload");
+    // Its name holds a line feed: the diagnostic still is one line.
+    tree.write(home + "/u\nu", "payload");
     tree.write("outside/o.txt", "payload");
     tree.symlink(tree.path(home), home + "/data/up");          // back to an ancestor
     tree.symlink(tree.path(home + "/loop2"), home + "/loop1"); // a loop of links
@@ -72,17 +50,25 @@ TEST(Faults, SpecialFilesLoopsAndLinksAreWalkedOnceWithoutBlocking) {
     ASSERT_EQ(::mkfifo(tree.path(home + "/fifo").c_str(), 0644), 0);
     // Like /dev/zero, which never ends when read; only root may make one.
     ::mknod(tree.path(home + "/zero").c_str(), S_IFCHR | 0666, makedev(1, 5));
+    tree.openToEveryone();
+    ::chmod(tree.path(home + "/locked").c_str(), 0);
+    ::chmod(tree.path(home + "/u\nu").c_str(), 0);
     const Snapshot before = snapshot(tree.root());
 
     // Every real file once: the hard link and the loops add nothing, the
     // folder out of the roots is found under the link's path (the location
-    // gate looks at paths), the link to a file is not a file of its own.
-    const CliOutcome r = runCli({"--location-root", tree.root(), tree.path("Users")});
+    // gate looks at paths), the link to a file is not a file of its own. The
+    // unreadable file counts as empty and matches nothing.
+    CliRun run{{"--location-root", tree.root(), tree.path("Users")}};
+    run.unprivileged = true;
+    const CliOutcome r = runCli(run);
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(
         reportedGroups(r.out, tree.root()),
         (Groups{{home + "/data/copy.txt", home + "/data/file.txt", home + "/outside/o.txt"}}));
-    EXPECT_EQ(r.err, "");
+    const std::string ooops = "Ooops! Something went wrong: " + tree.path(home);
+    EXPECT_EQ(lines(r.err), (std::vector<std::string>{ooops + "/locked: Permission denied",
+                                                      ooops + "/u\\nu: Permission denied"}));
     EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
 }
 

@@ -59,12 +59,7 @@ TEST(Links, ChangedCopiesAndOtherFileSystemsAreLeftAlone) {
     }
     rewriteInPlace(changed, "SAME BYTES");
     const Snapshot before = snapshot(tree.root());
-    const auto settings = SettingsManager::shared();
-    settings->replaceWithHardLinks = true;
-    SayYes yes;
-    PlatformRemover remover;
-    const CleaningReport report = clean(settings->duplicateFileList, *settings, yes, remover);
-    settings->replaceWithHardLinks = false;
+    const CleaningReport report = cleanForGood(true);
     EXPECT_EQ(report.removed, 1);
     EXPECT_EQ(report.failed, 1);
     EXPECT_EQ(snapshot(tree.root()), before);
