@@ -37,12 +37,16 @@ TEST(Cli, TextReportListsEachGroupHeadFirstWithBlankLinesBetween) {
     EXPECT_EQ(json.out, "{\"groups\":[]}\n");
 }
 
-TEST(Cli, JsonReportCarriesSizesCategoriesDigestsAndOddNames) {
+TEST(Cli, JsonAndCsvReportsCarryEveryFieldAndTheExactPaths) {
     TempTree tree;
-    tree.write("p.JPG", "pixels");
-    tree.write("line\nbreak.jpg", "pixels");
-    tree.write("bad\xff.jpg", "pixels");
-    const CliOutcome r = runCli({"--any-location", "--format", "json", tree.root()});
+    std::set<std::string> paths;
+    for (const char* name : {"p.JPG", "a,b.jpg", "q\"uote.jpg", "line\nbreak.jpg", "bad\xff.jpg",
+                             "back\\slash \\udcff.jpg"}) {
+        paths.insert(tree.write(name, "pixels"));
+    }
+    tree.write("other/x.txt", "words");
+    tree.write("other/y.txt", "words");
+    CliOutcome r = runCli({"--any-location", "--format", "json", tree.root()});
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_TRUE(says(r.out, "\"size\":6,\"ext\":\"jpg\",\"category\":\"pictures\",\"md5\":"
                             "\"05mEggjai4CjBq8P1iuwPw==\""));
@@ -50,26 +54,16 @@ TEST(Cli, JsonReportCarriesSizesCategoriesDigestsAndOddNames) {
     EXPECT_TRUE(says(r.out, "bad\\udcff.jpg"));
     EXPECT_EQ(r.out.rfind("{\"groups\":[", 0), 0U);
     EXPECT_EQ(r.out.substr(r.out.size() - 4), "\n]}\n");
-}
 
-TEST(Cli, CsvReportReadsBackToTheExactPaths) {
-    TempTree tree;
-    std::set<std::string> paths;
-    for (const char* name :
-         {"a,b.jpg", "q\"uote.jpg", "line\nbreak.jpg", "bad\xff.jpg", "back\\slash \\udcff.jpg"}) {
-        paths.insert(tree.write(name, "pixels"));
-    }
-    tree.write("other/x.txt", "words");
-    tree.write("other/y.txt", "words");
-    const CliOutcome r = runCli({"--any-location", "--format", "csv", tree.root()});
+    r = runCli({"--any-location", "--format", "csv", tree.root()});
     ASSERT_EQ(r.status, 0) << r.err;
     std::vector<std::vector<std::string>> rows;
     ASSERT_TRUE(parseCsv(r.out, rows)) << r.out;
-    ASSERT_EQ(rows.size(), 8u);
+    ASSERT_EQ(rows.size(), 9u);
     EXPECT_EQ(rows[0], (std::vector<std::string>{"group", "path", "size", "date", "category"}));
     std::set<std::string> back;
     for (std::size_t k = 1; k < rows.size(); ++k) {
-        const bool first = k <= 5;
+        const bool first = k <= 6;
         std::string path;
         ASSERT_TRUE(twinsweep::csvPathBytes(rows[k][1], path)) << rows[k][1];
         EXPECT_EQ(rows[k],

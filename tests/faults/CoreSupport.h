@@ -45,14 +45,6 @@ inline std::set<std::set<std::string>> groupSets(const FileList& groups, const s
     return out;
 }
 
-inline void markAllButFirst(const FileList& groups) {
-    for (const FilePtr& g : groups) {
-        for (std::size_t k = 1; k < g->duplicates.size(); ++k) {
-            g->duplicates[k]->checkState = 1;
-        }
-    }
-}
-
 struct SayYes : CleaningPrompt {
     bool ask(CleaningAlert) override { return true; }
 };
