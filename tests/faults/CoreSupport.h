@@ -49,12 +49,10 @@ struct SayYes : CleaningPrompt {
     bool ask(CleaningAlert) override { return true; }
 };
 
-// Cleans every group of the shared results for good (or into hard links),
-// answering yes.
-inline CleaningReport cleanForGood(bool hardLinks = false) {
+// Cleans every group of the shared results for good, answering yes.
+inline CleaningReport cleanForGood() {
     const auto settings = SettingsManager::shared();
     settings->moveToTrash = false;
-    settings->replaceWithHardLinks = hardLinks;
     SayYes yes;
     PlatformRemover remover;
     return clean(settings->duplicateFileList, *settings, yes, remover);
