@@ -63,13 +63,16 @@ sleep 0.5
 xdotool type --delay 5 "$demo"
 xdotool key Return
 sleep 1
-xdotool mousemove --window "$main" 568 699 click 1
+xdotool windowfocus --sync "$main"
+xdotool key ctrl+f # Find Duplicate Files
 results=$(xdotool search --sync --onlyvisible --name '^Duplicate Files$' | head -n 1)
 xdotool windowmove "$results" 0 0
 sleep 1
-# Keep the oldest copy of every group, and show a picture's copies.
-xdotool mousemove --window "$results" 808 48 click 1 # apply to all
-xdotool mousemove --window "$results" 286 49 click 1 # keep oldest
+# Keep the oldest copy of every group, and show a picture's copies. Commands
+# go by their shortcuts, which stay put when the layout moves.
+xdotool windowfocus --sync "$results"
+xdotool key ctrl+shift+a # Apply to All Groups
+xdotool key ctrl+2       # Keep Oldest
 sleep 1
 xdotool mousemove --window "$results" 100 227 click 1 # a picture
 sleep 0.5
@@ -77,16 +80,17 @@ xdotool mousemove --window "$results" 600 117 click 1 # its second copy
 sleep 0.5
 import -window "$results" docs/results-window.png
 
-xdotool mousemove --window "$results" 898 489 click 1 # File Info
+xdotool key ctrl+i # File Info
 info=$(xdotool search --sync --onlyvisible --name '^File Information$' | head -n 1)
 sleep 1.5
 import -window "$info" docs/info-window.png
-xdotool windowactivate --sync "$info" 2>/dev/null || true
+xdotool windowfocus --sync "$info"
 xdotool key Escape
 sleep 0.5
 
-xdotool mousemove --window "$results" 808 48 click 1 # untick apply to all
-xdotool mousemove --window "$results" 636 52 click 1 # Custom…
+xdotool windowfocus --sync "$results"
+xdotool key ctrl+shift+a # untick Apply to All Groups
+xdotool key ctrl+5       # Custom...
 custom=$(xdotool search --sync --onlyvisible --name '^Custom Selection$' | head -n 1)
 sleep 1
 import -window "$custom" docs/custom-keep-window.png

@@ -38,11 +38,12 @@ std::string textSummary(bool dryRun, std::size_t files, std::uint64_t bytes) {
     return out.str();
 }
 
-std::string jsonSummary(bool dryRun, const std::vector<std::string>& removed, std::uint64_t bytes,
-                        std::int64_t failed) {
+// Linked copies are listed as such: their paths are still there.
+std::string jsonSummary(bool dryRun, bool linking, const std::vector<std::string>& removed,
+                        std::uint64_t bytes, std::int64_t failed) {
     std::string out = "{\"dryRun\":";
     out += dryRun ? "true" : "false";
-    out += ",\"removed\":[";
+    out += linking ? ",\"linked\":[" : ",\"removed\":[";
     for (std::size_t i = 0; i < removed.size(); ++i) {
         out += (i ? "," : "") + jsonString(removed[i]);
     }
@@ -195,7 +196,7 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
     }
     if (!result.outputClosed) {
         const std::string summary =
-            json ? jsonSummary(dryRun, removed, report.bytesFreed, report.failed)
+            json ? jsonSummary(dryRun, linking, removed, report.bytesFreed, report.failed)
                  : textSummary(dryRun, removed.size(), report.bytesFreed);
         result.outputClosed = !out(summary);
     }

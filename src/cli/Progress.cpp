@@ -64,7 +64,7 @@ void TerminalProgress::show(std::int64_t total, std::int64_t checked) {
         line = counts;
     }
     const std::string bytes =
-        timeLeft_.line(bytes_->done(), bytes_->total(), TimeLeft::Clock::now(), checked, total);
+        timeLeft_.line(*bytes_, TimeLeft::Clock::now(), checked, total);
     if (!bytes.empty()) {
         line += "; " + bytes;
     }

@@ -57,6 +57,17 @@ std::string TimeLeft::line(std::uint64_t done, std::uint64_t total, Clock::time_
     return total == 0 ? std::string() : text(done, total, left);
 }
 
+std::string TimeLeft::line(const ByteProgress& bytes, Clock::time_point now, std::int64_t checked,
+                           std::int64_t files) {
+    const std::uint64_t total = bytes.total();
+    if (total > 0 && start_ != bytes.started()) {
+        // Nothing was done at the comparison's start, whenever we first look.
+        start_ = bytes.started();
+        workAtStart_ = 0;
+    }
+    return line(bytes.done(), total, now, checked, files);
+}
+
 std::string TimeLeft::text(std::uint64_t done, std::uint64_t total,
                            std::optional<std::int64_t> secondsLeft) {
     std::string out =

@@ -14,9 +14,16 @@ namespace twinsweep {
 // order nothing, and cost the search nothing it would notice.
 class ByteProgress {
   public:
+    using Clock = std::chrono::steady_clock;
     void start(std::uint64_t total) {
         done_.store(0, std::memory_order_relaxed);
         total_.store(total, std::memory_order_relaxed);
+        started_.store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed);
+    }
+    // When the comparison began: the origin of every estimate, however late
+    // a display first looks.
+    Clock::time_point started() const {
+        return Clock::time_point(Clock::duration(started_.load(std::memory_order_relaxed)));
     }
     void add(std::uint64_t bytes) { done_.fetch_add(bytes, std::memory_order_relaxed); }
     std::uint64_t total() const { return total_.load(std::memory_order_relaxed); }
@@ -31,6 +38,7 @@ class ByteProgress {
   private:
     std::atomic<std::uint64_t> total_{0};
     std::atomic<std::uint64_t> done_{0};
+    std::atomic<Clock::rep> started_{0};
 };
 
 // Turns readings of a ByteProgress into the line the progress displays show:
@@ -39,7 +47,10 @@ class ByteProgress {
 // Fed from one thread.
 class TimeLeft {
   public:
-    using Clock = std::chrono::steady_clock;
+    using Clock = ByteProgress::Clock;
+    // The line for the comparison bytes counts now, timed from its start.
+    std::string line(const ByteProgress& bytes, Clock::time_point now, std::int64_t checked,
+                     std::int64_t files);
     // done of total bytes compared, checked of files files (the comparison's
     // counts, which weigh in the estimate: the largest files come first, and
     // many small ones can take longer than their bytes say).

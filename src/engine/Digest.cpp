@@ -35,12 +35,12 @@ const EVP_MD* md5Algorithm() {
     return md;
 }
 
-} // namespace
-
-long readFully(int fd, unsigned char* data, std::size_t length) {
+// Reads until length bytes, the end of the file or an error (-1); an
+// interrupted read is tried again.
+template <typename ReadAt> long fill(unsigned char* data, std::size_t length, ReadAt readAt) {
     std::size_t done = 0;
     while (done < length) {
-        const ssize_t n = ::read(fd, data + done, length - done);
+        const ssize_t n = readAt(data + done, length - done, done);
         if (n < 0) {
             if (errno == EINTR) {
                 continue;
@@ -53,6 +53,13 @@ long readFully(int fd, unsigned char* data, std::size_t length) {
         done += static_cast<std::size_t>(n);
     }
     return static_cast<long>(done);
+}
+
+} // namespace
+
+long readFully(int fd, unsigned char* data, std::size_t length) {
+    return fill(data, length,
+                [fd](unsigned char* at, std::size_t n, std::size_t) { return ::read(fd, at, n); });
 }
 
 std::uint64_t quickHash(const unsigned char* data, std::size_t length) {
@@ -124,22 +131,9 @@ int openForReading(const std::string& path) {
 }
 
 long preadFully(int fd, unsigned char* data, std::size_t length, std::uint64_t offset) {
-    std::size_t done = 0;
-    while (done < length) {
-        const ssize_t n =
-            ::pread(fd, data + done, length - done, static_cast<off_t>(offset + done));
-        if (n < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return -1;
-        }
-        if (n == 0) {
-            break;
-        }
-        done += static_cast<std::size_t>(n);
-    }
-    return static_cast<long>(done);
+    return fill(data, length, [fd, offset](unsigned char* at, std::size_t n, std::size_t done) {
+        return ::pread(fd, at, n, static_cast<off_t>(offset + done));
+    });
 }
 
 Md5 streamDigest(const std::string& path) {

@@ -17,8 +17,6 @@ static_assert(sizeof(RuleText) == 8);
 // With its shared count, a record is one 152-byte allocation (a 160-byte block).
 static_assert(sizeof(File) <= 136);
 
-namespace {
-
 FileIdentity identityFromStat(const struct stat& st) {
     FileIdentity id;
     id.device = static_cast<std::uint32_t>(st.st_dev);
@@ -29,6 +27,8 @@ FileIdentity identityFromStat(const struct stat& st) {
     id.known = true;
     return id;
 }
+
+namespace {
 
 const RuleText& sharedDefaultRuleText() {
     static const RuleText text(

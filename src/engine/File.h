@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 #include "engine/DigestText.h"
@@ -53,6 +54,8 @@ class SharedInt {
 // Reads the identity of the item at path without following a final link.
 // Returns an identity with known == false when the item can't be read.
 FileIdentity identityOf(const std::string& path);
+// The identity a stat of the item gave.
+FileIdentity identityFromStat(const struct stat& st);
 
 class DuplicateFile {
   public:

@@ -153,6 +153,15 @@ class RunComparer final : public RunFiles {
         empty_.push_back(k);
     }
 
+    // Member k opened for reading, or -1 with it set aside as unreadable.
+    int openMember(std::size_t k) {
+        const int fd = openForReading(file(k).path);
+        if (fd < 0) {
+            unreadable(k);
+        }
+        return fd;
+    }
+
     bool readHeads() {
         const std::uint64_t size = file(0).size;
         std::size_t cap =
@@ -164,9 +173,8 @@ class RunComparer final : public RunFiles {
             if (cancel_.load()) {
                 return false;
             }
-            const int fd = openForReading(file(k).path);
+            const int fd = openMember(k);
             if (fd < 0) {
-                unreadable(k);
                 continue;
             }
             Head h{k, arena_.size(), 0, 0, false};
@@ -223,9 +231,8 @@ class RunComparer final : public RunFiles {
             if (cancel_.load()) {
                 return false;
             }
-            const int fd = openForReading(file(k).path);
+            const int fd = openMember(k);
             if (fd < 0) {
-                unreadable(k);
                 continue;
             }
             std::uint64_t h = 0x9E3779B97F4A7C15ULL;

@@ -307,13 +307,7 @@ class FileTools::Walk {
         if (::fstatat(dirFd, e.name.c_str(), &own, AT_SYMLINK_NOFOLLOW) != 0) {
             return;
         }
-        EntryAttrs attrs;
-        attrs.device = static_cast<std::uint64_t>(own.st_dev);
-        attrs.inode = static_cast<std::uint64_t>(own.st_ino);
-        attrs.size = static_cast<std::uint64_t>(own.st_size);
-        attrs.mtimeSec = static_cast<std::int64_t>(own.st_mtim.tv_sec);
-        attrs.mtimeNsec = static_cast<std::int32_t>(own.st_mtim.tv_nsec);
-        auto file = std::make_shared<File>(path_, identityOf(attrs), File::Seen{});
+        auto file = std::make_shared<File>(path_, identityFromStat(own), File::Seen{});
         file->folder = identity;
         file->size = tools_.packageSizeAt(dirFd, e.name, path_);
         if (file->size >= minimum_ && file->size <= maximum_) {

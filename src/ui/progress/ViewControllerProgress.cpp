@@ -119,7 +119,7 @@ void ViewControllerProgress::showBytes() {
     const std::int64_t checked = latestChecked_.load(std::memory_order_relaxed);
     const std::int64_t files = latestTotal_.load(std::memory_order_relaxed);
     const QString line =
-        QString::fromStdString(timeLeft_.line(done, total, TimeLeft::Clock::now(), checked, files));
+        QString::fromStdString(timeLeft_.line(*bytes_, TimeLeft::Clock::now(), checked, files));
     if (textFieldBytesCompared->text() != line) {
         textFieldBytesCompared->setText(line);
     }
