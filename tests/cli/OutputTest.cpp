@@ -1,17 +1,21 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <fcntl.h>
 #include <thread>
 #include <unistd.h>
 
 #include "cli/Options.h"
 #include "cli/Output.h"
 #include "cli/Progress.h"
+#include "support/Cli.h"
+#include "support/TempTree.h"
 
 using namespace twinsweep;
 using namespace twinsweep::cli;
+using namespace twinsweep::testing;
 
-TEST(CliOutput, JsonStringsEscapeEveryByteThatIsNotPlainUtf8) {
+TEST(CliOutput, JsonEscapesEveryByteThatIsNotPlainUtf8AndTextEveryLineBreak) {
     EXPECT_EQ(jsonString("plain"), "\"plain\"");
     EXPECT_EQ(jsonString("q\"b\\s/"), "\"q\\\"b\\\\s/\"");
     EXPECT_EQ(jsonString("a\nb\tc\x01"), "\"a\\nb\\tc\\u0001\"");
@@ -22,9 +26,7 @@ TEST(CliOutput, JsonStringsEscapeEveryByteThatIsNotPlainUtf8) {
     EXPECT_EQ(jsonString("x\xc3"), "\"x\\udcc3\"");
     EXPECT_EQ(jsonString("\xc0\xaf"), "\"\\udcc0\\udcaf\"");
     EXPECT_EQ(jsonString("\xed\xa0\x80"), "\"\\udced\\udca0\\udc80\"");
-}
-
-TEST(CliOutput, TextKeepsEachPathOnOneLine) {
+    // Text keeps each path on one line and other bytes as they are.
     EXPECT_EQ(textEscaped("/a/b c"), "/a/b c");
     EXPECT_EQ(textEscaped("/a\nb\\c\x1b"), "/a\\nb\\\\c\\x1b");
     EXPECT_EQ(textEscaped("/caf\xc3\xa9\xff"), "/caf\xc3\xa9\xff");
@@ -59,11 +61,11 @@ TEST(CliOptions, FoldersBecomeAbsoluteAndOptionsTakeBothForms) {
 }
 
 TEST(CliProgress, TerminalLineShowsCountsAndBytesWhileNothingIsPosted) {
-    int fds[2];
-    ASSERT_EQ(::pipe(fds), 0);
+    TempTree tree;
+    const int fd = ::open(tree.path("line").c_str(), O_WRONLY | O_CREAT, 0600);
     auto bytes = std::make_shared<ByteProgress>();
     {
-        TerminalProgress progress(fds[1], bytes);
+        TerminalProgress progress(fd, bytes);
         NotificationCenter::defaultCenter().post(kUpdateProgress,
                                                  {{kTotalFiles, 4}, {kCheckedFiles, 0}});
         std::this_thread::sleep_for(std::chrono::milliseconds(250));
@@ -76,15 +78,10 @@ TEST(CliProgress, TerminalLineShowsCountsAndBytesWhileNothingIsPosted) {
         bytes->add(1 << 20);
         std::this_thread::sleep_for(std::chrono::milliseconds(250));
     }
-    ::close(fds[1]);
-    std::string out;
-    char buf[4096];
-    for (ssize_t n; (n = ::read(fds[0], buf, sizeof buf)) > 0;) {
-        out.append(buf, static_cast<std::size_t>(n));
-    }
-    ::close(fds[0]);
-    EXPECT_NE(out.find("\r\033[KFiles found: 4"), std::string::npos) << out;
-    EXPECT_NE(out.find("Files checked: 1 of 4; 1.0 MB of 3.0 MB compared"), std::string::npos);
-    EXPECT_NE(out.find("Files checked: 1 of 4; 2.0 MB of 3.0 MB compared"), std::string::npos);
+    ::close(fd);
+    const std::string out = slurp(tree.path("line"));
+    EXPECT_TRUE(says(out, "\r\033[KFiles found: 4"));
+    EXPECT_TRUE(says(out, "Files checked: 1 of 4; 1.0 MB of 3.0 MB compared"));
+    EXPECT_TRUE(says(out, "Files checked: 1 of 4; 2.0 MB of 3.0 MB compared"));
     EXPECT_EQ(out.substr(out.size() - 4), "\r\033[K") << "the line is cleared at the end";
 }

@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 
+#include "FaultSupport.h"
 #include "engine/FileTools.h"
 #include "engine/SearchJob.h"
 #include "platform/PlatformRemover.h"
@@ -14,9 +15,7 @@ namespace twinsweep::testing {
 
 // A full search job over root, as the progress window runs it, with the given
 // number of digest threads (0: the plain comparison loop). Returns the groups.
-inline FileList searchJob(const std::string& root, unsigned threads,
-                          const LocationGate& gate = LocationGate::anywhere(),
-                          unsigned walkThreads = FileTools::defaultWalkThreads()) {
+inline FileList searchJob(const std::string& root, unsigned threads) {
     const auto settings = SettingsManager::shared();
     settings->duplicateFileList.clear();
     settings->fileList.clear();
@@ -27,9 +26,8 @@ inline FileList searchJob(const std::string& root, unsigned threads,
     settings->ignorePackages = true;
     settings->searchCanceledByUser = false;
     FileTools tools;
-    tools.locationGate = gate;
+    tools.locationGate = LocationGate::anywhere();
     tools.digestThreads = threads;
-    tools.walkThreads = walkThreads;
     runSearchJob(*settings, tools);
     return settings->duplicateFileList;
 }
@@ -40,7 +38,7 @@ inline std::set<std::set<std::string>> groupSets(const FileList& groups, const s
     for (const FilePtr& g : groups) {
         std::set<std::string> members;
         for (const DuplicateFilePtr& m : g->duplicates) {
-            members.insert(m->path.substr(std::min(m->path.size(), root.size() + 1)));
+            members.insert(rel(root, m->path));
         }
         out.insert(members);
     }

@@ -1,22 +1,16 @@
 #include "FaultSupport.h"
 
 #include <atomic>
-#include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
-#include <fstream>
-#include <limits.h>
+#include <filesystem>
 #include <poll.h>
 #include <sched.h>
-#include <sstream>
 #include <sys/fanotify.h>
 #include <sys/inotify.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -25,52 +19,20 @@
 
 namespace twinsweep::testing {
 
-namespace {
-
-void walkInto(const std::string& root, const std::string& rel, Snapshot& out) {
-    const std::string dirPath = rel.empty() ? root : root + "/" + rel;
-    DIR* dir = ::opendir(dirPath.c_str());
-    if (dir == nullptr) {
-        out[rel + "/"] = "unlistable";
-        return;
-    }
-    std::vector<std::string> names;
-    while (const dirent* de = ::readdir(dir)) {
-        const std::string n = de->d_name;
-        if (n != "." && n != "..") {
-            names.push_back(n);
-        }
-    }
-    ::closedir(dir);
-    for (const std::string& n : names) {
-        const std::string r = rel.empty() ? n : rel + "/" + n;
-        const std::string p = root + "/" + r;
-        struct stat st {};
-        if (::lstat(p.c_str(), &st) != 0) {
-            continue;
-        }
-        if (S_ISDIR(st.st_mode)) {
-            out[r] = "folder";
-            walkInto(root, r, out);
-        } else if (S_ISLNK(st.st_mode)) {
-            char buf[PATH_MAX];
-            const ssize_t len = ::readlink(p.c_str(), buf, sizeof buf);
-            out[r] = "link:" + std::string(buf, len > 0 ? static_cast<std::size_t>(len) : 0);
-        } else if (S_ISREG(st.st_mode)) {
-            out[r] = (st.st_mode & S_IRUSR) != 0 || ::geteuid() == 0
-                         ? "file:" + std::to_string(st.st_size) + ":" + base64Text(streamDigest(p))
-                         : "file (unreadable)";
-        } else {
-            out[r] = "special";
-        }
-    }
-}
-
-} // namespace
-
 Snapshot snapshot(const std::string& root) {
     Snapshot out;
-    walkInto(root, "", out);
+    namespace fs = std::filesystem;
+    for (const fs::directory_entry& e :
+         fs::recursive_directory_iterator(root, fs::directory_options::skip_permission_denied)) {
+        const std::string p = e.path().string();
+        struct stat st {};
+        ::lstat(p.c_str(), &st);
+        out[rel(root, p)] = S_ISDIR(st.st_mode)   ? "folder"
+                            : S_ISLNK(st.st_mode) ? "link:" + fs::read_symlink(p).string()
+                            : S_ISREG(st.st_mode) ? "file:" + std::to_string(st.st_size) + ":" +
+                                                        base64Text(streamDigest(p))
+                                                  : "special";
+    }
     return out;
 }
 
@@ -79,15 +41,11 @@ Snapshot snapshot(const std::string& root) {
     std::string problems;
     for (const auto& [rel, what] : before) {
         const auto it = after.find(rel);
-        if (gone.count(rel) != 0) {
-            if (it != after.end()) {
-                problems += "\n  still there: " + rel;
-            }
-            continue;
-        }
-        if (it == after.end()) {
+        if (gone.count(rel) != 0 && it != after.end()) {
+            problems += "\n  still there: " + rel;
+        } else if (gone.count(rel) == 0 && it == after.end()) {
             problems += "\n  lost: " + rel;
-        } else if (it->second != what) {
+        } else if (gone.count(rel) == 0 && it->second != what) {
             problems += "\n  changed: " + rel;
         }
     }
@@ -207,23 +165,16 @@ std::string fileEntry(const std::string& bytes) {
            base64Text(md5Of(bytes.data(), bytes.size()));
 }
 
-std::vector<std::string> nonEmptyLines(const std::string& text) {
-    std::vector<std::string> out;
-    for (const std::string& l : lines(text)) {
-        if (!l.empty()) {
-            out.push_back(l);
-        }
-    }
-    return out;
+std::string rel(const std::string& root, const std::string& path) {
+    return path.substr(std::min(path.size(), root.size() + 1));
 }
 
-bool anyLineHas(const std::string& text, const std::string& needle) {
-    for (const std::string& l : lines(text)) {
-        if (l.find(needle) != std::string::npos) {
-            return true;
-        }
+std::set<std::string> relSet(const std::string& root, const std::vector<std::string>& paths) {
+    std::set<std::string> out;
+    for (const std::string& p : paths) {
+        out.insert(rel(root, p));
     }
-    return false;
+    return out;
 }
 
 void rewriteInPlace(const std::string& path, const std::string& contents) {

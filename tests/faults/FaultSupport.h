@@ -49,11 +49,10 @@ class AccessWatch {
     int fd_ = -1;  // inotify
     int fan_ = -1; // fanotify
 };
-// The lines of a text that are not empty.
-std::vector<std::string> nonEmptyLines(const std::string& text);
 
-// Whether some line of text contains needle.
-bool anyLineHas(const std::string& text, const std::string& needle);
+// Paths under root, relative to it.
+std::string rel(const std::string& root, const std::string& path);
+std::set<std::string> relSet(const std::string& root, const std::vector<std::string>& paths);
 
 // Overwrites path with contents of the same length, keeping its inode.
 void rewriteInPlace(const std::string& path, const std::string& contents);

@@ -5,8 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -17,44 +15,29 @@ namespace twinsweep::testing {
 
 namespace {
 
-// The child's side of a run: standard streams, user, environment, exec.
-[[noreturn]] void execCli(const CliRun& run, const std::string& outPath, const std::string& errPath,
-                          const std::string& slaveName, const std::string& scratch) {
-    if (!slaveName.empty()) {
+[[noreturn]] void execCli(const CliRun& run, const RunningCli& r, const std::string& tty,
+                          const std::string& scratch) {
+    if (!tty.empty()) {
         ::setsid();
-        const int slave = ::open(slaveName.c_str(), O_RDWR);
-        ::dup2(slave, 0);
-    } else {
-        const int null = ::open("/dev/null", O_RDONLY);
-        ::dup2(null, 0);
     }
-    int o = -1;
-    if (run.closedOutput) {
-        int p[2];
-        if (::pipe(p) == 0) {
-            ::close(p[0]);
-            o = p[1];
-        }
-    } else {
-        o = ::open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    ::dup2(::open(tty.empty() ? "/dev/null" : tty.c_str(), O_RDWR), 0);
+    int out = ::open(r.outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    int p[2];
+    if (run.closedOutput && ::pipe(p) == 0) {
+        ::close(p[0]);
+        out = p[1];
     }
-    const int e = ::open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    ::dup2(o, 1);
-    ::dup2(e, 2);
-    if (!run.cwd.empty() && ::chdir(run.cwd.c_str()) != 0) {
-        ::_exit(125);
-    }
+    ::dup2(out, 1);
+    ::dup2(::open(r.errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), 2);
     if (run.unprivileged && ::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) {
         ::_exit(126);
     }
-    // Each run has a lock and a Trash of its own unless the test says otherwise.
     ::setenv("XDG_RUNTIME_DIR", scratch.c_str(), 1);
     ::setenv("XDG_DATA_HOME", (scratch + "/data").c_str(), 1);
     for (const std::string& kv : run.env) {
         ::putenv(const_cast<char*>(kv.c_str()));
     }
-    std::vector<char*> argv;
-    argv.push_back(const_cast<char*>(TWINSWEEP_CLI_PATH));
+    std::vector<char*> argv{const_cast<char*>(TWINSWEEP_CLI_PATH)};
     for (const std::string& a : run.args) {
         argv.push_back(const_cast<char*>(a.c_str()));
     }
@@ -63,21 +46,24 @@ namespace {
     ::_exit(127);
 }
 
-CliOutcome outcomeOf(int raw, const std::string& outPath, const std::string& errPath) {
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw), slurp(outPath),
-            slurp(errPath)};
-}
-
 } // namespace
 
 RunningCli startCli(const CliRun& run) {
     auto scratch = std::make_shared<TempTree>();
     scratch->openToEveryone();
-    ::chmod(scratch->root().c_str(), 0777);
-    RunningCli r{-1, scratch->path("stdout"), scratch->path("stderr"), scratch};
+    RunningCli r{-1, scratch->path("stdout"), scratch->path("stderr"), scratch, -1};
+    std::string tty;
+    if (!run.prompt.empty()) {
+        r.terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        if (r.terminal < 0 || ::grantpt(r.terminal) != 0 || ::unlockpt(r.terminal) != 0) {
+            ADD_FAILURE() << "no pseudo-terminal: " << std::strerror(errno);
+        } else {
+            tty = ::ptsname(r.terminal);
+        }
+    }
     r.pid = ::fork();
     if (r.pid == 0) {
-        execCli(run, r.outPath, r.errPath, "", scratch->root());
+        execCli(run, r, tty, scratch->root());
     }
     return r;
 }
@@ -85,14 +71,23 @@ RunningCli startCli(const CliRun& run) {
 CliOutcome finishCli(const RunningCli& running) {
     int raw = 0;
     ::waitpid(running.pid, &raw, 0);
-    return outcomeOf(raw, running.outPath, running.errPath);
+    if (running.terminal >= 0) {
+        ::close(running.terminal);
+    }
+    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw), slurp(running.outPath),
+            slurp(running.errPath)};
 }
 
-bool waitForText(const std::string& path, const std::string& needle) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+bool waitForText(const std::string& path, const std::string& needle, pid_t pid) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(120);
     while (std::chrono::steady_clock::now() < deadline) {
         if (slurp(path).find(needle) != std::string::npos) {
             return true;
+        }
+        siginfo_t ended{};
+        if (pid > 0 && ::waitid(P_PID, pid, &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+            ended.si_pid == pid) {
+            return false;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
@@ -100,66 +95,38 @@ bool waitForText(const std::string& path, const std::string& needle) {
 }
 
 CliOutcome runCli(const CliRun& run) {
-    TempTree scratch;
-    scratch.openToEveryone();
-    ::chmod(scratch.root().c_str(), 0777);
-    const std::string outPath = scratch.path("stdout");
-    const std::string errPath = scratch.path("stderr");
-    int master = -1;
-    std::string slaveName;
-    if (!run.prompt.empty()) {
-        master = ::posix_openpt(O_RDWR | O_NOCTTY);
-        if (master < 0 || ::grantpt(master) != 0 || ::unlockpt(master) != 0) {
-            ADD_FAILURE() << "no pseudo-terminal: " << std::strerror(errno);
-            return {};
-        }
-        slaveName = ::ptsname(master);
-    }
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        if (master >= 0) {
-            ::close(master);
-        }
-        execCli(run, outPath, errPath, slaveName, scratch.root());
-    }
-    if (run.whileRunning) {
-        run.whileRunning(pid);
-    }
-    if (master >= 0) {
-        // Wait for the question, act, then answer it.
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(120);
-        bool asked = false;
-        while (std::chrono::steady_clock::now() < deadline) {
-            if (slurp(errPath).find(run.prompt) != std::string::npos) {
-                asked = true;
-                break;
-            }
-            int raw = 0;
-            if (::waitpid(pid, &raw, WNOHANG) == pid) {
-                ADD_FAILURE() << "twinsweep-cli ended without asking";
-                ::close(master);
-                return outcomeOf(raw, outPath, errPath);
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        if (!asked) {
+    const RunningCli r = startCli(run);
+    if (r.terminal >= 0) {
+        if (!waitForText(r.errPath, run.prompt, r.pid)) {
             ADD_FAILURE() << "twinsweep-cli never asked: " << run.prompt;
-            ::kill(pid, SIGKILL);
+            ::kill(r.pid, SIGKILL);
         } else {
             if (run.between) {
-                run.between();
+                run.between(r.pid);
             }
-            if (::write(master, run.answer.data(), run.answer.size()) < 0) {
+            if (::write(r.terminal, run.answer.data(), run.answer.size()) < 0) {
                 ADD_FAILURE() << "cannot answer: " << std::strerror(errno);
             }
         }
     }
-    int raw = 0;
-    ::waitpid(pid, &raw, 0);
-    if (master >= 0) {
-        ::close(master);
+    return finishCli(r);
+}
+
+std::vector<std::string> listed(const std::string& report, const std::string& prefix) {
+    std::vector<std::string> out;
+    for (const std::string& l : lines(report)) {
+        if (l.rfind(prefix, 0) == 0) {
+            out.push_back(l.substr(prefix.size()));
+        }
     }
-    return outcomeOf(raw, outPath, errPath);
+    return out;
+}
+
+::testing::AssertionResult says(const std::string& text, const std::string& needle) {
+    if (text.find(needle) != std::string::npos) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << "no \"" << needle << "\" in:\n" << text;
 }
 
 } // namespace twinsweep::testing

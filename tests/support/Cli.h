@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -15,43 +17,43 @@ struct CliOutcome {
     std::string err;
 };
 
-// One run of the real twinsweep-cli.
 struct CliRun {
+    CliRun(std::vector<std::string> a = {}, std::string p = {})
+        : args(std::move(a)), prompt(std::move(p)) {}
     std::vector<std::string> args;
     // When prompt is set, standard input is a terminal: once standard error
-    // shows prompt, between() runs and answer is typed.
+    // shows prompt, between(pid) runs and answer is typed.
     std::string prompt;
-    std::function<void()> between;
+    std::function<void(pid_t)> between;
     std::string answer = "y\n";
-    // Extra environment settings, NAME=VALUE.
-    std::vector<std::string> env;
-    // Run as an ordinary user (nobody) when the tests run as root.
-    bool unprivileged = false;
-    // Called with the tool's process id while it runs (to signal it, say).
-    std::function<void(pid_t)> whileRunning;
-    // Standard output is a pipe nobody reads any more.
-    bool closedOutput = false;
-    std::string cwd;
+    std::vector<std::string> env; // NAME=VALUE, or NAME to unset
+    bool unprivileged = false;    // as nobody when the tests run as root
+    bool closedOutput = false;    // standard output is a pipe nobody reads
 };
 
-CliOutcome runCli(const CliRun& run);
-
-// A run of the tool in the background (no terminal).
+// A run in progress; its own lock and Trash live in scratch unless env says otherwise.
 struct RunningCli {
     pid_t pid = -1;
     std::string outPath;
     std::string errPath;
     std::shared_ptr<void> scratch;
+    int terminal = -1;
 };
 RunningCli startCli(const CliRun& run);
 CliOutcome finishCli(const RunningCli& running);
-// Waits (up to a minute) until the file at path holds needle.
-bool waitForText(const std::string& path, const std::string& needle);
-
+CliOutcome runCli(const CliRun& run);
 inline CliOutcome runCli(std::vector<std::string> args) {
-    CliRun run;
-    run.args = std::move(args);
-    return runCli(run);
+    return runCli(CliRun{std::move(args)});
 }
+
+// Waits (up to two minutes) until the file at path holds needle; false
+// sooner when the process pid ends first.
+bool waitForText(const std::string& path, const std::string& needle, pid_t pid = -1);
+
+// The rest of each line of a report that starts with prefix ("removed: ").
+std::vector<std::string> listed(const std::string& report, const std::string& prefix);
+
+// Whether text holds needle, showing the text when it does not.
+::testing::AssertionResult says(const std::string& text, const std::string& needle);
 
 } // namespace twinsweep::testing

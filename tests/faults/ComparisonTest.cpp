@@ -1,0 +1,119 @@
+// Files the comparison may take as copies: a published MD5 collision pair,
+// large files grouped by size alone, files that change before they are read.
+// Cleaning must never remove one unless it is byte for byte a kept copy.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include "CoreSupport.h"
+#include "FaultSupport.h"
+#include "engine/Digest.h"
+#include "support/TempTree.h"
+
+using namespace twinsweep;
+using namespace twinsweep::testing;
+using Groups = std::set<std::set<std::string>>;
+
+namespace {
+
+std::string fromHex(const char* hex) {
+    std::string out;
+    for (const char* p = hex; p[0] != '\0' && p[1] != '\0'; p += 2) {
+        out.push_back(static_cast<char>(std::stoi(std::string(p, 2), nullptr, 16)));
+    }
+    return out;
+}
+
+// The two 128-byte messages of the first published MD5 collision.
+const std::string kFirst =
+    fromHex("d131dd02c5e6eec4693d9a0698aff95c2fcab58712467eab4004583eb8fb7f89"
+            "55ad340609f4b30283e488832571415a085125e8f7cdc99fd91dbdf280373c5b"
+            "d8823e3156348f5bae6dacd436c919c6dd53e2b487da03fd02396306d248cda0"
+            "e99f33420f577ee8ce54b67080a80d1ec69821bcb6a8839396f9652b6ff72a70");
+const std::string kSecond =
+    fromHex("d131dd02c5e6eec4693d9a0698aff95c2fcab50712467eab4004583eb8fb7f89"
+            "55ad340609f4b30283e4888325f1415a085125e8f7cdc99fd91dbd7280373c5b"
+            "d8823e3156348f5bae6dacd436c919c6dd53e23487da03fd02396306d248cda0"
+            "e99f33420f577ee8ce54b67080280d1ec69821bcb6a8839396f965ab6ff72a70");
+
+} // namespace
+
+TEST(Faults, FilesThatOnlyLookAlikeAreNeverRemoved) {
+    ASSERT_NE(kFirst, kSecond);
+    ASSERT_EQ(md5Of(kFirst.data(), kFirst.size()), md5Of(kSecond.data(), kSecond.size()));
+    TempTree tree;
+    // "c-copy" and "x2" are kept, every other member is marked.
+    tree.write("a-collision", kSecond);
+    tree.write("b-original", kFirst);
+    tree.write("c-copy", kFirst);
+    tree.sparse("a-diff", kLargeFileThreshold);
+    rewriteInPlace(tree.path("a-diff"), "a different first line");
+    tree.sparse("x1", kLargeFileThreshold);
+    tree.sparse("x2", kLargeFileThreshold);
+    const auto refused = [&](const char* odd, const char* head) {
+        return "Error:  " + tree.path(odd) + ": not byte for byte the same as " + tree.path(head) +
+               ", not removed";
+    };
+    for (const unsigned threads : {0U, 2U}) {
+        SCOPED_TRACE(threads);
+        // The plain loop groups by digest alone, read-ahead compares the
+        // contents; large files are grouped by size alone either way.
+        const FileList groups = searchJob(tree.root(), threads);
+        std::vector<std::string> expected = {refused("a-diff", "x2")};
+        if (threads == 0) {
+            ASSERT_EQ(groupSets(groups, tree.root()),
+                      (Groups{{"a-diff", "x1", "x2"}, {"a-collision", "b-original", "c-copy"}}));
+            expected.push_back(refused("a-collision", "c-copy"));
+        } else {
+            ASSERT_EQ(groupSets(groups, tree.root()),
+                      (Groups{{"a-diff", "x1", "x2"}, {"b-original", "c-copy"}}));
+        }
+        for (const FilePtr& g : groups) {
+            for (const DuplicateFilePtr& m : g->duplicates) {
+                m->checkState =
+                    m->path == tree.path("c-copy") || m->path == tree.path("x2") ? 0 : 1;
+            }
+        }
+        const Snapshot before = snapshot(tree.root());
+        StdoutCapture out;
+        const CleaningReport report = cleanForGood();
+        EXPECT_EQ(lines(out.finish()), expected);
+        EXPECT_EQ(report.removed, 2);
+        EXPECT_TRUE(nothingLost(before, snapshot(tree.root()), {"b-original", "x1"}));
+        tree.write("b-original", kFirst);
+        tree.sparse("x1", kLargeFileThreshold);
+    }
+}
+
+// Progress notifications arrive synchronously on the search thread, so an
+// observer acts at an exact point of the run.
+TEST(Faults, FilesThatVanishOrChangeBeforeTheirContentsAreReadAreNotCopies) {
+    for (const unsigned threads : {0U, 2U}) {
+        SCOPED_TRACE(threads);
+        TempTree tree;
+        const std::string twin(64, 't');
+        for (const char* name : {"a", "b", "c", "d", "e"}) {
+            tree.write(name, twin);
+        }
+        const Snapshot before = snapshot(tree.root());
+        // Once every file has been taken (its size read), d gets other bytes
+        // of the same length and e goes, before the comparison reads either.
+        bool done = false;
+        ScopedObserver observer{kUpdateProgress, [&](const std::string&, const UserInfo& info) {
+                                    if (!done && info.at(kTotalFiles) == 5) {
+                                        done = true;
+                                        rewriteInPlace(tree.path("d"), std::string(64, 'd'));
+                                        ::unlink(tree.path("e").c_str());
+                                    }
+                                }};
+        StdoutCapture out;
+        const FileList groups = searchJob(tree.root(), threads);
+        EXPECT_EQ(out.finish(), "Ooops! Something went wrong: " + tree.path("e") +
+                                    ": No such file or directory\n");
+        EXPECT_TRUE(done);
+        EXPECT_EQ(groupSets(groups, tree.root()), (Groups{{"a", "b", "c"}}));
+        Snapshot expected = before;
+        expected["d"] = fileEntry(std::string(64, 'd'));
+        EXPECT_TRUE(nothingLost(expected, snapshot(tree.root()), {"e"}));
+    }
+}
