@@ -121,12 +121,18 @@ TEST_F(Acting, RulesFileMarksWithTheKeepOneAnswer) {
     EXPECT_EQ(filesLeft(), 3);
 }
 
-TEST_F(Acting, BadCombinationsAndRuleFilesStopBeforeAnything) {
+TEST_F(Acting, BadUsageAndRuleFilesStopBeforeAnything) {
     const std::string bad = tree.write("bad-rules.txt", "0\n0\nsoon\n");
     const std::string fifo = tree.path("rules.fifo");
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0); // must not block the tool
     const std::string huge = tree.writeSized("huge.txt", (1 << 20) + 1, '\n');
     const std::vector<std::vector<std::string>> cases = {
+        {"--bogus"},
+        {"--format", "xml"},
+        {"--min-size", "ten"},
+        {"--min-size", "2K", "--max-size", "1K"},
+        {tree.path("missing")},
+        {tree.write("file", "x")},
         {"--keep", "some"},
         {"--keep", "all", "--rules", bad},
         {"--keep-one", "oldest"},
@@ -138,17 +144,24 @@ TEST_F(Acting, BadCombinationsAndRuleFilesStopBeforeAnything) {
         {"--rules", fifo},
         {"--rules", tree.path("files")},
         {"--rules", huge},
-        {"--rules", tree.write("ok.txt", twinsweep::defaultRuleText()), "--keep-one", "maybe"},
-    };
+        {"--rules", tree.write("ok.txt", twinsweep::defaultRuleText()), "--keep-one", "maybe"}};
     for (const auto& args : cases) {
         const CliOutcome r = run(args);
         EXPECT_EQ(r.status, 2) << args.back();
         EXPECT_EQ(r.out, "");
         EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
+        EXPECT_EQ(r.err.rfind("twinsweep-cli: ", 0), 0U) << r.err;
         if (args.size() == 2 && args.front() == "--rules" &&
             args.back() != tree.path("missing.txt")) {
             EXPECT_TRUE(says(r.err, "docs/rules.md"));
         }
     }
+    // No folder, or an option without its value.
+    for (const auto& args : {std::vector<std::string>{}, {"--format"}}) {
+        EXPECT_EQ(runCli(args).status, 2);
+    }
+    EXPECT_TRUE(says(run({tree.path("missing")}).err, tree.path("missing")));
+    EXPECT_EQ(runCli({"--help"}).status, 0);
+    EXPECT_EQ(runCli({"--version"}).out.rfind("twinsweep-cli ", 0), 0U);
     EXPECT_EQ(filesLeft(), 5);
 }

@@ -1,19 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <fcntl.h>
-#include <thread>
-#include <unistd.h>
-
 #include "cli/Options.h"
 #include "cli/Output.h"
-#include "cli/Progress.h"
-#include "support/Cli.h"
-#include "support/TempTree.h"
 
 using namespace twinsweep;
 using namespace twinsweep::cli;
-using namespace twinsweep::testing;
 
 TEST(CliOutput, JsonEscapesEveryByteThatIsNotPlainUtf8AndTextEveryLineBreak) {
     EXPECT_EQ(jsonString("plain"), "\"plain\"");
@@ -58,30 +49,4 @@ TEST(CliOptions, FoldersBecomeAbsoluteAndOptionsTakeBothForms) {
     EXPECT_FALSE(r.options.ignorePackages);
     EXPECT_EQ(r.options.folders, std::vector<std::string>{"/tmp"});
     EXPECT_EQ(parseOptions({"--", "--help"}, "/").error.value_or("").find("--help"), 19U);
-}
-
-TEST(CliProgress, TerminalLineShowsCountsAndBytesWhileNothingIsPosted) {
-    TempTree tree;
-    const int fd = ::open(tree.path("line").c_str(), O_WRONLY | O_CREAT, 0600);
-    auto bytes = std::make_shared<ByteProgress>();
-    {
-        TerminalProgress progress(fd, bytes);
-        NotificationCenter::defaultCenter().post(kUpdateProgress,
-                                                 {{kTotalFiles, 4}, {kCheckedFiles, 0}});
-        std::this_thread::sleep_for(std::chrono::milliseconds(250));
-        // The comparison: one post, then only bytes move (a large file).
-        bytes->start(3 << 20);
-        NotificationCenter::defaultCenter().post(kUpdateProgress,
-                                                 {{kTotalFiles, 4}, {kCheckedFiles, 1}});
-        bytes->add(1 << 20);
-        std::this_thread::sleep_for(std::chrono::milliseconds(250));
-        bytes->add(1 << 20);
-        std::this_thread::sleep_for(std::chrono::milliseconds(250));
-    }
-    ::close(fd);
-    const std::string out = slurp(tree.path("line"));
-    EXPECT_TRUE(says(out, "\r\033[KFiles found: 4"));
-    EXPECT_TRUE(says(out, "Files checked: 1 of 4; 1.0 MB of 3.0 MB compared"));
-    EXPECT_TRUE(says(out, "Files checked: 1 of 4; 2.0 MB of 3.0 MB compared"));
-    EXPECT_EQ(out.substr(out.size() - 4), "\r\033[K") << "the line is cleared at the end";
 }

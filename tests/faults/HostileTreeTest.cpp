@@ -71,35 +71,3 @@ TEST(Faults, AHostileTreeIsWalkedOnceWithoutBlockingAndWhatCantBeReadIsReported)
                                                       ooops + "/u\\nu: Permission denied"}));
     EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
 }
-
-TEST(Faults, NamesOfAnyBytesSurviveTheReportsAndTheClean) {
-    TempTree tree;
-    const std::vector<std::string> names = {"-dash", "with space", "new\nline", "bad\xff\xfe",
-                                            "back\\slash"};
-    for (const std::string& n : names) {
-        tree.write("-folder/" + n, "same bytes");
-    }
-    const std::string root = tree.path("-folder");
-    const Snapshot before = snapshot(tree.root());
-
-    // Text: one escaped path per line.
-    CliOutcome r = runCli({"--any-location", "--", root});
-    EXPECT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(reportedGroups(r.out, root),
-              (Groups{{"-dash", "with space", "new\\nline", "bad\xff\xfe", "back\\\\slash"}}));
-
-    // JSON, cleaning to the Trash: valid UTF-8 throughout, stray bytes as
-    // \udcXX; every copy but the kept one goes, whatever its name.
-    r = runCli({"--any-location", "--keep", "oldest", "--trash", "--format", "json", "--", root});
-    EXPECT_EQ(r.status, 0) << r.err;
-    const std::vector<std::string> json = {"-dash", "with space", "new\\nline", "bad\\udcff\\udcfe",
-                                           "back\\\\slash"};
-    std::set<std::string> gone;
-    for (std::size_t k = 0; k < names.size(); ++k) {
-        if (r.out.find("/-folder/" + json[k] + "\"") != std::string::npos) {
-            gone.insert("-folder/" + names[k]);
-        }
-    }
-    EXPECT_EQ(gone.size(), 4u) << r.out;
-    EXPECT_TRUE(nothingLost(before, snapshot(tree.root()), gone));
-}
