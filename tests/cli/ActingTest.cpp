@@ -1,4 +1,4 @@
-// Runs the real twinsweep-cli with the options that mark and remove copies.
+// Runs the real twinsweep-cli with the options that mark and remove copies, and bad usage.
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -1,11 +1,7 @@
-// Runs the real twinsweep-cli on real folders: the reports and usage errors.
+// Runs the real twinsweep-cli on real folders: its reports.
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <csignal>
-#include <fstream>
 #include <set>
-#include <thread>
 
 #include "export/ResultsExport.h"
 #include "support/Cli.h"
@@ -111,36 +107,4 @@ TEST(Cli, FiltersLocationGateAndFolderArgumentsNarrowTheSearch) {
             .out,
         tree.path("Users/bob/b.png") + "\n" + tree.path("Users/bob/Library/c.png") + "\n" +
             tree.path("Users/bob/a.png") + "\n");
-}
-
-TEST(Cli, InterruptCancelsTheSearchAndWritesNothing) {
-    TempTree tree;
-    // Equal-size files that agree in their first bytes must be read whole:
-    // long enough to interrupt.
-    for (int k = 0; k < 8; ++k) {
-        tree.sparse("f" + std::to_string(k), 90 << 20);
-        std::ofstream(tree.path("f" + std::to_string(k)), std::ios::in | std::ios::out)
-                .seekp((90 << 20) - 1)
-            << static_cast<char>('a' + k % 2);
-    }
-    const RunningCli running = startCli({{"--any-location", "--format", "json", tree.root()}});
-    // Wait until the tool handles SIGINT, so the signal cancels rather than kills.
-    const auto handlesInterrupt = [&] {
-        std::ifstream status("/proc/" + std::to_string(running.pid) + "/status");
-        for (std::string line; std::getline(status, line);) {
-            if (line.rfind("SigCgt:", 0) == 0) {
-                return (std::stoull(line.substr(7), nullptr, 16) & (1ULL << (SIGINT - 1))) != 0;
-            }
-        }
-        return false;
-    };
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!handlesInterrupt() && std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
-    ::kill(running.pid, SIGINT);
-    const CliOutcome r = finishCli(running);
-    EXPECT_EQ(r.status, 130) << r.err;
-    EXPECT_EQ(r.out, "");
 }

@@ -209,7 +209,7 @@ TEST(Removal, TwoCleaningsAtOnceNeverTakeTheLastCopy) {
     }
 }
 
-TEST(Removal, SignalsStopBetweenRemovalsAndEveryRemovalIsReported) {
+TEST(Removal, SignalsCancelTheSearchAndStopBetweenRemovalsThatAreAllReported) {
     TempTree tree;
     // Large enough that comparing one pair outlasts the signal.
     constexpr std::uint64_t kSize = 32 << 20;
@@ -234,6 +234,14 @@ TEST(Removal, SignalsStopBetweenRemovalsAndEveryRemovalIsReported) {
         EXPECT_TRUE(nothingLost(before, snapshot(tree.root()), relSet(tree.root(), gone)));
         twins();
     }
+
+    // During the search: nothing is reported.
+    AccessWatch watch(tree.path("a"));
+    const RunningCli search = startCli({{"--any-location", "--format", "json", tree.root()}});
+    EXPECT_TRUE(watch.holdFirstAccess(search.pid, [&] { ::kill(search.pid, SIGINT); }));
+    const CliOutcome cancelled = finishCli(search);
+    EXPECT_EQ(cancelled.status, 128 + SIGINT) << cancelled.err;
+    EXPECT_EQ(cancelled.out, "");
 
     // Nobody reads standard output any more: nothing is removed that can't
     // be reported.
