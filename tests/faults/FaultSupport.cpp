@@ -1,14 +1,12 @@
 #include "FaultSupport.h"
 
 #include <atomic>
-#include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <poll.h>
 #include <sched.h>
 #include <sys/fanotify.h>
-#include <sys/inotify.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <thread>
@@ -61,6 +59,14 @@ bool privateMounts() {
     return ok;
 }
 
+bool AccessWatch::available() {
+    static const bool ok = [] {
+        const int fd = ::fanotify_init(FAN_CLASS_CONTENT | FAN_CLOEXEC, O_RDONLY);
+        return fd >= 0 && ::close(fd) == 0;
+    }();
+    return ok;
+}
+
 AccessWatch::AccessWatch(const std::string& folder) {
     fan_ = ::fanotify_init(FAN_CLASS_CONTENT | FAN_CLOEXEC, O_RDONLY | O_LARGEFILE);
     if (fan_ >= 0 && ::fanotify_mark(fan_, FAN_MARK_ADD, FAN_ACCESS_PERM | FAN_EVENT_ON_CHILD,
@@ -68,16 +74,9 @@ AccessWatch::AccessWatch(const std::string& folder) {
         ::close(fan_);
         fan_ = -1;
     }
-    if (fan_ < 0) {
-        fd_ = ::inotify_init1(IN_CLOEXEC);
-        ::inotify_add_watch(fd_, folder.c_str(), IN_ACCESS);
-    }
 }
 
 AccessWatch::~AccessWatch() {
-    if (fd_ >= 0) {
-        ::close(fd_);
-    }
     if (fan_ >= 0) {
         ::close(fan_); // every read still waiting is allowed
     }
@@ -91,14 +90,9 @@ void AccessWatch::allow(int eventFd) {
     ::close(eventFd);
 }
 
-bool AccessWatch::holdFirstAccess(pid_t pid, const std::function<void()>& whileHeld) {
+bool AccessWatch::holdFirstAccess(const std::function<void()>& whileHeld) {
     if (fan_ < 0) {
-        if (!stopOnAccess(pid)) {
-            return false;
-        }
-        whileHeld();
-        ::kill(pid, SIGCONT);
-        return true;
+        return false;
     }
     // whileHeld runs on its own thread, so that reads it makes (or starts)
     // in the watched folder are answered here meanwhile.
@@ -137,27 +131,6 @@ bool AccessWatch::holdFirstAccess(pid_t pid, const std::function<void()>& whileH
     ::close(fan_);
     fan_ = -1;
     return true;
-}
-
-bool AccessWatch::stopOnAccess(pid_t pid) {
-    alignas(inotify_event) char buf[4096];
-    for (;;) {
-        pollfd p{fd_, POLLIN, 0};
-        if (::poll(&p, 1, 60000) != 1) {
-            return false;
-        }
-        const ssize_t n = ::read(fd_, buf, sizeof buf);
-        // Listing the folder counts as an access to the folder itself (no
-        // name); only a file read inside it counts here.
-        for (ssize_t at = 0; at < n;) {
-            const auto* ev = reinterpret_cast<const inotify_event*>(buf + at);
-            if (ev->len > 0) {
-                ::kill(pid, SIGSTOP);
-                return true;
-            }
-            at += static_cast<ssize_t>(sizeof(inotify_event) + ev->len);
-        }
-    }
 }
 
 std::string fileEntry(const std::string& bytes) {

@@ -32,22 +32,19 @@ std::string fileEntry(const std::string& bytes);
 // mount; false (skip) when the system does not allow it.
 bool privateMounts();
 
-// Holds the first read of a file in folder by another process until
-// whileHeld has run. As root the read itself waits in the kernel (fanotify
-// permission event), so the race is exact under any load; elsewhere the
-// process pid is stopped (SIGSTOP) as soon as inotify sees the read. False
-// when nothing came within a minute.
+// Holds the first read of a file in folder by another process, in the kernel
+// (fanotify permission event), until whileHeld has run: the race is exact
+// under any load. False when nothing came within a minute.
 class AccessWatch {
   public:
+    static bool available(); // fanotify needs root
     explicit AccessWatch(const std::string& folder);
     ~AccessWatch();
-    bool holdFirstAccess(pid_t pid, const std::function<void()>& whileHeld);
+    bool holdFirstAccess(const std::function<void()>& whileHeld);
 
   private:
-    bool stopOnAccess(pid_t pid);
     void allow(int eventFd);
-    int fd_ = -1;  // inotify
-    int fan_ = -1; // fanotify
+    int fan_ = -1;
 };
 
 // Paths under root, relative to it.
