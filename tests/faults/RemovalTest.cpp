@@ -263,29 +263,6 @@ TEST(Removal, SignalsCancelTheSearchAndStopBetweenRemovalsThatAreAllReported) {
     EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
 }
 
-TEST(Removal, AnUnwritableTrashFailsAtOnceAndLosesNothing) {
-    TempTree tree;
-    tree.write("files/a/x", "twin");
-    tree.write("files/b/x", "twin");
-    tree.mkdir("data/Trash/files");
-    tree.mkdir("data/Trash/info");
-    tree.openToEveryone();
-    for (const char* d :
-         {"data", "data/Trash", "data/Trash/files", "data/Trash/info", "files/a", "files/b"}) {
-        ASSERT_EQ(::chown(tree.path(d).c_str(), 65534, 65534), 0);
-    }
-    ::chmod(tree.path("data/Trash/info").c_str(), 0500);
-    const Snapshot before = snapshot(tree.root());
-    CliRun run{{"--any-location", "--keep", "oldest", "--trash", tree.path("files")}};
-    run.env = {"XDG_DATA_HOME=" + tree.path("data")};
-    run.unprivileged = true;
-    const CliOutcome r = runCli(run);
-    EXPECT_EQ(r.status, 1) << r.err;
-    EXPECT_TRUE(says(r.err, "can't write its record in " + tree.path("data/Trash/info") +
-                                " (Permission denied); nothing was removed"));
-    EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
-}
-
 TEST(Removal, OddMountsNeverCostAFile) {
     if (!privateMounts()) {
         GTEST_SKIP() << "no mount namespace here (needs root and unshare)";
@@ -374,13 +351,20 @@ TEST(Removal, OddMountsNeverCostAFile) {
     EXPECT_TRUE(says(slurp(tree.path("full/.Trash-" + uid + "/info/x.trashinfo")),
                      "\nPath=" + rel(tree.path("full"), gone[0]) + "\n"));
 
-    // The disk fills: the Trash record can't be written, nothing moves and
-    // no empty record stays behind.
+    // The Trash's records are read-only, then the disk fills: no record can
+    // be written, nothing moves and no empty record stays behind.
     tree.write(rel(tree.root(), gone[0]), "twin");
-    tree.writeSized("full/filler", 1 << 20);
-    before = snapshot(tree.root());
-    r = runCli(trash);
-    EXPECT_EQ(r.status, 1);
-    EXPECT_TRUE(says(r.err, "(No space left on device); nothing was removed"));
-    EXPECT_EQ(snapshot(tree.root()), before);
+    const std::string info = tree.path("full/.Trash-" + uid + "/info");
+    ASSERT_TRUE(mount(info, info, nullptr, ""));
+    ASSERT_EQ(::mount(nullptr, info.c_str(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr),
+              0);
+    for (const std::string why : {"Read-only file system", "No space left on device"}) {
+        before = snapshot(tree.root());
+        r = runCli(trash);
+        EXPECT_EQ(r.status, 1);
+        EXPECT_TRUE(says(r.err, info + " (" + why + "); nothing was removed"));
+        EXPECT_EQ(snapshot(tree.root()), before);
+        ::umount2(info.c_str(), 0); // writable again, on a full disk
+        tree.writeSized("full/filler", 1 << 20);
+    }
 }
