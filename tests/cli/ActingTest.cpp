@@ -15,8 +15,7 @@ namespace {
 
 const char* const kFiles[] = {"a/one.jpg", "b/one.jpg", "c/one.jpg", "a/two.txt", "b/two.txt"};
 
-// Three copies of one file and two of another, in a tree whose data home
-// (and so its Trash) is the tree's own "data" folder.
+// Three copies of one file and two of another; the Trash is in the tree.
 struct Acting : ::testing::Test {
     TempTree tree;
     std::string trash = tree.path("data/Trash");

@@ -97,8 +97,7 @@ TEST(Cli, FiltersLocationGateAndFolderArgumentsNarrowTheSearch) {
     EXPECT_EQ(runCli({"--any-location", "--min-size", "2K", tree.root()}).out.size(),
               tree.path("Users/bob/big1.png\n").size() * 2);
 
-    // link/.. is the parent of the link's target, as the kernel resolves it,
-    // and the report shows it without the link.
+    // link/.. is the parent of the link's target, as the kernel resolves it.
     tree.write("here/p.png", "other");
     tree.write("here/q.png", "other");
     tree.symlink(tree.path("Users/bob/Library"), "here/link");

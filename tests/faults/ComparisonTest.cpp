@@ -1,6 +1,4 @@
-// Files the comparison may take as copies: a published MD5 collision pair,
-// large files grouped by size alone, files that change before they are read.
-// Cleaning must never remove one unless it is byte for byte a kept copy.
+// Files that only look like copies are never removed: cleaning compares bytes.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -56,8 +54,7 @@ TEST(Faults, FilesThatOnlyLookAlikeAreNeverRemoved) {
     };
     for (const unsigned threads : {0U, 2U}) {
         SCOPED_TRACE(threads);
-        // The plain loop groups by digest alone, read-ahead compares the
-        // contents; large files are grouped by size alone either way.
+        // Only the plain loop groups by digest alone; large files go by size alone.
         const FileList groups = searchJob(tree.root(), threads);
         std::vector<std::string> expected = {refused("a-diff", "x2")};
         if (threads == 0) {
@@ -85,8 +82,7 @@ TEST(Faults, FilesThatOnlyLookAlikeAreNeverRemoved) {
     }
 }
 
-// Progress notifications arrive synchronously on the search thread, so an
-// observer acts at an exact point of the run.
+// Progress is posted on the search thread: the observer acts at an exact point.
 TEST(Faults, FilesThatVanishOrChangeBeforeTheirContentsAreReadAreNotCopies) {
     for (const unsigned threads : {0U, 2U}) {
         SCOPED_TRACE(threads);
@@ -96,8 +92,7 @@ TEST(Faults, FilesThatVanishOrChangeBeforeTheirContentsAreReadAreNotCopies) {
             tree.write(name, twin);
         }
         const Snapshot before = snapshot(tree.root());
-        // Once every file has been taken (its size read), d gets other bytes
-        // of the same length and e goes, before the comparison reads either.
+        // Once every size is read, d changes (same length) and e goes.
         bool done = false;
         ScopedObserver observer{kUpdateProgress, [&](const std::string&, const UserInfo& info) {
                                     if (!done && info.at(kTotalFiles) == 5) {

@@ -13,8 +13,7 @@
 
 namespace twinsweep::testing {
 
-// A full search job over root, as the progress window runs it, with the given
-// number of digest threads (0: the plain comparison loop). Returns the groups.
+// The groups of a search job over root (0 threads: the plain comparison loop).
 inline FileList searchJob(const std::string& root, unsigned threads) {
     const auto settings = SettingsManager::shared();
     settings->duplicateFileList.clear();

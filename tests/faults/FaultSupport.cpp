@@ -94,8 +94,7 @@ bool AccessWatch::holdFirstAccess(const std::function<void()>& whileHeld) {
     if (fan_ < 0) {
         return false;
     }
-    // whileHeld runs on its own thread, so that reads it makes (or starts)
-    // in the watched folder are answered here meanwhile.
+    // whileHeld runs on its own thread: reads it causes in folder are allowed here.
     int held = -1;
     std::atomic<bool> done{false};
     std::thread worker;

@@ -14,27 +14,23 @@
 
 namespace twinsweep::testing {
 
-// Everything under a folder, by path relative to it: a regular file's size and
-// digest, a link's target text, or the kind of a folder or special file. Links
-// are never followed.
+// Everything under root by relative path: a file's size and digest, a link's
+// target (never followed), or the kind of anything else.
 using Snapshot = std::map<std::string, std::string>;
 Snapshot snapshot(const std::string& root);
 
 // How a snapshot shows a regular file holding bytes.
 std::string fileEntry(const std::string& bytes);
 
-// Passes when every item of before is still in after, unchanged, apart from
-// the relative paths in gone (which must really be gone).
+// Every item of before is unchanged in after, but those in gone, which are gone.
 ::testing::AssertionResult nothingLost(const Snapshot& before, const Snapshot& after,
                                        const std::set<std::string>& gone = {});
 
-// Moves this test process into a mount namespace of its own, so tests may
-// mount; false (skip) when the system does not allow it.
+// A mount namespace of this process's own, so tests may mount; false: skip.
 bool privateMounts();
 
-// Holds the first read of a file in folder by another process, in the kernel
-// (fanotify permission event), until whileHeld has run: the race is exact
-// under any load. False when nothing came within a minute.
+// Holds another process's first read in folder in the kernel (fanotify) while
+// whileHeld runs: exact under any load. False if no read came within a minute.
 class AccessWatch {
   public:
     static bool available(); // fanotify needs root

@@ -1,5 +1,4 @@
-// Replacing copies with hard links, and putting back a clean to the Trash,
-// with snapshots of the tree.
+// Replacing copies with hard links, and undoing a clean to the Trash.
 #include <gtest/gtest.h>
 
 #include <filesystem>

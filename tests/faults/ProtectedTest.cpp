@@ -1,5 +1,4 @@
-// Protected folders: no keep option, rule, hand mark or clean touches a copy
-// under one, however the search reached it.
+// No keep option, rule or clean touches a copy in a protected folder.
 #include <gtest/gtest.h>
 
 #include "CoreSupport.h"
@@ -62,8 +61,7 @@ TEST_F(Protected, NoKeepOptionOrRuleMarksAProtectedCopyAndCleaningRefusesOne) {
         applyKeepOption(g, option, groups);
         expectOnlyUnprotectedMarked(g, "keep option");
     }
-    // Rules that every copy passes (a type rule with no types), on one group
-    // and on all with the keep-one answer.
+    // Rules every copy passes (no types), on one group and on all.
     settings->customFileTypesState = 1;
     settings->customSettingsOption = "OK";
     ASSERT_TRUE(applyCustomRules(g, *settings));

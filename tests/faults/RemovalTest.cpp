@@ -1,5 +1,4 @@
-// Removal as a hostile user or a hostile system would try it, through the real
-// command-line tool; every case compares the tree before and after.
+// Removal as a hostile user or system would try it, through the real tool.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -33,9 +32,7 @@ std::string parentOf(const std::string& path) {
     return path.substr(0, path.rfind('/'));
 }
 
-// Runs the tool on a terminal, deleting for good. Once the question is
-// answered (the search is over), the first file read in folder is held;
-// whenHeld runs, and the tool goes on.
+// Deletes for good, answering on a terminal; whenHeld runs while the first read in folder is held.
 CliOutcome heldWhileComparing(CliRun run, const std::string& folder,
                               const std::function<void(pid_t)>& whenHeld) {
     run.prompt = kQuestion;
@@ -105,9 +102,7 @@ TEST(Removal, ACopyIsRemovedOnlyThroughTheFolderTheSearchWalked) {
     ASSERT_EQ(m.size(), 1u);
     const std::string kept =
         m[0] == tree.path("tree/keep/x") ? tree.path("tree/user/sub/x") : tree.path("tree/keep/x");
-    // The owner of the copy's folder swaps it for a link to a folder holding
-    // a file of the same name: before the clean starts, or while the copy is
-    // being compared.
+    // The folder's owner swaps it for a link to a folder holding the same name.
     const std::string folder = parentOf(m[0]);
     for (const bool midway : {false, true}) {
         SCOPED_TRACE(midway ? "while compared" : "before the clean");
@@ -144,8 +139,7 @@ TEST(Removal, TwoCleaningsAtOnceNeverTakeTheLastCopy) {
     if (!AccessWatch::available()) {
         GTEST_SKIP() << "no fanotify here (needs root)";
     }
-    // Member dates count whole seconds: twins a second apart, so that keep
-    // oldest and keep newest pick different copies.
+    // Dates count whole seconds: a second apart, oldest and newest differ.
     const auto nextSecond = [] { std::this_thread::sleep_for(std::chrono::milliseconds(1100)); };
     TempTree tree;
     tree.sparse("a/x", kLargeFileThreshold);
@@ -170,8 +164,7 @@ TEST(Removal, TwoCleaningsAtOnceNeverTakeTheLastCopy) {
         tree.sparse(gone, kLargeFileThreshold);
     };
 
-    // One user: the second run waits for the first, then finds its kept
-    // copy gone and leaves its own.
+    // One user: the second run waits for the lock, then finds its kept copy gone.
     CliRun first = cleaning("oldest", tree.mkdir("lock"), false);
     CliOutcome second;
     std::thread waiter;
@@ -189,9 +182,8 @@ TEST(Removal, TwoCleaningsAtOnceNeverTakeTheLastCopy) {
     EXPECT_TRUE(says(second.err, "waiting for it to end"));
     oneLeft("one user");
 
-    // Two users (two locks): one run is held while it compares, the other
-    // runs to the end meanwhile; the held one then finds its kept copy gone
-    // and leaves its own. The same when the kept copy is simply deleted.
+    // Two users (two locks): while one run is held comparing, the other runs
+    // to the end, or the kept copy is simply deleted.
     for (const bool byHand : {false, true}) {
         const CliRun slow = cleaning("oldest", tree.mkdir(byHand ? "r1" : "r2"), false);
         const std::vector<std::string> m = marked({"--keep", "oldest", tree.root()});
@@ -252,8 +244,7 @@ TEST(Removal, SignalsCancelTheSearchAndStopBetweenRemovalsThatAreAllReported) {
     EXPECT_EQ(cancelled.status, 128 + SIGINT) << cancelled.err;
     EXPECT_EQ(cancelled.out, "");
 
-    // Nobody reads standard output any more: nothing is removed that can't
-    // be reported.
+    // Nobody reads standard output: nothing is removed that can't be reported.
     const Snapshot before = snapshot(tree.root());
     CliRun run{{"--any-location", "--keep", "oldest", "--delete", "--yes", tree.root()}};
     run.closedOutput = true;
@@ -281,8 +272,7 @@ TEST(Removal, OddMountsNeverCostAFile) {
         return runCli(args);
     };
 
-    // One file seen twice: bind-mounted onto a second name (link count 1),
-    // and a folder with an overlay view of it. Neither is its own copy.
+    // One file seen twice, bind-mounted (link count 1) or through an overlay.
     tree.write("bind/a/file", "only copy");
     tree.write("bind/b/file", "");
     ASSERT_TRUE(mount(tree.path("bind/a/file"), tree.path("bind/b/file"), nullptr, ""));
@@ -302,8 +292,7 @@ TEST(Removal, OddMountsNeverCostAFile) {
         EXPECT_EQ(runCli({"--any-location", roots[0], roots.back()}).out, "");
     }
 
-    // A package deleted for good never reaches into a file system mounted in
-    // it; what stays is reported and not counted as freed.
+    // A package deleted for good never reaches into a mount inside it.
     for (const std::string pkg : {"pkgs/p1.app/", "pkgs/p2.app/"}) {
         tree.write(pkg + "Contents/main", "package bytes");
         tree.write(pkg + "mnt/data", "mounted data");
@@ -325,8 +314,7 @@ TEST(Removal, OddMountsNeverCostAFile) {
     EXPECT_TRUE(
         nothingLost(before, snapshot(tree.root()), {pkg + "/Contents/main", pkg + "/Contents"}));
 
-    // A file on another file system goes to the Trash at the top of its
-    // mount, never to one there that belongs to someone else.
+    // Another file system's Trash is at its top, never one owned by someone else.
     tree.mkdir("full");
     ASSERT_TRUE(mount("tmpfs", tree.path("full"), "tmpfs", "size=64k"));
     tree.write("full/a/x", "twin");
@@ -351,8 +339,7 @@ TEST(Removal, OddMountsNeverCostAFile) {
     EXPECT_TRUE(says(slurp(tree.path("full/.Trash-" + uid + "/info/x.trashinfo")),
                      "\nPath=" + rel(tree.path("full"), gone[0]) + "\n"));
 
-    // The Trash's records are read-only, then the disk fills: no record can
-    // be written, nothing moves and no empty record stays behind.
+    // Read-only records, then a full disk: nothing moves, no empty record stays.
     tree.write(rel(tree.root(), gone[0]), "twin");
     const std::string info = tree.path("full/.Trash-" + uid + "/info");
     ASSERT_TRUE(mount(info, info, nullptr, ""));

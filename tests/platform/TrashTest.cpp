@@ -1,5 +1,4 @@
-// Our freedesktop Trash and removal for good, through open folders, with real
-// files; interop with trash-cli when it is installed.
+// Our freedesktop Trash and removal for good, through open folders.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -46,8 +45,7 @@ RemovalResult act(const std::string& path, bool toTrash = true) {
     return r;
 }
 
-// Runs body in a child process, free to change its environment, folder and
-// limits; returns body's result.
+// Runs body in a child process, free to change its environment and folder.
 int inChild(const std::function<int()>& body) {
     const pid_t pid = ::fork();
     if (pid == 0) {
@@ -89,8 +87,7 @@ TEST_F(TrashTest, EveryNameIsRecordedExactlyAndNothingInTheTrashIsOverwritten) {
     struct stat st {};
     ASSERT_EQ(::stat(trash.c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0700u);
-    // A name taken by a record, or by a leftover in files/ without one, gets
-    // a name of its own.
+    // A name taken by a record, or by a leftover in files/, gets another.
     tree.write("new/share/Trash/files/leftover", "not ours");
     for (const char* n : {"again", "leftover"}) {
         const RemovalResult r = act(tree.write(std::string("other/") + n, "second"));
@@ -124,8 +121,7 @@ TEST_F(TrashTest, EveryNameIsRecordedExactlyAndNothingInTheTrashIsOverwritten) {
 }
 
 TEST_F(TrashTest, AnUnusableTrashFailsAtOnceAndLosesNothing) {
-    // A relative data home is ignored, as the base directory rules say: the
-    // Trash is made, private, in the home, never in the current folder.
+    // A relative data home is ignored: the Trash is made, private, in the home.
     const std::string home = tree.mkdir("home");
     const std::string cwd = tree.mkdir("cwd");
     EXPECT_EQ(inChild([&] {

@@ -21,8 +21,7 @@ struct CliRun {
     CliRun(std::vector<std::string> a = {}, std::string p = {})
         : args(std::move(a)), prompt(std::move(p)) {}
     std::vector<std::string> args;
-    // When prompt is set, standard input is a terminal: once standard error
-    // shows prompt, between(pid) runs and answer is typed.
+    // With a prompt, standard input is a terminal: on it, between runs, answer is typed.
     std::string prompt;
     std::function<void(pid_t)> between;
     std::string answer = "y\n";
@@ -46,8 +45,7 @@ inline CliOutcome runCli(std::vector<std::string> args) {
     return runCli(CliRun{std::move(args)});
 }
 
-// Waits (up to two minutes) until the file at path holds needle; false
-// sooner when the process pid ends first.
+// Waits (two minutes at most) for needle in the file; false if pid ends first.
 bool waitForText(const std::string& path, const std::string& needle, pid_t pid = -1);
 
 // The rest of each line of a report that starts with prefix ("removed: ").
