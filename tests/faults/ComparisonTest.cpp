@@ -1,12 +1,8 @@
 // Files that only look like copies are never removed: cleaning compares bytes.
-#include <gtest/gtest.h>
-
 #include <unistd.h>
 
 #include "CoreSupport.h"
-#include "FaultSupport.h"
 #include "engine/Digest.h"
-#include "support/TempTree.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <set>
 #include <string>
 

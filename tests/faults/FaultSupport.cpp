@@ -13,7 +13,6 @@
 #include <unistd.h>
 
 #include "engine/Digest.h"
-#include "support/TempTree.h"
 
 namespace twinsweep::testing {
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "support/Cli.h"
+#include "support/TempTree.h"
 
 namespace twinsweep::testing {
 

@@ -1,12 +1,9 @@
 // Trees a real disk may hold, through the real command-line tool.
-#include <gtest/gtest.h>
-
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include "FaultSupport.h"
-#include "support/TempTree.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;

@@ -1,12 +1,9 @@
 // Replacing copies with hard links, and undoing a clean to the Trash.
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <sys/stat.h>
 
 #include "FaultSupport.h"
 #include "selection/TrashRecord.h"
-#include "support/TempTree.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;

@@ -1,12 +1,8 @@
 // No keep option, rule or clean touches a copy in a protected folder.
-#include <gtest/gtest.h>
-
 #include "CoreSupport.h"
-#include "FaultSupport.h"
 #include "selection/CustomMarking.h"
 #include "selection/CustomSettingsText.h"
 #include "selection/KeepOptions.h"
-#include "support/TempTree.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;

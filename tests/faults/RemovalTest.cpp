@@ -1,6 +1,4 @@
 // Removal as a hostile user or system would try it, through the real tool.
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
@@ -11,7 +9,6 @@
 
 #include "FaultSupport.h"
 #include "engine/Digest.h"
-#include "support/TempTree.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;

@@ -1,6 +1,4 @@
 // Our freedesktop Trash and removal for good, through open folders.
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <fcntl.h>
 #include <regex>
@@ -11,7 +9,6 @@
 #include "faults/FaultSupport.h"
 #include "platform/PlatformRemover.h"
 #include "platform/Trash.h"
-#include "support/TempTree.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;
