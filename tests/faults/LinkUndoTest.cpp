@@ -52,11 +52,9 @@ TEST(Links, CopiesBecomeLinksToTheKeptCopyAndNothingElseIsTouched) {
 
 TEST(Undo, PutsTheLastCleanBackAndRefusesATakenPath) {
     TempTree tree;
-    for (const char* p : {"files/a/x", "files/b/x"}) {
-        tree.write(p, "twin");
-    }
-    for (const char* p : {"files/a/odd %\n\xff", "files/b/odd %\n\xff"}) {
-        tree.write(p, "odd twin");
+    for (const std::string side : {"files/a/", "files/b/"}) {
+        tree.write(side + "x", "twin");
+        tree.write(side + "odd %\n\xff", "odd twin");
     }
     const std::vector<std::string> env = {"XDG_DATA_HOME=" + tree.path("data"),
                                           "XDG_STATE_HOME=" + tree.path("state")};

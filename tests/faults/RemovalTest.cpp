@@ -211,12 +211,10 @@ TEST(Removal, SignalsCancelTheSearchAndStopBetweenRemovalsThatAreAllReported) {
     TempTree tree;
     // Large enough that comparing one pair outlasts the signal.
     constexpr std::uint64_t kSize = 32 << 20;
-    const auto twins = [&] {
-        for (int g = 0; g < 2; ++g) {
-            for (const char* side : {"a/", "b/"}) {
-                if (::access(tree.path(side + std::to_string(g)).c_str(), F_OK) != 0) {
-                    tree.sparse(side + std::to_string(g), kSize + g);
-                }
+    const auto twins = [&] { // two groups: a/0 b/0, a/1 b/1
+        for (const char* name : {"a/0", "b/0", "a/1", "b/1"}) {
+            if (::access(tree.path(name).c_str(), F_OK) != 0) {
+                tree.sparse(name, kSize + (name[2] - '0'));
             }
         }
     };

@@ -17,13 +17,10 @@ namespace {
 
 // The Path= value of a .trashinfo text, with its %XX escapes undone.
 std::string trashedPath(const std::string& info) {
-    const auto at = info.find("\nPath=") + 6;
-    const std::string value = info.substr(at, info.find('\n', at) - at);
     std::string out;
-    for (std::size_t i = 0; i < value.size(); ++i) {
-        const bool escape = value[i] == '%' && i + 2 < value.size();
-        out +=
-            escape ? static_cast<char>(std::stoi(value.substr(i + 1, 2), nullptr, 16)) : value[i];
+    for (std::size_t i = info.find("\nPath=") + 6; i < info.size() && info[i] != '\n'; ++i) {
+        const bool escape = info[i] == '%';
+        out += escape ? static_cast<char>(std::stoi(info.substr(i + 1, 2), nullptr, 16)) : info[i];
         i += escape ? 2 : 0;
     }
     return out;

@@ -96,18 +96,15 @@ bool waitForText(const std::string& path, const std::string& needle, pid_t pid) 
 
 CliOutcome runCli(const CliRun& run) {
     const RunningCli r = startCli(run);
-    if (r.terminal >= 0) {
-        if (!waitForText(r.errPath, run.prompt, r.pid)) {
-            ADD_FAILURE() << "twinsweep-cli never asked: " << run.prompt;
-            ::kill(r.pid, SIGKILL);
-        } else {
-            if (run.between) {
-                run.between(r.pid);
-            }
-            if (::write(r.terminal, run.answer.data(), run.answer.size()) < 0) {
-                ADD_FAILURE() << "cannot answer: " << std::strerror(errno);
-            }
+    if (r.terminal >= 0 && !waitForText(r.errPath, run.prompt, r.pid)) {
+        ADD_FAILURE() << "twinsweep-cli never asked: " << run.prompt;
+        ::kill(r.pid, SIGKILL);
+    } else if (r.terminal >= 0) {
+        if (run.between) {
+            run.between(r.pid);
         }
+        EXPECT_GE(::write(r.terminal, run.answer.data(), run.answer.size()), 0)
+            << std::strerror(errno);
     }
     return finishCli(r);
 }
