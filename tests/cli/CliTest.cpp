@@ -55,7 +55,6 @@ TEST(Cli, ReportsCarryEveryFieldAndTheExactPaths) {
     ASSERT_TRUE(parseCsv(r.out, rows)) << r.out;
     ASSERT_EQ(rows.size(), 9u);
     EXPECT_EQ(rows[0], (std::vector<std::string>{"group", "path", "size", "date", "category"}));
-    std::set<std::string> back;
     for (std::size_t k = 1; k < rows.size(); ++k) {
         const bool first = k <= 6;
         std::string path;
@@ -64,11 +63,9 @@ TEST(Cli, ReportsCarryEveryFieldAndTheExactPaths) {
                   (std::vector<std::string>{first ? "1" : "2", rows[k][1], first ? "6" : "5",
                                             rows[k][3], first ? "pictures" : "documents"}));
         EXPECT_EQ(rows[k][3].size(), 17u); // yy-MM-dd hh:mm:ss
-        if (first) {
-            back.insert(path);
-        }
+        paths.erase(path);
     }
-    EXPECT_EQ(back, paths);
+    EXPECT_TRUE(paths.empty()) << "not read back: " << *paths.begin();
 }
 
 TEST(Cli, FiltersLocationGateAndFolderArgumentsNarrowTheSearch) {
