@@ -1,5 +1,4 @@
 // Our freedesktop Trash and removal for good, through open folders.
-#include <cstdlib>
 #include <fcntl.h>
 #include <regex>
 #include <sys/stat.h>
@@ -98,20 +97,6 @@ TEST_F(TrashTest, EveryNameIsRecordedExactlyAndNothingInTheTrashIsOverwritten) {
     ASSERT_TRUE(act(tree.path("pkg.app")).ok);
     EXPECT_TRUE(
         std::regex_match(slurp(trash + "/directorysizes"), std::regex("8 \\d+ pkg\\.app\n")));
-
-    if (::system("command -v trash-list >/dev/null && command -v trash-restore >/dev/null") != 0) {
-        GTEST_SKIP() << "trash-cli is not installed: interop not checked";
-    }
-    const std::string env = "XDG_DATA_HOME='" + dataHome + "' ";
-    ASSERT_EQ(::system((env + "trash-list > '" + tree.path("list") + "'").c_str()), 0);
-    const std::string listed = slurp(tree.path("list"));
-    for (const char* p : {"docs/My Report.txt", "docs/100% sure", "docs/again", "other/again"}) {
-        EXPECT_NE(listed.find(" " + tree.path(p) + "\n"), std::string::npos) << listed;
-    }
-    const std::string restore = "cd '" + tree.path("docs") + "' && echo 0 | " + env +
-                                "trash-restore '" + tree.path("docs/100% sure") + "' >/dev/null";
-    EXPECT_EQ(::system(restore.c_str()), 0);
-    EXPECT_EQ(slurp(tree.path("docs/100% sure")), "bytes of 100% sure");
 }
 
 TEST_F(TrashTest, AnUnusableTrashFailsAtOnceAndLosesNothing) {
