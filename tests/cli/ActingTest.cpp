@@ -1,6 +1,7 @@
 // Runs the real twinsweep-cli with the options that mark and remove copies, and bad usage.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,12 +38,10 @@ struct Acting : ::testing::Test {
         return runCli(r);
     }
 
-    int filesLeft() {
-        int n = 0;
-        for (const char* f : kFiles) {
-            n += ::access(tree.path(std::string("files/") + f).c_str(), F_OK) == 0 ? 1 : 0;
-        }
-        return n;
+    long filesLeft() {
+        return std::count_if(std::begin(kFiles), std::end(kFiles), [&](const char* f) {
+            return ::access(tree.path(std::string("files/") + f).c_str(), F_OK) == 0;
+        });
     }
 };
 
