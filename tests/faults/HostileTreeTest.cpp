@@ -32,10 +32,9 @@ TEST(Faults, AHostileTreeIsWalkedOnceWithoutBlockingAndWhatCantBeReadIsReported)
     ::chmod(tree.path(home + "/u\nu").c_str(), 0);
     const Snapshot before = snapshot(tree.root());
 
-    // Every real file once: the hard link and the loops add nothing, the
-    // folder out of the roots is found under the link's path (the location
-    // gate looks at paths), the link to a file is not a file of its own. The
-    // unreadable file counts as empty and matches nothing.
+    // Every real file once: hard link and loops add nothing, the folder out of the roots
+    // is found under the link's path (the gate looks at paths), a link to a file is no
+    // file, and the unreadable file counts as empty.
     CliRun run{{"--location-root", tree.root(), tree.path("Users")}};
     run.unprivileged = true;
     const CliOutcome r = runCli(run);
