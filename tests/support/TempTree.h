@@ -17,21 +17,18 @@ class TempTree {
     TempTree& operator=(const TempTree&) = delete;
 
     const std::string& root() const { return root_; }
-    // Absolute path of rel inside the tree.
     std::string path(const std::string& rel) const;
-    // Makes the folder rel and its parents.
+    // These make the missing parent folders and return the absolute path.
     std::string mkdir(const std::string& rel) const;
-    // Writes a file (making parent folders) and returns its absolute path.
     std::string write(const std::string& rel, const std::string& contents) const;
-    // Writes a file of size bytes filled with fill.
     std::string writeSized(const std::string& rel, std::uint64_t size, char fill = 'x') const;
-    // Makes a sparse file of size bytes (nothing written).
-    std::string sparse(const std::string& rel, std::uint64_t size) const;
+    std::string sparse(const std::string& rel, std::uint64_t size) const; // nothing written
     std::string symlink(const std::string& target, const std::string& rel) const;
     // Lets every user read and walk the tree (for runUnprivileged).
     void openToEveryone() const;
 
   private:
+    std::string withParent(const std::string& rel) const;
     std::string root_;
 };
 
@@ -43,8 +40,7 @@ class StdoutCapture {
   public:
     StdoutCapture();
     ~StdoutCapture();
-    // Stops capturing and returns everything written.
-    std::string finish();
+    std::string finish(); // stops capturing; returns everything written
 
   private:
     int saved_ = -1;
@@ -57,10 +53,10 @@ std::vector<std::string> lines(const std::string& text);
 // The whole contents of a file (empty when it cannot be read).
 std::string slurp(const std::string& path);
 
-// Runs body in a child process with the rights of an ordinary user (nobody)
-// when the tests run as root, so that permission checks really apply; runs it
-// directly otherwise. The tree must be reachable by that user (see
-// TempTree::openToEveryone). Returns body's result, or -1 if the child failed.
+// Runs body in a child process as an ordinary user (nobody) when the tests
+// run as root, so that permission checks really apply; directly otherwise.
+// The tree must be reachable by that user (TempTree::openToEveryone).
+// Returns body's result, or -1 if the child failed.
 int runUnprivileged(const std::function<int()>& body);
 
 } // namespace twinsweep::testing
