@@ -129,6 +129,13 @@ TEST(Grouping, SortKeepsTheExactTieOrderOfTheSpecifiedScheme) {
     const auto order = engineOrder(descending);
     EXPECT_EQ(order.front(), 0);
     EXPECT_EQ(order.back(), 9999);
+    // A cancelled sort leaves the list alone.
+    FileTools cancelled;
+    load(cancelled, {1, 2, 3});
+    cancelled.settingsManager->searchCanceledByUser = true;
+    cancelled.quickSort(0, 2);
+    cancelled.settingsManager->searchCanceledByUser = false;
+    EXPECT_EQ(positions(cancelled), (std::vector<int>{0, 1, 2}));
 }
 
 TEST(Grouping, DigestIsBase64OfMd5AndUnreadableCountsAsEmpty) {
