@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <tuple>
+
 #include "Groups.h"
 #include "selection/KeepOptions.h"
 #include "support/TempTree.h"
@@ -21,30 +24,26 @@ struct KeepOptions : ::testing::Test {
 
 } // namespace
 
-TEST_F(KeepOptions, EachOptionMarksAsItSaysAndOverridesHandMarks) {
+TEST_F(KeepOptions, EachOptionMarksAsItSaysOverridesHandMarksAndSparesProtectedCopies) {
     group->duplicates[0]->checkState = 1; // a hand mark on the head
-    ASSERT_TRUE(applyKeepOption(*group, kKeepOldest, all));
-    EXPECT_EQ(group->keepOption, 1);
-    EXPECT_EQ(marks(*group), (Marks{1, 0, 1}));
-
-    ASSERT_TRUE(applyKeepOption(*group, kKeepNewest, all));
-    EXPECT_EQ(group->keepOption, 2);
-    EXPECT_EQ(marks(*group), (Marks{1, 1, 0}));
-    EXPECT_EQ(markedCount(*group), 2);
-
-    ASSERT_TRUE(applyKeepOption(*group, kRemoveAll, all));
-    EXPECT_EQ(marks(*group), (Marks{1, 1, 1}));
-    EXPECT_EQ(markedCount(*group), 3);
-
-    ASSERT_TRUE(applyKeepOption(*group, kKeepAll, all));
-    EXPECT_EQ(group->keepOption, 0);
-    EXPECT_EQ(marks(*group), (Marks{0, 0, 0}));
-    EXPECT_EQ(markedCount(*group), 0);
-
+    const std::tuple<int, Marks> cases[] = {{kKeepOldest, {1, 0, 1}},
+                                            {kKeepNewest, {1, 1, 0}},
+                                            {kRemoveAll, {1, 1, 1}},
+                                            {kKeepAll, {0, 0, 0}}};
+    for (const auto& [option, expected] : cases) {
+        ASSERT_TRUE(applyKeepOption(*group, option, all));
+        EXPECT_EQ(group->keepOption, option);
+        EXPECT_EQ(marks(*group), expected) << option;
+        EXPECT_EQ(markedCount(*group), std::count(expected.begin(), expected.end(), 1)) << option;
+    }
     // The custom option is not a plain keep option; out-of-range values are ignored.
     EXPECT_FALSE(applyKeepOption(*group, kKeepCustom, all));
     EXPECT_FALSE(applyKeepOption(*group, -1, all));
-    EXPECT_EQ(group->keepOption, 0);
+    EXPECT_EQ(group->keepOption, kKeepAll);
+
+    group->duplicates[1]->isProtected = true; // never marked by an option
+    applyKeepOption(*group, kRemoveAll, all);
+    EXPECT_EQ(marks(*group), (Marks{1, 0, 1}));
 }
 
 TEST_F(KeepOptions, TiesKeepTheFirstMemberOnTheTwelveHourClock) {
