@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <functional>
 #include <random>
 #include <unistd.h>
 
@@ -45,44 +46,30 @@ Entries entries(const std::vector<std::uint64_t>& sizes) {
     return v;
 }
 
-std::vector<int> positions(const Entries& v) {
-    std::vector<int> out;
-    for (const auto& e : v) {
-        out.push_back(e.second);
-    }
-    return out;
-}
-
-// The engine's records stand for the sizes, each named by its position.
-void load(FileTools& tools, const std::vector<std::uint64_t>& sizes) {
-    tools.settingsManager->searchCanceledByUser = false;
-    for (std::size_t k = 0; k < sizes.size(); ++k) {
-        auto f = std::make_shared<File>("/");
-        f->size = sizes[k];
-        f->path = std::to_string(k);
-        tools.fileList.push_back(f);
-    }
-}
-
-std::vector<int> positions(const FileTools& tools) {
-    std::vector<int> out;
-    for (const FilePtr& f : tools.fileList) {
-        out.push_back(std::stoi(f->path));
-    }
-    return out;
-}
-
-std::vector<int> engineOrder(const std::vector<std::uint64_t>& sizes) {
+// Runs step on engine records that stand for the entries, each named by its
+// position, and reads them back.
+Entries viaEngine(const Entries& in, const std::function<void(FileTools&)>& step) {
     FileTools tools;
-    load(tools, sizes);
-    tools.quickSort(0, static_cast<std::int64_t>(sizes.size()) - 1);
-    return positions(tools);
+    tools.settingsManager->searchCanceledByUser = false;
+    for (const auto& [size, at] : in) {
+        tools.fileList.push_back(std::make_shared<File>("/"));
+        tools.fileList.back()->size = size;
+        tools.fileList.back()->path = std::to_string(at);
+    }
+    step(tools);
+    Entries out;
+    for (const FilePtr& f : tools.fileList) {
+        out.emplace_back(f->size, std::stoi(f->path));
+    }
+    return out;
 }
 
-std::vector<int> referenceOrder(const std::vector<std::uint64_t>& sizes) {
-    Entries v = entries(sizes);
-    referenceSort(v, 0, static_cast<std::int64_t>(v.size()) - 1);
-    return positions(v);
+void expectSameSort(const std::vector<std::uint64_t>& sizes, const std::string& what) {
+    Entries expected = entries(sizes);
+    const auto high = static_cast<std::int64_t>(sizes.size()) - 1;
+    referenceSort(expected, 0, high);
+    ASSERT_EQ(viaEngine(entries(sizes), [&](FileTools& t) { t.quickSort(0, high); }), expected)
+        << what;
 }
 
 } // namespace
@@ -91,12 +78,13 @@ TEST(Grouping, SortKeepsTheExactTieOrderOfTheSpecifiedScheme) {
     // A single step leaves sizes equal to the pivot where they are.
     for (const std::vector<std::uint64_t>& sizes :
          {std::vector<std::uint64_t>{5, 9, 5, 9, 5}, {7, 5, 3, 5, 5, 6}, {2, 2, 2}}) {
-        FileTools tools;
-        load(tools, sizes);
-        Entries v = entries(sizes);
         const auto high = static_cast<std::int64_t>(sizes.size()) - 1;
-        EXPECT_EQ(tools.partition(0, high), referencePartition(v, 0, high)) << sizes.size();
-        EXPECT_EQ(positions(tools), positions(v)) << sizes.size();
+        Entries expected = entries(sizes);
+        const std::int64_t expectedAt = referencePartition(expected, 0, high);
+        std::int64_t at = -1;
+        EXPECT_EQ(viaEngine(entries(sizes), [&](FileTools& t) { at = t.partition(0, high); }),
+                  expected);
+        EXPECT_EQ(at, expectedAt);
     }
     std::mt19937 rng(42);
     for (int round = 0; round < 200; ++round) {
@@ -112,30 +100,29 @@ TEST(Grouping, SortKeepsTheExactTieOrderOfTheSpecifiedScheme) {
         } else if (round % 10 == 7) {
             std::sort(sizes.begin(), sizes.begin() + static_cast<std::ptrdiff_t>(sizes.size() / 2));
         }
-        ASSERT_EQ(engineOrder(sizes), referenceOrder(sizes)) << "round " << round;
+        expectSameSort(sizes, "round " + std::to_string(round));
     }
-    // An ascending list makes every step of the plain scheme scan the whole rest.
-    std::vector<std::uint64_t> ascending(20000);
+    // An ascending list makes every step of the plain scheme scan the whole
+    // rest; a descending one nests the scheme as deep as it is long, which
+    // must not exhaust the stack.
+    std::vector<std::uint64_t> ascending(20000), descending(10000);
     for (std::size_t k = 0; k < ascending.size(); ++k) {
         ascending[k] = k / 3;
     }
-    EXPECT_EQ(engineOrder(ascending), referenceOrder(ascending));
-    // A descending list nests the scheme as deep as it is long; it must not
-    // exhaust the stack.
-    std::vector<std::uint64_t> descending(10000);
     for (std::size_t k = 0; k < descending.size(); ++k) {
         descending[k] = descending.size() - k;
     }
-    const auto order = engineOrder(descending);
-    EXPECT_EQ(order.front(), 0);
-    EXPECT_EQ(order.back(), 9999);
+    expectSameSort(ascending, "ascending");
+    expectSameSort(descending, "descending");
     // A cancelled sort leaves the list alone.
-    FileTools cancelled;
-    load(cancelled, {1, 2, 3});
-    cancelled.settingsManager->searchCanceledByUser = true;
-    cancelled.quickSort(0, 2);
-    cancelled.settingsManager->searchCanceledByUser = false;
-    EXPECT_EQ(positions(cancelled), (std::vector<int>{0, 1, 2}));
+    const Entries few = entries({1, 2, 3});
+    EXPECT_EQ(viaEngine(few,
+                        [](FileTools& t) {
+                            t.settingsManager->searchCanceledByUser = true;
+                            t.quickSort(0, 2);
+                            t.settingsManager->searchCanceledByUser = false;
+                        }),
+              few);
 }
 
 TEST(Grouping, DigestIsBase64OfMd5AndUnreadableCountsAsEmpty) {
