@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <map>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,13 +16,9 @@ using namespace twinsweep;
 using namespace twinsweep::testing;
 using Alerts = std::vector<CleaningAlert>;
 using Texts = std::vector<std::string>;
+using Snapshot = std::map<std::string, std::string>;
 
 namespace {
-
-bool exists(const std::string& path) {
-    struct stat st {};
-    return ::lstat(path.c_str(), &st) == 0;
-}
 
 // Answers each alert from a script (then "Yes") and remembers what was asked.
 struct ScriptedPrompt : CleaningPrompt {
@@ -70,6 +67,18 @@ struct Cleaning : ::testing::Test {
     }
     CleaningReport run(const FileList& listed) { return clean(listed, s, prompt, remover); }
     std::string path(const FilePtr& group, int member) { return group->duplicates[member]->path; }
+    // The tree less the test's trash folder, and the same less the members gone.
+    Snapshot files() const {
+        Snapshot all = tree.snapshot();
+        std::erase_if(all, [](const auto& e) { return e.first.starts_with("trash"); });
+        return all;
+    }
+    Snapshot less(Snapshot files, const Texts& gone) const {
+        for (const std::string& p : gone) {
+            EXPECT_EQ(files.erase(p.substr(tree.root().size() + 1)), 1u) << p;
+        }
+        return files;
+    }
 };
 
 } // namespace
@@ -86,6 +95,7 @@ TEST_F(Cleaning, NothingMarkedAmongTheListedGroups) {
 }
 
 TEST_F(Cleaning, QuestionsComeInOrderAndNoChangesNothing) {
+    const Snapshot before = files();
     applyKeepOption(*two, kRemoveAll, s.duplicateFileList);
     prompt.answers = {false};
     EXPECT_EQ(run({three, two}).outcome, CleaningOutcome::Declined);
@@ -98,7 +108,7 @@ TEST_F(Cleaning, QuestionsComeInOrderAndNoChangesNothing) {
     EXPECT_EQ(run({three, two}).outcome, CleaningOutcome::Declined);
     EXPECT_EQ(prompt.asked, (Alerts{CleaningAlert::WholeGroups, CleaningAlert::PermanentDeletion}));
     EXPECT_TRUE(remover.calls.empty());
-    EXPECT_TRUE(exists(path(two, 0)));
+    EXPECT_EQ(files(), before);
     EXPECT_EQ(two->duplicates.size(), 2u);
 
     // Only permanent deletion asks when no whole group is marked.
@@ -110,23 +120,23 @@ TEST_F(Cleaning, QuestionsComeInOrderAndNoChangesNothing) {
     EXPECT_EQ(remover.calls, (Texts{"delete " + gone}));
     EXPECT_EQ(r.removed, 1);
     EXPECT_EQ(r.bytesFreed, 2u);
-    EXPECT_FALSE(exists(gone));
+    EXPECT_EQ(files(), less(before, {gone}));
 }
 
 TEST_F(Cleaning, RemovesMarkedMembersAndPrunesGroups) {
     three->duplicates[2]->checkState = 1;
     two->duplicates[0]->checkState = 1;
     two->duplicates[1]->checkState = 1;
-    const Texts before{path(three, 0), path(three, 1), path(three, 2), path(two, 0), path(two, 1)};
+    const Snapshot before = files();
+    const Texts gone{path(three, 2), path(two, 0), path(two, 1)};
 
     const CleaningReport r = run(s.duplicateFileList);
     EXPECT_EQ(prompt.asked, (Alerts{CleaningAlert::WholeGroups})); // Trash: one question
     EXPECT_EQ(r.outcome, CleaningOutcome::Cleaned);
     EXPECT_EQ(r.removed, 3);
     EXPECT_EQ(r.bytesFreed, 3u + 2u + 2u);
-    for (std::size_t k = 0; k < before.size(); ++k) {
-        EXPECT_EQ(exists(before[k]), k < 2) << before[k];
-    }
+    EXPECT_EQ(files(), less(before, gone));
+    EXPECT_EQ(tree.snapshot().count("trash/3"), 1u);
     // The group of three keeps its two unmarked members; the other leaves.
     EXPECT_EQ(three->duplicates.size(), 2u);
     EXPECT_EQ(markedCount(*three), 0);
@@ -134,10 +144,11 @@ TEST_F(Cleaning, RemovesMarkedMembersAndPrunesGroups) {
 
     // Cleaning the last group leaves nothing listed.
     applyKeepOption(*three, kKeepNewest, s.duplicateFileList);
+    const std::string last = path(three, 1);
     run(s.duplicateFileList);
     EXPECT_TRUE(s.duplicateFileList.empty());
     EXPECT_EQ(three->duplicates.size(), 1u);
-    EXPECT_TRUE(exists(path(three, 0)));
+    EXPECT_EQ(files(), less(less(before, gone), {last}));
 }
 
 TEST_F(Cleaning, VanishedChangedAndProtectedCopiesAreReportedAndNotRemoved) {
@@ -156,6 +167,7 @@ TEST_F(Cleaning, VanishedChangedAndProtectedCopiesAreReportedAndNotRemoved) {
     guarded->duplicates[0]->checkState = 1;
     s.protectedFolders = {tree.path("p")};
     s.duplicateFileList.push_back(guarded);
+    const Snapshot before = files();
 
     StdoutCapture out;
     const CleaningReport r = run(s.duplicateFileList);
@@ -165,9 +177,7 @@ TEST_F(Cleaning, VanishedChangedAndProtectedCopiesAreReportedAndNotRemoved) {
                               "Error:  " + guard + ": in a protected folder, not removed"}));
     EXPECT_EQ(r.failed, 3);
     EXPECT_EQ(r.removed, 1);
-    EXPECT_TRUE(exists(changed));
-    EXPECT_TRUE(exists(path(three, 0)));
-    EXPECT_TRUE(exists(guard));
+    EXPECT_EQ(files(), less(before, {fine}));
     EXPECT_EQ(remover.calls, (Texts{"trash " + fine}));
     // Attempted members leave their groups all the same.
     EXPECT_TRUE(s.duplicateFileList.empty());
@@ -180,19 +190,19 @@ TEST_F(Cleaning, OnlyAnUnmarkedCopyAsTheSearchSawItVouchesForARemoval) {
     three->duplicates[1]->checkState = 1;
     three->duplicates[2]->checkState = 1;
     const std::string kept = path(three, 0);
-    const Texts marked{path(three, 1), path(three, 2)};
     ASSERT_EQ(::rename(tree.write("elsewhere", "abc").c_str(), kept.c_str()), 0);
     // A member the search never saw is not removed either.
     two->duplicates[1]->checkState = 1;
     two->duplicates[1]->seen = {};
     const std::string unseen = path(two, 1);
+    const Snapshot before = files();
 
     StdoutCapture out;
     const CleaningReport r = run(s.duplicateFileList);
     const std::string printed = out.finish();
     EXPECT_EQ(r.failed, 3);
     EXPECT_TRUE(remover.calls.empty());
-    EXPECT_TRUE(exists(marked[0]) && exists(marked[1]) && exists(unseen));
+    EXPECT_EQ(files(), before);
     EXPECT_EQ(lines(printed).size(), 3u) << printed;
     EXPECT_NE(printed.find(kept + ": replaced by another file since the search"), std::string::npos)
         << printed;
@@ -207,12 +217,13 @@ TEST_F(Cleaning, AFailingRemovalIsReportedAndCleaningGoesOn) {
     two->duplicates[1]->checkState = 1;
     s.duplicateFileList.push_back(group);
     s.moveToTrash = false;
+    const Snapshot before = files();
 
     StdoutCapture out;
     const CleaningReport r = run({group, two});
     EXPECT_EQ(lines(out.finish()), (Texts{"Error:  " + std::string(std::strerror(EISDIR))}));
     EXPECT_EQ(r.failed, 1);
     EXPECT_EQ(r.removed, 1);
-    EXPECT_TRUE(exists(folder));
+    EXPECT_EQ(files(), less(before, {tree.path("b/2.txt")}));
     EXPECT_EQ(s.duplicateFileList, (FileList{three}));
 }

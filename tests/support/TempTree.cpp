@@ -80,6 +80,17 @@ void TempTree::openToEveryone() const {
     }
 }
 
+std::map<std::string, std::string> TempTree::snapshot() const {
+    std::map<std::string, std::string> out;
+    for (const auto& e : fs::recursive_directory_iterator(root_)) {
+        out[e.path().string().substr(root_.size() + 1)] =
+            e.is_symlink()     ? "-> " + fs::read_symlink(e.path()).string()
+            : e.is_directory() ? "/"
+                               : slurp(e.path().string());
+    }
+    return out;
+}
+
 int runUnprivileged(const std::function<int()>& body) {
     if (::geteuid() != 0) {
         return body();

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,8 @@ class TempTree {
     std::string symlink(const std::string& target, const std::string& rel) const;
     // Lets every user read and walk the tree (for runUnprivileged).
     void openToEveryone() const;
+    // Every entry by relative path: a file's bytes, "/" for a folder, "-> target" for a link.
+    std::map<std::string, std::string> snapshot() const;
 
   private:
     std::string withParent(const std::string& rel) const;
