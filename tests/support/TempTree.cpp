@@ -25,14 +25,6 @@ TempTree::TempTree(const std::string& base) {
     root_ = fs::canonical(tmpl).string();
 }
 
-TempTree::~TempTree() {
-    removeTree(root_);
-}
-
-std::string TempTree::path(const std::string& rel) const {
-    return root_ + "/" + rel;
-}
-
 std::string TempTree::mkdir(const std::string& rel) const {
     fs::create_directories(path(rel));
     return path(rel);
@@ -49,10 +41,6 @@ std::string TempTree::write(const std::string& rel, const std::string& contents)
     std::ofstream out(p, std::ios::binary | std::ios::trunc);
     out << contents;
     return p;
-}
-
-std::string TempTree::writeSized(const std::string& rel, std::uint64_t size, char fill) const {
-    return write(rel, std::string(size, fill));
 }
 
 std::string TempTree::sparse(const std::string& rel, std::uint64_t size) const {

@@ -8,21 +8,26 @@
 
 namespace twinsweep::testing {
 
+// Removes a whole tree, making folders writable first.
+void removeTree(const std::string& path);
+
 // A temporary folder, removed with everything in it when the object goes.
 class TempTree {
   public:
     // In the system's temporary folder, or under base when given.
     explicit TempTree(const std::string& base = {});
-    ~TempTree();
+    ~TempTree() { removeTree(root_); }
     TempTree(const TempTree&) = delete;
     TempTree& operator=(const TempTree&) = delete;
 
     const std::string& root() const { return root_; }
-    std::string path(const std::string& rel) const;
+    std::string path(const std::string& rel) const { return root_ + "/" + rel; }
     // These make the missing parent folders and return the absolute path.
     std::string mkdir(const std::string& rel) const;
     std::string write(const std::string& rel, const std::string& contents) const;
-    std::string writeSized(const std::string& rel, std::uint64_t size, char fill = 'x') const;
+    std::string writeSized(const std::string& rel, std::uint64_t size, char fill = 'x') const {
+        return write(rel, std::string(size, fill));
+    }
     std::string sparse(const std::string& rel, std::uint64_t size) const; // nothing written
     std::string symlink(const std::string& target, const std::string& rel) const;
     // Lets every user read and walk the tree (for runUnprivileged).
@@ -34,9 +39,6 @@ class TempTree {
     std::string withParent(const std::string& rel) const;
     std::string root_;
 };
-
-// Removes a whole tree, making folders writable first.
-void removeTree(const std::string& path);
 
 // Captures what the code under test writes to standard output.
 class StdoutCapture {
