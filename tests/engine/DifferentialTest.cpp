@@ -73,14 +73,9 @@ void applyStep(const Step& step, const FileList& seen) {
         return;
     }
     switch (step.change) {
-    case Change::Grow: {
-        const int fd = ::open(victim.c_str(), O_WRONLY | O_APPEND);
-        if (fd >= 0) {
-            (void)!::write(fd, "+grown", 6);
-            ::close(fd);
-        }
+    case Change::Grow:
+        (void)!::truncate(victim.c_str(), st.st_size + 6);
         break;
-    }
     case Change::Shrink:
         (void)!::truncate(victim.c_str(), st.st_size / 2);
         break;
