@@ -161,10 +161,13 @@ TEST_F(Cleaning, VanishedChangedAndProtectedCopiesAreReportedAndNotRemoved) {
     // The same bytes, touched after the search: changed all the same.
     const timespec later[2] = {{0, UTIME_OMIT}, {1234567890, 0}};
     ASSERT_EQ(::utimensat(AT_FDCWD, changed.c_str(), later, 0), 0);
-    // A copy inside a protected folder is never removed, marked or not.
-    const std::string guard = tree.write("p/3", "q");
-    FilePtr guarded = makeGroup({{guard, ""}, {tree.write("q/3", "q"), ""}});
+    // A copy inside a protected folder is never removed, marked or not; nor
+    // one that the search never saw.
+    const std::string guard = tree.write("p/3", "q"), unseen = tree.write("r/3", "q");
+    FilePtr guarded = makeGroup({{guard, ""}, {tree.write("q/3", "q"), ""}, {unseen, ""}});
     guarded->duplicates[0]->checkState = 1;
+    guarded->duplicates[2]->checkState = 1;
+    guarded->duplicates[2]->seen = {};
     s.protectedFolders = {tree.path("p")};
     s.duplicateFileList.push_back(guarded);
     const Snapshot before = files();
@@ -174,8 +177,9 @@ TEST_F(Cleaning, VanishedChangedAndProtectedCopiesAreReportedAndNotRemoved) {
     const auto printed = lines(out.finish());
     EXPECT_EQ(printed, (Texts{"Error:  " + vanished + ": No such file or directory",
                               "Error:  " + changed + ": changed since the search, not removed",
-                              "Error:  " + guard + ": in a protected folder, not removed"}));
-    EXPECT_EQ(r.failed, 3);
+                              "Error:  " + guard + ": in a protected folder, not removed",
+                              "Error:  " + unseen + ": not seen by the search, not removed"}));
+    EXPECT_EQ(r.failed, 4);
     EXPECT_EQ(r.removed, 1);
     EXPECT_EQ(files(), less(before, {fine}));
     EXPECT_EQ(remover.calls, (Texts{"trash " + fine}));
@@ -184,17 +188,21 @@ TEST_F(Cleaning, VanishedChangedAndProtectedCopiesAreReportedAndNotRemoved) {
     EXPECT_EQ(three->duplicates.size(), 1u);
 }
 
-TEST_F(Cleaning, OnlyAnUnmarkedCopyAsTheSearchSawItVouchesForARemoval) {
+TEST_F(Cleaning, OnlyAnUnmarkedCopyAsTheSearchSawItAndWithTheSameBytesVouches) {
     // The kept copy was replaced under its name (same bytes, another file);
     // the marked copies must not vouch for each other.
     three->duplicates[1]->checkState = 1;
     three->duplicates[2]->checkState = 1;
     const std::string kept = path(three, 0);
     ASSERT_EQ(::rename(tree.write("elsewhere", "abc").c_str(), kept.c_str()), 0);
-    // A member the search never saw is not removed either.
+    // The other kept copy got other bytes of the same length, its time put back.
     two->duplicates[1]->checkState = 1;
-    two->duplicates[1]->seen = {};
-    const std::string unseen = path(two, 1);
+    struct stat st {};
+    ASSERT_EQ(::stat(path(two, 0).c_str(), &st), 0);
+    tree.write("a/2.txt", "zy");
+    const timespec times[2] = {st.st_atim, st.st_mtim};
+    ASSERT_EQ(::utimensat(AT_FDCWD, path(two, 0).c_str(), times, 0), 0);
+    const std::string marked = path(two, 1);
     const Snapshot before = files();
 
     StdoutCapture out;
@@ -206,7 +214,9 @@ TEST_F(Cleaning, OnlyAnUnmarkedCopyAsTheSearchSawItVouchesForARemoval) {
     EXPECT_EQ(lines(printed).size(), 3u) << printed;
     EXPECT_NE(printed.find(kept + ": replaced by another file since the search"), std::string::npos)
         << printed;
-    EXPECT_NE(printed.find(unseen + ": not seen by the search"), std::string::npos) << printed;
+    EXPECT_NE(printed.find(marked + ": not byte for byte the same as " + tree.path("a/2.txt")),
+              std::string::npos)
+        << printed;
 }
 
 TEST_F(Cleaning, AFailingRemovalIsReportedAndCleaningGoesOn) {
