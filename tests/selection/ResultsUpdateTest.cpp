@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <future>
-
 #include "Groups.h"
 #include "selection/CustomMarking.h"
 #include "selection/KeepOptions.h"
@@ -106,29 +104,4 @@ TEST_F(ResultsUpdate, CustomOptionOnlyAfterOK) {
         EXPECT_EQ(g->keepOption, kKeepCustom);
         EXPECT_EQ(marks(*g), (Marks{0, 1}));
     }
-}
-
-TEST_F(ResultsUpdate, RunsOnAnotherThreadWhileTheWindowKeepsReadingItsList) {
-    // Many groups so that the job is still running while the list is read.
-    for (int i = 0; i < 300; ++i) {
-        s.duplicateFileList.push_back(group(std::to_string(i) + ".txt"));
-    }
-    const FileList shown{pic1, song};
-    ResultsRequest r;
-    r.firstUpdate = true;
-    r.listed = shown;
-    r.segment = kKeepNewest;
-    r.applyForAll = true;
-    auto job = std::async(std::launch::async, [&] { return computeResults(r, s); });
-    std::uint64_t seen = 0;
-    while (job.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
-        for (const FilePtr& g : shown) {
-            seen += g->path.size() + g->size;
-        }
-    }
-    const ComputedResults out = job.get();
-    EXPECT_EQ(out.listed.size(), 303u);
-    EXPECT_EQ(r.listed, shown); // the window's list was never replaced under it
-    EXPECT_EQ(out.spaceSaved.bytes, 303u * 5u);
-    EXPECT_GT(seen + 1, 0u);
 }

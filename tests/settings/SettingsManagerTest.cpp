@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
-#include <thread>
 #include <vector>
 
 #include "settings/SettingsManager.h"
@@ -22,14 +21,4 @@ TEST(SettingsManager, DayTextsParseStrictlyToLocalMidnight) {
         EXPECT_FALSE(parseDayText(bad, d)) << bad;
         EXPECT_EQ(d, 42) << bad;
     }
-}
-
-TEST(SettingsManager, CancelFlagIsSeenAcrossThreadsAndSurvivesACopy) {
-    SettingsManager s;
-    std::thread([&s] { s.searchCanceledByUser = true; }).join();
-    EXPECT_TRUE(s.searchCanceledByUser);
-    SettingsManager copy = s;
-    EXPECT_TRUE(copy.searchCanceledByUser);
-    copy = SettingsManager();
-    EXPECT_FALSE(copy.searchCanceledByUser);
 }
