@@ -17,8 +17,9 @@ namespace {
 // Sizes with their original positions.
 using Entries = std::vector<std::pair<std::uint64_t, int>>;
 
-// The scheme written exactly as described, recursion and all, to check the
-// engine's version against: Lomuto, pivot the last entry, largest first.
+// The plain recursive scheme, to check the engine's faster version against:
+// Lomuto, pivot the last entry, largest first. The tie order it leaves
+// decides which copy heads a group.
 std::int64_t referencePartition(Entries& v, std::int64_t low, std::int64_t high) {
     std::int64_t i = low;
     for (std::int64_t j = low; j < high; ++j) {
@@ -74,7 +75,7 @@ void expectSameSort(const std::vector<std::uint64_t>& sizes, const std::string& 
 
 } // namespace
 
-TEST(Grouping, SortKeepsTheExactTieOrderOfTheSpecifiedScheme) {
+TEST(Grouping, SortKeepsTheTieOrderOfThePlainLomutoScheme) {
     // A single step leaves sizes equal to the pivot where they are.
     for (const std::vector<std::uint64_t>& sizes :
          {std::vector<std::uint64_t>{5, 9, 5, 9, 5}, {7, 5, 3, 5, 5, 6}, {2, 2, 2}}) {
