@@ -179,6 +179,32 @@ TEST_F(Walker, CancellingFromAnotherThreadStopsEveryLevelAndKeepsWhatWasFound) {
     EXPECT_EQ(tools->packageSize(tree.path("Users/b")), 0u);
 }
 
+TEST_F(Walker, EntriesGoneAfterTheListingAreReported) {
+    tree.write("Users/b/a.txt", "a");
+    tree.write("Users/b/gone.txt", "g");
+    tree.write("Users/b/sub/x.txt", "x");
+    tree.write("Users/b/z.txt", "z");
+    engine().walkThreads = 0; // the listing is taken exactly when the walk enters a folder
+    int posts = 0;
+    ScopedObserver watch(kUpdateProgress, [&](const std::string&, const UserInfo&) {
+        if (++posts == 2) { // Users/b is listed, none of its entries examined yet
+            ::unlink(tree.path("Users/b/gone.txt").c_str());
+            ::unlink(tree.path("Users/b/sub/x.txt").c_str());
+            ::rmdir(tree.path("Users/b/sub").c_str());
+        }
+    });
+    StdoutCapture out;
+    tools->scanFolders({tree.path("Users")}, true, {}, 0, UINT64_MAX);
+    EXPECT_EQ(lines(out.finish()),
+              (Paths{"Error: " + tree.path("Users/b/gone.txt") + ": No such file or directory",
+                     "Ooops! Something went wrong: " + tree.path("Users/b/sub") +
+                         ": No such file or directory"}));
+    // The file that could not be read is a record of size 0, for the size range to judge.
+    EXPECT_EQ(found(), (Paths{"Users/b/a.txt", "Users/b/gone.txt", "Users/b/z.txt"}));
+    EXPECT_EQ(tools->fileList[1]->size, 0u);
+    EXPECT_FALSE(tools->fileList[1]->seen.known);
+}
+
 TEST_F(Walker, ListingAheadOnThreadsChangesNothingTheWalkShows) {
     // Many folders (more than the threads' budget of entries), links, hidden
     // names, packages and a folder reached twice.
