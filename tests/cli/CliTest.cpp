@@ -13,7 +13,7 @@ using namespace twinsweep::testing;
 TEST(Cli, ReportsCarryEveryFieldAndTheExactPaths) {
     TempTree tree;
     std::set<std::string> paths;
-    for (const char* name : {"p.JPG", "a,b.jpg", "q\"uote.jpg", "line\nbreak.jpg", "bad\xff.jpg",
+    for (const char* name : {"-p.JPG", "a,b.jpg", "q\"uote.jpg", "line\nbreak.jpg", "bad\xff.jpg",
                              "back\\slash \\udcff.jpg"}) {
         paths.insert(tree.write(name, "pixels"));
     }
