@@ -15,12 +15,9 @@ using namespace twinsweep::testing;
 
 namespace {
 
-const char* const kQuestion = "permanently remove the selected duplicate files. Continue? [y/N]";
-
-// The copies a run with these options marks, from a dry run.
-std::vector<std::string> marked(std::vector<std::string> args) {
-    args.insert(args.begin(), "--any-location");
-    const CliOutcome dry = runCli(args);
+// The copies keep oldest marks under root, from a dry run.
+std::vector<std::string> marked(const std::string& root) {
+    const CliOutcome dry = runCli({"--any-location", "--keep", "oldest", root});
     EXPECT_EQ(dry.status, 0) << dry.err;
     return listed(dry.out, "would remove: ");
 }
@@ -32,7 +29,7 @@ std::string parentOf(const std::string& path) {
 // Deletes for good, answering on a terminal; whenHeld runs while the first read in folder is held.
 CliOutcome heldWhileComparing(CliRun run, const std::string& folder,
                               const std::function<void(pid_t)>& whenHeld) {
-    run.prompt = kQuestion;
+    run.prompt = kDeleteQuestion;
     std::unique_ptr<AccessWatch> watch;
     std::thread helper;
     run.between = [&](pid_t pid) {
@@ -57,11 +54,11 @@ TEST(Removal, FilesChangedWhileTheToolAsksAreNotRemoved) {
     tree.write("g0", "second group");
     tree.write("g1", "second group");
     // Five from the group of six, then the pair's copy.
-    const std::vector<std::string> m = marked({"--keep", "oldest", tree.root()});
+    const std::vector<std::string> m = marked(tree.root());
     ASSERT_EQ(m.size(), 6u);
     const std::string pairKept = tree.path(rel(tree.root(), m[5]) == "g0" ? "g1" : "g0");
     Snapshot before;
-    CliRun run{{"--any-location", "--keep", "oldest", "--delete", tree.root()}, kQuestion};
+    CliRun run{{"--any-location", "--keep", "oldest", "--delete", tree.root()}, kDeleteQuestion};
     run.between = [&](pid_t) {
         ::unlink(m[0].c_str());
         rewriteInPlace(m[1], "CONTENTS OF THE GROUP");
@@ -119,7 +116,7 @@ TEST(Removal, ACopyIsRemovedOnlyThroughTheFolderTheSearchWalked) {
     tree.sparse("tree/keep/x", kLargeFileThreshold);
     tree.sparse("tree/user/sub/x", kLargeFileThreshold);
     tree.write("outside/x", "not a copy: root must never touch it"); // in every before
-    const std::vector<std::string> m = marked({"--keep", "oldest", tree.path("tree")});
+    const std::vector<std::string> m = marked(tree.path("tree"));
     ASSERT_EQ(m.size(), 1u);
     const std::string kept =
         m[0] == tree.path("tree/keep/x") ? tree.path("tree/user/sub/x") : tree.path("tree/keep/x");
@@ -139,7 +136,7 @@ TEST(Removal, ACopyIsRemovedOnlyThroughTheFolderTheSearchWalked) {
         CliRun run{{"--any-location", "--keep", "oldest", "--delete", tree.path("tree")}};
         if (!midway) {
             run.between = swap;
-            run.prompt = kQuestion;
+            run.prompt = kDeleteQuestion;
         }
         const CliOutcome r = !midway ? runCli(run) : heldWhileComparing(run, parentOf(kept), swap);
         const Snapshot after = snapshot(tree.root());
@@ -168,7 +165,7 @@ TEST(Removal, TwoCleaningsAtOnceNeverTakeTheLastCopy) {
     const Snapshot before = snapshot(tree.root());
     const auto cleaning = [&](const char* keep, const std::string& lockDir, bool yes) {
         CliRun run{{"--any-location", "--keep", keep, "--delete", tree.root()},
-                   yes ? "" : kQuestion};
+                   yes ? "" : kDeleteQuestion};
         run.env = {"XDG_RUNTIME_DIR=" + lockDir};
         if (yes) {
             run.args.push_back("--yes");
@@ -207,7 +204,7 @@ TEST(Removal, TwoCleaningsAtOnceNeverTakeTheLastCopy) {
     }
     // Two users (two locks): while one run is held comparing, the other runs to the end.
     const CliRun slow = cleaning("oldest", tree.mkdir("r1"), false);
-    const std::vector<std::string> m = marked({"--keep", "oldest", tree.root()});
+    const std::vector<std::string> m = marked(tree.root());
     ASSERT_EQ(m.size(), 1u);
     const std::string kept = tree.path(m[0] == tree.path("a/x") ? "b/x" : "a/x");
     CliOutcome fast;

@@ -11,6 +11,9 @@
 // Runs the real twinsweep-cli (TWINSWEEP_CLI_PATH) and reads what it wrote.
 namespace twinsweep::testing {
 
+inline const std::string kDeleteQuestion =
+    "permanently remove the selected duplicate files. Continue? [y/N]";
+
 struct CliOutcome {
     int status = -1; // exit code, or 128 + signal
     std::string out;
