@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include "Groups.h"
 #include "selection/CustomRuleMatch.h"
 #include "support/TempTree.h"
 
@@ -12,12 +13,6 @@ using namespace twinsweep;
 using namespace twinsweep::testing;
 
 namespace {
-
-DateTime day(const char* text) {
-    DateTime t = 0;
-    EXPECT_TRUE(parseDayText(text, t)) << text;
-    return t;
-}
 
 void setModified(const std::string& path, DateTime when) {
     const timespec times[2] = {{static_cast<time_t>(when), 0}, {static_cast<time_t>(when), 0}};
