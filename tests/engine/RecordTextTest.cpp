@@ -27,11 +27,4 @@ TEST(RecordText, TextsOfAnyLengthSurviveCopiesMovesAndAssignments) {
         assigned = assigned.view().substr(0, text.size() / 2); // a view of itself
         EXPECT_EQ(assigned, text.substr(0, text.size() / 2));
     }
-    File a("/x/a");
-    EXPECT_TRUE(a.MD5Hash.empty());
-    a.MD5Hash = std::string("1B2M2Y8AsgTpgAmY7PhCfg==");
-    const DigestText copy = a.MD5Hash;
-    a.MD5Hash = std::string();
-    EXPECT_TRUE(a.MD5Hash.empty());
-    EXPECT_EQ(copy, "1B2M2Y8AsgTpgAmY7PhCfg==");
 }
