@@ -12,7 +12,8 @@ using Marks = std::vector<std::int64_t>;
 
 namespace {
 
-// Rules that mark what lies under the "remove" folder.
+// Rules that mark what lies under the "remove" folder; ResultsUpdate checks
+// that nothing is marked unless the rules window said OK.
 struct CustomMarking : ::testing::Test {
     TempTree tree;
     SettingsManager s;
@@ -34,19 +35,6 @@ struct CustomMarking : ::testing::Test {
 };
 
 } // namespace
-
-TEST_F(CustomMarking, NothingChangesUnlessTheRulesWindowSaidOK) {
-    s.customSettingsOption = "Cancel";
-    EXPECT_FALSE(applyCustomRules(*mixed, s));
-    EXPECT_FALSE(applyCustomRulesToAll({mixed, allIn}, s));
-    s.customSettingsOption = "ok";
-    EXPECT_FALSE(applyCustomRules(*mixed, s));
-    for (const auto& g : s.duplicateFileList) {
-        EXPECT_EQ(g->keepOption, 0);
-        EXPECT_EQ(g->customSettings.str(), defaultRuleText());
-        EXPECT_EQ(markedCount(*g), 0);
-    }
-}
 
 TEST_F(CustomMarking, OneGroupSparesNothingAndStoresTheRules) {
     ASSERT_TRUE(applyCustomRules(*mixed, s));

@@ -2,6 +2,7 @@
 
 #include "Groups.h"
 #include "selection/CustomMarking.h"
+#include "selection/CustomSettingsText.h"
 #include "selection/KeepOptions.h"
 #include "selection/ResultsUpdate.h"
 #include "support/TempTree.h"
@@ -55,8 +56,8 @@ TEST_F(ResultsUpdate, CategoryChangeRebuildsTheListButNeverMarks) {
     r.categoryShown[1] = false; // hide music
     ComputedResults out = computeResults(r, s);
     EXPECT_EQ(out.listed, (FileList{pic1, pic2}));
-    EXPECT_EQ(out.figures.texts[0], "shown"); // passed on unchanged
-    EXPECT_EQ(out.spaceSaved.bytes, 0u);      // music's marks are hidden
+    EXPECT_EQ(out.figures.texts[0], "shown");                            // passed on unchanged
+    EXPECT_EQ(out.spaceSaved, (SpaceSaved{0, "0 B", kPlainTextColour})); // music's are hidden
     EXPECT_EQ(marks(*pic1), (Marks{0, 0}));
     EXPECT_EQ(marks(*song), (Marks{1, 0}));
     r.categoryShown[1] = true; // showing it again brings its marks back
@@ -93,11 +94,16 @@ TEST_F(ResultsUpdate, CustomOptionOnlyAfterOK) {
     ResultsRequest r;
     r.listed = s.duplicateFileList;
     r.segment = kKeepCustom;
-    r.applyForAll = true;
-    computeResults(r, s); // the rules window was cancelled
-    EXPECT_EQ(pic1->keepOption, 0);
-    EXPECT_EQ(markedCount(*pic1), 0);
-
+    for (const char* answer : {"Cancel", "ok"}) { // the rules window said no
+        s.customSettingsOption = answer;
+        for (bool all : {false, true}) {
+            r.applyForAll = all;
+            computeResults(r, s);
+            EXPECT_EQ(pic1->keepOption, 0);
+            EXPECT_EQ(markedCount(*pic1), 0);
+            EXPECT_EQ(pic1->customSettings.str(), defaultRuleText());
+        }
+    }
     s.customSettingsOption = "OK";
     EXPECT_EQ(computeResults(r, s).spaceSaved.bytes, 15u);
     for (const FilePtr& g : s.duplicateFileList) {
