@@ -108,7 +108,10 @@ TEST(CustomSettingsText, MalformedTextChangesNothing) {
         withLine(2, "+"),
         withLine(2, "0x1"),
         withLine(10, "9223372036854775808"),
-        withLine(3, "31/02/2017"),
+        withLine(3, "31/02/2017"), // dates are read strictly: a real day, two-digit parts
+        withLine(3, "29/02/2019"),
+        withLine(3, "1/1/2017"),
+        withLine(3, "00/01/2017"),
         withLine(7, "01-01-2017"),
         withLine(22, "4"),  // announces more extensions than there are lines
         withLine(22, "-1"), // a negative count

