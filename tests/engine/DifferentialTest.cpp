@@ -1,7 +1,5 @@
-// The default comparison reads ahead on worker threads and reads as little as
-// it can; the plain loop (no digest threads) digests every file it meets.
-// On random trees whose files change while the walk runs, both must give the
-// same heads, copies and order, and the same messages, with any number of threads.
+// Reading ahead on threads must give the plain loop's groups, order and
+// messages, on random trees whose files change while the walk runs.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -84,8 +82,7 @@ void applyStep(const Step& step, const FileList& seen) {
     }
 }
 
-// Drops the tree's files from memory, so that the reads go to the disk and
-// the comparison takes on its extra readers.
+// Drops the files from memory: reads from the disk bring in the extra readers.
 void evict(const std::string& root) {
     for (const auto& e : std::filesystem::recursive_directory_iterator(root)) {
         const int fd = ::open(e.path().c_str(), O_RDONLY);
