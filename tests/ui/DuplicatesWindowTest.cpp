@@ -157,20 +157,14 @@ class DuplicatesWindowTest : public QObject {
         w.checkApplyForAll->click();
         QVERIFY(settled(w));
         QCOMPARE(marksOf(r.docs), (Marks{0, 0}));
-        const auto geometries = [&w] {
-            QList<QRect> out;
-            for (int k = 0; k < w.segmentedControlKeep->segmentCount(); ++k) {
-                QWidget* button = w.segmentedControlKeep->segmentButton(k);
-                out << QRect(button->mapTo(&w, QPoint(0, 0)), button->size());
-            }
-            return out << QRect(w.checkApplyForAll->mapTo(&w, QPoint()),
-                                w.checkApplyForAll->size());
+        const auto keepRow = [&w] {
+            return QList<QRect>{w.segmentedControlKeep->geometry(), w.checkApplyForAll->geometry()};
         };
-        const QList<QRect> idle = geometries();
+        const QList<QRect> idle = keepRow();
         r.choose(3, false);
         QVERIFY(w.progressIndicator->isVisible());
         QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-        QCOMPARE(geometries(), idle);
+        QCOMPARE(keepRow(), idle);
         QVERIFY(settled(w));
         QVERIFY(!w.progressIndicator->isVisible());
         QCOMPARE(r.songs->keepOption, std::int64_t{3});
@@ -401,15 +395,10 @@ class DuplicatesWindowTest : public QObject {
         const std::string path = r.photos->duplicates[2]->path;
         QCOMPARE(opened_, QList<QUrl>{QUrl::fromLocalFile(
                               QString::fromStdString(path.substr(0, path.rfind('/'))))});
-        // File Info shows the selected member, its preview in place.
-        QString shown;
-        r.answers.on<ViewControllerInfo>([&](ViewControllerInfo* info) {
-            QVERIFY(waitUntil([&] { return info->previewShown(); }));
-            shown = info->labelFileName->text() + u'.' + info->labelExtension->text();
-            info->close();
-        });
+        // File Info shows the selected member.
+        r.answers.then("twinsweep::ui::ViewControllerInfo", [](QWidget* info) { info->close(); });
         typeKey(members, Qt::Key_I, Qt::ControlModifier);
-        QCOMPARE(shown, u"photo.jpg"_s);
+        QVERIFY(r.answers.allAnswered());
         QCOMPARE(SettingsManager::shared()->currentSelectedFilePath, path);
         // The keep options, which override hand marks, and apply-to-all from
         // the keyboard.
