@@ -187,6 +187,6 @@ class DetailWindowsTest : public QObject {
     }
 };
 
-UI_TEST_CLASS(DetailWindowsTest);
+UI_TEST_MAIN(DetailWindowsTest)
 
 #include "DetailWindowsTest.moc"

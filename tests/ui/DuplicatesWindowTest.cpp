@@ -413,6 +413,6 @@ class DuplicatesWindowTest : public QObject {
     QList<QUrl> opened_;
 };
 
-UI_TEST_CLASS(DuplicatesWindowTest);
+UI_TEST_MAIN(DuplicatesWindowTest)
 
 #include "DuplicatesWindowTest.moc"

@@ -303,6 +303,6 @@ class MainWindowTest : public QObject {
     }
 };
 
-UI_TEST_CLASS(MainWindowTest);
+UI_TEST_MAIN(MainWindowTest)
 
 #include "MainWindowTest.moc"

@@ -235,6 +235,6 @@ class ProtectExportTest : public QObject {
     }
 };
 
-UI_TEST_CLASS(ProtectExportTest);
+UI_TEST_MAIN(ProtectExportTest)
 
 #include "ProtectExportTest.moc"

@@ -268,6 +268,6 @@ void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     QVERIFY2(estimated, qPrintable(lines.join(QLatin1Char('|'))));
 }
 
-UI_TEST_CLASS(SearchFlowTest);
+UI_TEST_MAIN(SearchFlowTest)
 
 #include "SearchFlowTest.moc"

@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QTableView>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <clocale>
@@ -25,24 +26,28 @@
 #include "settings/SettingsManager.h"
 #include "support/TempTree.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
+#include "ui/platform/FileTypeIcons.h"
 
 namespace twinsweep::testing {
 
 using namespace Qt::StringLiterals;
 
-// Every test class, by name; each file adds its own with UI_TEST_CLASS.
-using TestClasses = std::vector<std::pair<const char*, std::function<std::unique_ptr<QObject>()>>>;
-inline TestClasses& testClasses() {
-    static TestClasses all;
-    return all;
-}
-template <typename T> bool registerTestClass() {
-    testClasses().emplace_back(T::staticMetaObject.className(),
-                               [] { return std::make_unique<T>(); });
-    return true;
-}
-#define UI_TEST_CLASS(T)                                                                           \
-    [[maybe_unused]] static const bool registered##T = twinsweep::testing::registerTestClass<T>()
+// main() of one test class's program. Help pages, the cleaning lock and the
+// Trash go to temporary folders: never the user's, never shared with the
+// command-line tool that other test programs run meanwhile.
+#define UI_TEST_MAIN(Class)                                                                        \
+    int main(int argc, char** argv) {                                                              \
+        QTemporaryDir cache, runtime, data;                                                        \
+        qputenv("XDG_CACHE_HOME", cache.path().toLocal8Bit());                                     \
+        qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());                                  \
+        qputenv("XDG_DATA_HOME", data.path().toLocal8Bit());                                       \
+        QApplication app(argc, argv);                                                              \
+        QApplication::setApplicationName(QStringLiteral("twinsweep-tests"));                       \
+        QApplication::setQuitOnLastWindowClosed(false);                                            \
+        twinsweep::ui::chooseIconTheme();                                                          \
+        Class test;                                                                                \
+        return QTest::qExec(&test, argc, argv);                                                    \
+    }
 
 // Every path under root, taken before and after a clean: whatever goes
 // missing must be what was marked.
