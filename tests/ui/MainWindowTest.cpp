@@ -243,11 +243,13 @@ class MainWindowTest : public QObject {
         window_->sliderMinimumFileSize->setValue(0);
         QCOMPARE(window_->textFieldMinimumFileSize->text(), u"1 B"_s);
         window_->radioCustomFileTypes->click();
-        window_->radioRemoveDuplicateFilesPermanently->click();
+        window_->radioReplaceWithHardLinks->click();
+        QVERIFY(settings->replaceWithHardLinks && !settings->moveToTrash);
         window_->checkCompareLargeFilesByContent->click();
         window_->findChild<QAction*>(u"actionFileNew"_s)->trigger();
         QVERIFY(settings->listFolderPaths.empty() && !settings->customFileTypes);
-        QVERIFY(settings->moveToTrash && !settings->compareLargeFilesByContent);
+        QVERIFY(settings->moveToTrash && !settings->replaceWithHardLinks);
+        QVERIFY(!settings->compareLargeFilesByContent);
         QCOMPARE(settings->minimumFileSize, std::uint64_t{204800});
         // The widgets show the defaults too.
         QCOMPARE(window_->textFieldMinimumFileSize->text(), u"200.0 KB"_s);

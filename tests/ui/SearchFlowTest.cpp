@@ -106,10 +106,6 @@ struct SearchTree {
         home = tree.mkdir("Users/me");
     }
     ~SearchTree() { LocationGate::setProcessDefault(LocationGate::platformDefault()); }
-    void writeCopies() const {
-        tree.write("Users/me/a.txt", std::string(3000, 'a'));
-        tree.write("Users/me/b.txt", std::string(3000, 'a'));
-    }
 };
 
 // A shown main window set to search these folders, small files included.
@@ -179,7 +175,8 @@ class SearchFlowTest : public QObject {
 
     void minimisedProgressKeepsItsSessionAndCancelWaitsForTheSearch() {
         SearchTree where;
-        where.writeCopies();
+        where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
+        where.tree.write("Users/me/b.txt", std::string(3000, 'a'));
         auto window = searchWindow({QString::fromStdString(where.home)});
         SearchGate gate;
         ModalAnswers answers;
