@@ -32,8 +32,7 @@ void typeSize(QLineEdit* field, const QString& text) {
 
 } // namespace
 
-// The custom keep rules window and the file information window (opened from
-// the results window in DuplicatesWindowTest).
+// The custom keep rules window and the file information window.
 class DetailWindowsTest : public QObject {
     Q_OBJECT
   private slots:

@@ -32,8 +32,7 @@ QString text(CleaningAlert a) {
     return QString::fromStdString(alertText(a).informativeText);
 }
 
-// Three pictures, two documents and two songs (9000 + 4000 + 2000 bytes) in
-// the results window, with the answers to its questions.
+// Three pictures, two documents, two songs (9000 + 4000 + 2000 bytes) shown.
 struct Results : FoundDuplicates {
     FilePtr photos, docs, songs;
     Snapshot before;
@@ -102,8 +101,7 @@ struct Results : FoundDuplicates {
 
 } // namespace
 
-// The results window on real search results: set-up, keep options, hand
-// marks, categories, folded updates, the custom rules, cleaning and keys.
+// The results window on real search results.
 class DuplicatesWindowTest : public QObject {
     Q_OBJECT
   public slots:

@@ -20,8 +20,7 @@ using twinsweep::ui::ViewControllerDuplicates;
 
 namespace {
 
-// Applies a keep option to every group, cleans, and checks that only the
-// done message came.
+// Applies a keep option to every group and cleans: only the done message comes.
 void cleanAll(FoundDuplicates& found, int segment) {
     ViewControllerDuplicates& w = found.open();
     w.checkApplyForAll->click();
@@ -36,8 +35,7 @@ void cleanAll(FoundDuplicates& found, int segment) {
 
 } // namespace
 
-// Protected folders in the main and results windows, the results window's
-// export, the hard-link choice and Edit > Undo Clean.
+// Protected folders, the results window's export, hard links and Undo Clean.
 class ProtectExportTest : public QObject {
     Q_OBJECT
   private slots:

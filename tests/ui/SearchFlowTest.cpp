@@ -25,8 +25,7 @@ using twinsweep::ui::ViewControllerProgress;
 
 namespace {
 
-// Holds the search thread at its first progress post until released, so a
-// test can act on a search that is certainly still running.
+// Holds the search thread at its first progress post, so it is surely running.
 class SearchGate {
   public:
     ~SearchGate() { release(); }
@@ -123,8 +122,7 @@ ViewControllerProgress* progressWindow(QWidget* modal) {
 
 } // namespace
 
-// A search started from the main window: the progress window, its end and
-// its cancel, the hand-over to the results window.
+// A search from the main window: progress, cancel, hand-over to the results.
 class SearchFlowTest : public QObject {
     Q_OBJECT
   private slots:

@@ -32,9 +32,8 @@ namespace twinsweep::testing {
 
 using namespace Qt::StringLiterals;
 
-// main() of one test class's program. Help pages, the cleaning lock and the
-// Trash go to temporary folders: never the user's, never shared with the
-// command-line tool that other test programs run meanwhile.
+// main() of one test class's program. Help pages, the cleaning lock and the Trash
+// go to temporary folders: never the user's, nor shared with other test programs.
 #define UI_TEST_MAIN(Class)                                                                        \
     int main(int argc, char** argv) {                                                              \
         QTemporaryDir cache, runtime, data;                                                        \
@@ -49,8 +48,7 @@ using namespace Qt::StringLiterals;
         return QTest::qExec(&test, argc, argv);                                                    \
     }
 
-// Every path under root, taken before and after a clean: whatever goes
-// missing must be what was marked.
+// Every path under root, before and after a clean: only what was marked may go.
 using Snapshot = std::set<std::string>;
 inline Snapshot snapshot(const std::string& root) {
     Snapshot out;
@@ -184,8 +182,7 @@ inline bool settled(const ui::ViewControllerDuplicates& window) {
     return waitUntil([&] { return !window.updating && window.jobsInFlight() == 0; });
 }
 
-// A real search over a temporary folder, its groups left in the settings as the
-// progress window leaves them for the results window.
+// A real search over a temporary folder, its groups left as the results window finds them.
 struct FoundDuplicates {
     TempTree tree;
     std::unique_ptr<ui::ViewControllerDuplicates> shown; // goes before the tree
