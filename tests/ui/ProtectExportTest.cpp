@@ -64,8 +64,6 @@ class ProtectExportTest : public QObject {
         QVERIFY(settings->protectedFolders.empty());
         QVERIFY(model->setData(model->index(0, 1), Qt::Checked, Qt::CheckStateRole));
         QCOMPARE(settings->protectedFolders, std::vector<std::string>{a});
-        w.OnFileNew();
-        QVERIFY(settings->protectedFolders.empty());
     }
 
     void protectedCopiesCannotBeTickedOrCleaned() {

@@ -164,17 +164,12 @@ inline void typeKey(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifier
 }
 
 // The process locale for a scope, as LANG would set it; !ok() when not installed.
-class ScopedLocale {
-  public:
-    explicit ScopedLocale(const char* name) : saved_(std::setlocale(LC_ALL, nullptr)) {
-        ok_ = std::setlocale(LC_ALL, name) != nullptr;
-    }
-    ~ScopedLocale() { std::setlocale(LC_ALL, saved_.c_str()); }
-    bool ok() const { return ok_; }
-
-  private:
-    std::string saved_;
-    bool ok_ = false;
+struct ScopedLocale {
+    explicit ScopedLocale(const char* name)
+        : saved(std::setlocale(LC_ALL, nullptr)), ok(std::setlocale(LC_ALL, name) != nullptr) {}
+    ~ScopedLocale() { std::setlocale(LC_ALL, saved.c_str()); }
+    const std::string saved;
+    const bool ok;
 };
 
 // Waits until the window has no update running and nothing queued.
