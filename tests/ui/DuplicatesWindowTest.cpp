@@ -12,14 +12,12 @@
 #include "ui/customkeep/ViewControllerCustomKeep.h"
 #include "ui/duplicates/GroupsModel.h"
 #include "ui/duplicates/SegmentedControl.h"
-#include "ui/info/ViewControllerInfo.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;
 using twinsweep::ui::GroupsModel;
 using twinsweep::ui::ViewControllerCustomKeep;
 using twinsweep::ui::ViewControllerDuplicates;
-using twinsweep::ui::ViewControllerInfo;
 using Marks = std::vector<std::int64_t>;
 
 namespace {

@@ -1,9 +1,7 @@
 #include <QCheckBox>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QSignalSpy>
 
 #include "UiTestSupport.h"

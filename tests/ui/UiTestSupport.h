@@ -64,23 +64,6 @@ inline Snapshot without(Snapshot paths, const std::vector<std::string>& gone) {
     return paths;
 }
 
-// The informative text of a message box, or "" if modal is something else.
-inline QString alertText(QWidget* modal) {
-    auto* box = qobject_cast<QMessageBox*>(modal);
-    return box == nullptr ? QString() : box->informativeText();
-}
-
-inline bool pressAlertButton(QWidget* modal, const QString& title) {
-    auto* box = qobject_cast<QMessageBox*>(modal);
-    for (QAbstractButton* button : box ? box->buttons() : QList<QAbstractButton*>()) {
-        if (button->text() == title) {
-            button->click();
-            return true;
-        }
-    }
-    return false;
-}
-
 // Answers modal windows as they come up, each by the next handler if it is of
 // the class that handler expects, inside the window's own event loop.
 class ModalAnswers : public QObject {
@@ -98,11 +81,19 @@ class ModalAnswers : public QObject {
         then(Window::staticMetaObject.className(),
              [handler](QWidget* modal) { handler(qobject_cast<Window*>(modal)); });
     }
-    // The next message box: its text goes to said, then button is pressed.
-    void alert(const QString& button) {
-        then("QMessageBox", [this, button](QWidget* modal) {
-            said << alertText(modal);
-            QVERIFY(pressAlertButton(modal, button));
+    // The next message box: look() runs, its text goes to said, then button is pressed.
+    void alert(const QString& button, const std::function<void()>& look = {}) {
+        then("QMessageBox", [this, button, look](QWidget* modal) {
+            if (look) {
+                look();
+            }
+            auto* box = qobject_cast<QMessageBox*>(modal);
+            said << box->informativeText();
+            const QList<QAbstractButton*> all = box->buttons();
+            const auto b = std::find_if(all.begin(), all.end(),
+                                        [&](QAbstractButton* b) { return b->text() == button; });
+            QVERIFY2(b != all.end(), qPrintable(button));
+            (*b)->click();
         });
     }
     int answered() const { return answered_; }
@@ -144,12 +135,9 @@ inline bool waitUntil(const std::function<bool()>& done, int timeoutMs = 20000) 
 // The menu commands of a menu bar that have no shortcut, by their texts.
 inline QStringList commandsWithoutShortcut(const QMenuBar* bar) {
     QStringList missing;
-    for (const QMenu* menu : bar->findChildren<QMenu*>()) {
-        for (const QAction* action : menu->actions()) {
-            if (!action->isSeparator() && action->menu() == nullptr &&
-                action->shortcut().isEmpty()) {
-                missing << action->text();
-            }
+    for (const QAction* action : bar->findChildren<QAction*>()) {
+        if (!action->isSeparator() && action->menu() == nullptr && action->shortcut().isEmpty()) {
+            missing << action->text();
         }
     }
     return missing;
