@@ -4,6 +4,7 @@
 #include <QAbstractItemModel>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -25,6 +26,8 @@
 #include "engine/SearchJob.h"
 #include "settings/SettingsManager.h"
 #include "support/TempTree.h"
+#include "ui/duplicates/GroupsModel.h"
+#include "ui/duplicates/SegmentedControl.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
 #include "ui/platform/FileTypeIcons.h"
 
@@ -213,5 +216,76 @@ inline std::vector<std::int64_t> marksOf(const FilePtr& group) {
 inline QString cell(QTableView* table, int row, int column, int role = Qt::DisplayRole) {
     return table->model()->index(row, column).data(role).toString();
 }
+
+inline QString sizeText(std::uint64_t bytes) {
+    return QString::fromStdString(FileTools::fileSizeText(bytes));
+}
+
+// Three pictures, two documents, two songs (9000 + 4000 + 2000 bytes) on show.
+struct Results : FoundDuplicates {
+    FilePtr photos, docs, songs;
+    Snapshot before;
+    ui::ViewControllerDuplicates* w = nullptr;
+    ModalAnswers answers;
+
+    Results() {
+        for (const char* p : {"a/photo.jpg", "b/photo.jpg", "c/photo.jpg"}) {
+            tree.write(p, std::string(3000, 'p'));
+        }
+        tree.write("a/report.pdf", std::string(2000, 'd'));
+        tree.write("b/report.pdf", std::string(2000, 'd'));
+        tree.write("a/song.mp3", std::string(1000, 'm'));
+        tree.write("c/song.mp3", std::string(1000, 'm'));
+        tree.write("a/single.txt", std::string(1000, 's'));
+        before = snapshot(tree.root());
+        search();
+        photos = group("photo.jpg");
+        docs = group("report.pdf");
+        songs = group("song.mp3");
+        // The second photo is the oldest, the third the newest.
+        const char* dates[] = {"20-01-01 01:00:00", "19-01-01 01:00:00", "21-01-01 01:00:00"};
+        for (std::size_t i = 0; i < 3; ++i) {
+            photos->duplicates[i]->date = dates[i];
+        }
+        docs->duplicates[1]->checkState = 1; // left over from an earlier look
+        w = &open();
+    }
+    int row(const FilePtr& group) const {
+        const auto at = std::find(w->fileList.begin(), w->fileList.end(), group);
+        return at == w->fileList.end() ? -1 : static_cast<int>(at - w->fileList.begin());
+    }
+    int listed() const { return w->tableViewFiles->model()->rowCount(); }
+    QString count(const FilePtr& group, int role = Qt::DisplayRole) const {
+        return cell(w->tableViewFiles, row(group), ui::GroupsModel::ColumnCount, role);
+    }
+    void select(const FilePtr& group) {
+        w->tableViewFiles->selectRow(row(group));
+        QCOMPARE(w->selectedRow, row(group));
+    }
+    // Clicks a keep option and, unless told not to, waits for its update.
+    void choose(int segment, bool wait = true) {
+        w->segmentedControlKeep->segmentButton(segment)->click();
+        QVERIFY(!wait || settled(*w));
+    }
+    // Ticks a member of the selected group, as a click on its box does.
+    void tick(int member) {
+        QAbstractItemModel* members = w->tableViewDuplicates->model();
+        QVERIFY(members->setData(members->index(member, 0), Qt::Checked, Qt::CheckStateRole));
+    }
+    // Cleans, answering its questions with these buttons in order.
+    void clean(std::initializer_list<const char*> buttons) {
+        for (const char* button : buttons) {
+            answers.alert(QString::fromLatin1(button));
+        }
+        w->buttonClean->click();
+        QVERIFY(answers.allAnswered());
+    }
+    // The space saved shown, in its colour: green when anything is marked.
+    void expectSaved(std::uint64_t bytes) const {
+        QCOMPARE(w->labelSpaceSaved->text(), sizeText(bytes));
+        QCOMPARE(w->labelSpaceSaved->palette().color(QPalette::WindowText),
+                 bytes == 0 ? QColor(Qt::black) : QColor(27, 209, 51));
+    }
+};
 
 } // namespace twinsweep::testing
