@@ -15,8 +15,7 @@
 
 using namespace twinsweep;
 using namespace twinsweep::testing;
-using twinsweep::ui::ViewControllerCustomKeep;
-using twinsweep::ui::ViewControllerInfo;
+using namespace twinsweep::ui;
 
 namespace {
 
@@ -41,9 +40,14 @@ class DetailWindowsTest : public QObject {
         resetCustomSettings(*SettingsManager::shared());
     }
 
-    void sizeFieldsAreCheckedAndSteppersFollow() {
+    void fieldsAreCheckedAndOnlyOkSavesThem() {
+        TempTree tree;
+        const std::string file = tree.write("file.txt", "x");
         loadDefaultRules();
-        ViewControllerCustomKeep w(nullptr, "/tmp");
+        SettingsManager::shared()->customFileExtensions = {"jpg"};
+        ViewControllerCustomKeep w(nullptr, tree.root());
+        // A folder rule never set starts at the group's folder.
+        QCOMPARE(w.textFieldCustomFilePath->text(), QString::fromStdString(tree.root()));
         const struct {
             QString typed, first, second;
         } cases[] = {{"abc", "200", "100"}, {"-5", "0", "0"},      {"250000", "100000", "100000"},
@@ -64,34 +68,9 @@ class DetailWindowsTest : public QObject {
                 QCOMPARE(w.stepperFirstFileSize->value(), c.first.toDouble());
             }
         }
-        // Return in a size field confirms the field, not the window.
-        w.show();
-        w.textFieldFirstFileSize->clear();
-        QTest::keyClicks(w.textFieldFirstFileSize, u"x"_s);
-        typeKey(w.textFieldFirstFileSize, Qt::Key_Return);
-        QCOMPARE(w.textFieldFirstFileSize->text(), u"200"_s);
-        QVERIFY(w.isVisible());
-        QCOMPARE(SettingsManager::shared()->customSettingsOption, std::string("Cancel"));
         typeSize(w.textFieldFirstFileSize, u"41"_s);
         w.stepperFirstFileSize->stepBy(1);
         QCOMPARE(w.textFieldFirstFileSize->text(), u"42"_s);
-        // OK keeps the whole part of the number.
-        typeSize(w.textFieldSecondFileSize, u"7.9"_s);
-        w.comboSecondFileSizeUnit->setCurrentIndex(2);
-        w.buttonOk->click();
-        QCOMPARE(SettingsManager::shared()->customSettingsOption, std::string("OK"));
-        QCOMPARE(SettingsManager::shared()->secondFileSize, std::int64_t{7});
-        QCOMPARE(SettingsManager::shared()->secondFileSizeUnit, std::int64_t{2});
-    }
-
-    void okChecksTheFolderRuleAndSavesTheExtensions() {
-        TempTree tree;
-        const std::string file = tree.write("file.txt", "x");
-        loadDefaultRules();
-        SettingsManager::shared()->customFileExtensions = {"jpg"};
-        ViewControllerCustomKeep w(nullptr, tree.root());
-        // A folder rule never set starts at the group's folder.
-        QCOMPARE(w.textFieldCustomFilePath->text(), QString::fromStdString(tree.root()));
         for (const char* typed : {"JPG", "", "Mp3", "mp3"}) {
             w.textFieldExtension->setText(QString::fromLatin1(typed));
             w.OncustomFileTypesAddFileExtension();
@@ -99,7 +78,14 @@ class DetailWindowsTest : public QObject {
         QCOMPARE(w.extensionsList, (std::vector<std::string>{"jpg", "mp3"}));
         w.tableViewCustomFileTypes->setCurrentRow(0);
         w.OnCustomFileTypesRemoveSelected();
+
+        // Return in a size field confirms the field, not the window.
         w.show();
+        w.textFieldFirstFileSize->clear();
+        QTest::keyClicks(w.textFieldFirstFileSize, u"x"_s);
+        typeKey(w.textFieldFirstFileSize, Qt::Key_Return);
+        QCOMPARE(w.textFieldFirstFileSize->text(), u"200"_s);
+        QVERIFY(w.isVisible());
         ModalAnswers answers;
         answers.alert(u"OK"_s);
         answers.alert(u"OK"_s);
@@ -116,12 +102,17 @@ class DetailWindowsTest : public QObject {
         // The settings see the window's changes only through OK.
         QCOMPARE(SettingsManager::shared()->customFileExtensions, std::vector<std::string>{"jpg"});
         QCOMPARE(SettingsManager::shared()->customFilePathState, std::int64_t{0});
-        // With the rule off the same text is saved as typed.
+        // With the rule off the folder is saved as typed; sizes keep their whole part.
+        typeSize(w.textFieldSecondFileSize, u"7.9"_s);
+        w.comboSecondFileSizeUnit->setCurrentIndex(2);
         w.checkCustomFilePath->setChecked(false);
         w.buttonOk->click();
         QVERIFY(!w.isVisible());
-        QCOMPARE(SettingsManager::shared()->customFilePath, tree.path("missing"));
-        QCOMPARE(SettingsManager::shared()->customFileExtensions, std::vector<std::string>{"mp3"});
+        const auto s = SettingsManager::shared();
+        QCOMPARE(s->customFilePath, tree.path("missing"));
+        QCOMPARE(s->customFileExtensions, std::vector<std::string>{"mp3"});
+        QCOMPARE(s->secondFileSize, std::int64_t{7});
+        QCOMPARE(s->secondFileSizeUnit, std::int64_t{2});
     }
 
     void resetThenClosingLeavesTheDefaults() {

@@ -13,8 +13,7 @@
 #include "ui/main/ViewController.h"
 #include "ui/shell/Alert.h"
 
-using twinsweep::LocationGate;
-using twinsweep::SettingsManager;
+using namespace twinsweep;
 using namespace twinsweep::testing;
 using namespace twinsweep::ui;
 using Paths = std::vector<std::string>;

@@ -13,8 +13,7 @@
 
 using namespace twinsweep;
 using namespace twinsweep::testing;
-using twinsweep::ui::ViewController;
-using twinsweep::ui::ViewControllerDuplicates;
+using namespace twinsweep::ui;
 
 namespace {
 

@@ -16,11 +16,9 @@
 #include "ui/main/ViewController.h"
 #include "ui/progress/ViewControllerProgress.h"
 
-using twinsweep::LocationGate;
-using twinsweep::SettingsManager;
+using namespace twinsweep;
 using namespace twinsweep::testing;
-using twinsweep::ui::ViewController;
-using twinsweep::ui::ViewControllerProgress;
+using namespace twinsweep::ui;
 
 namespace {
 
@@ -183,8 +181,8 @@ class SearchFlowTest : public QObject {
         window->buttonFindDuplicateFiles->click();
         QVERIFY(minimisedAndRunning && stayedOpen && restoredOnClosing);
         QCOMPARE(buttonAfterCancel, u"Cancelling..."_s);
-        // No alert and no results window: only the progress window was answered.
-        QCOMPARE(answers.answered(), 1);
+        // No alert and no results window (either would wait here unanswered).
+        QVERIFY(answers.allAnswered());
         QVERIFY(!SettingsManager::shared()->openDuplicatesWindow);
     }
 

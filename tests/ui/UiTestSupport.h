@@ -99,7 +99,6 @@ class ModalAnswers : public QObject {
             (*b)->click();
         });
     }
-    int answered() const { return answered_; }
     bool allAnswered() const { return handlers_.isEmpty(); }
     QStringList said;
 
@@ -112,14 +111,12 @@ class ModalAnswers : public QObject {
         }
         last_ = modal;
         Handler handler = handlers_.takeFirst().second;
-        ++answered_;
         handler(modal);
     }
 
     QTimer timer_;
     QList<std::pair<const char*, Handler>> handlers_;
     QPointer<QWidget> last_;
-    int answered_ = 0;
 };
 
 // Lets the event loop run until done() holds or the time runs out.
