@@ -15,23 +15,6 @@ using namespace twinsweep;
 using namespace twinsweep::testing;
 using namespace twinsweep::ui;
 
-namespace {
-
-// Applies a keep option to every group and cleans: only the done message comes.
-void cleanAll(FoundDuplicates& found, int segment) {
-    ViewControllerDuplicates& w = found.open();
-    w.checkApplyForAll->click();
-    w.segmentedControlKeep->segmentButton(segment)->click();
-    QVERIFY(settled(w));
-    ModalAnswers answers;
-    answers.alert(u"OK"_s);
-    w.buttonClean->click();
-    QCOMPARE(answers.said.size(), 1);
-    QVERIFY(answers.allAnswered() && !w.isVisible());
-}
-
-} // namespace
-
 // Protected folders, the results window's export, hard links and Undo Clean.
 class ProtectExportTest : public QObject {
     Q_OBJECT
@@ -169,44 +152,42 @@ class ProtectExportTest : public QObject {
         QCOMPARE(json, held);
 
         // A folder that isn't there: an alert, and nothing half written.
-        ModalAnswers answers;
-        answers.alert(u"OK"_s);
+        r.answers.alert(u"OK"_s);
         w.startExport(QString::fromStdString(out.path("none/d.csv")), ui::ExportFormat::Csv);
         QVERIFY(finished.wait(20000));
         QVERIFY(!finished.back().at(0).toString().isEmpty());
-        QVERIFY(answers.allAnswered() && !std::filesystem::exists(out.path("none")));
+        QVERIFY(r.answers.allAnswered() && !std::filesystem::exists(out.path("none")));
     }
 
     void linksAskNothingAndUndoPutsTrashedCopiesBack() {
         const auto settings = SettingsManager::shared();
         settings->replaceWithHardLinks = true; // as the main window's choice sets it
         settings->moveToTrash = false;
-        FoundDuplicates found;
-        const std::string a = found.tree.write("a/x.jpg", "twin pictures");
-        const std::string b = found.tree.write("b/x.jpg", "twin pictures");
-        QCOMPARE(found.search(), std::size_t{1});
-        // Keep oldest with links: each group becomes one file under two names.
-        const Snapshot before = snapshot(found.tree.root());
-        cleanAll(found, 1);
-        QCOMPARE(snapshot(found.tree.root()), before);
-        QVERIFY(std::filesystem::equivalent(a, b));
-
+        {
+            // Keep oldest with links: each group becomes one file under its names.
+            Results r;
+            r.w->checkApplyForAll->click();
+            r.choose(1);
+            r.clean({"OK"}); // the done message alone
+            QVERIFY(!r.w->isVisible());
+            QCOMPARE(snapshot(r.tree.root()), r.before);
+            QVERIFY(
+                std::filesystem::equivalent(r.tree.path("a/song.mp3"), r.tree.path("c/song.mp3")));
+        }
         // Now to the Trash, then Edit > Undo Clean in the main window.
         settings->replaceWithHardLinks = false;
         settings->moveToTrash = true;
-        found.tree.write("c/y.jpg", "other twins");
-        found.tree.write("d/y.jpg", "other twins");
-        QCOMPARE(found.search(), std::size_t{1});
-        const Snapshot twins = snapshot(found.tree.root());
-        cleanAll(found, 1);
-        QCOMPARE(snapshot(found.tree.root()).size(), twins.size() - 1);
+        Results r;
+        r.w->checkApplyForAll->click();
+        r.choose(1);
+        r.clean({"OK"});
+        QCOMPARE(snapshot(r.tree.root()).size(), r.before.size() - 4);
         ViewController main;
         QVERIFY(main.actionUndoClean->isEnabled());
-        ModalAnswers answers;
-        answers.alert(u"OK"_s);
+        r.answers.alert(u"OK"_s);
         main.actionUndoClean->trigger();
-        QCOMPARE(answers.said, QStringList{"1 file was put back where it was."});
-        QCOMPARE(snapshot(found.tree.root()), twins);
+        QCOMPARE(r.answers.said.back(), u"4 files were put back where they were."_s);
+        QCOMPARE(snapshot(r.tree.root()), r.before);
         QVERIFY(!main.actionUndoClean->isEnabled());
     }
 };

@@ -135,7 +135,6 @@ class SearchFlowTest : public QObject {
         where.tree.write("elsewhere/a.txt", std::string(3000, 'a'));
         auto window = searchWindow({QString::fromStdString(where.home),
                                     QString::fromStdString(where.tree.path("elsewhere"))});
-        const auto settings = SettingsManager::shared();
         ModalAnswers answers;
         bool progressStillUp = true;
         answers.alert(u"OK"_s, [&] {
@@ -146,7 +145,7 @@ class SearchFlowTest : public QObject {
         });
         window->buttonFindDuplicateFiles->click();
         QCOMPARE(answers.said, QStringList{"No duplicate files found."});
-        QVERIFY(!progressStillUp && !settings->openDuplicatesWindow);
+        QVERIFY(!progressStillUp && !SettingsManager::shared()->openDuplicatesWindow);
     }
 
     void minimisedProgressKeepsItsSessionAndCancelWaitsForTheSearch() {
