@@ -69,6 +69,7 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
         };
     }
     const SameFile sameFile;
+    SweptFolders swept;
     // listed may be settings.duplicateFileList itself, which pruning edits.
     const FileList groups = listed;
     for (const FilePtr& group : groups) {
@@ -86,7 +87,7 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
                 result.ok = false;
                 result.error = m->path + ": in a protected folder, not removed";
             } else if (!run.dryRun) {
-                result = actOnCopy(*group, *m, act, sameFile);
+                result = actOnCopy(*group, *m, act, sameFile, &swept);
             }
             if (result.ok) {
                 ++report.removed;

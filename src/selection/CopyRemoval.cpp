@@ -1,6 +1,5 @@
 #include "selection/CopyRemoval.h"
 
-#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -9,6 +8,7 @@
 #include <unistd.h>
 
 #include "engine/FolderRegistry.h"
+#include "selection/AsideLeftovers.h"
 #include "selection/Fd.h"
 #include "selection/SameContents.h"
 
@@ -40,7 +40,7 @@ bool unchanged(const struct stat& st, const FileIdentity& seen) {
            st.st_mtim.tv_sec == seen.mtimeSec && st.st_mtim.tv_nsec == seen.mtimeNsec;
 }
 
-bool openAsSeen(const DuplicateFile& m, Opened& o, std::string& reason) {
+bool openAsSeen(const DuplicateFile& m, Opened& o, std::string& reason, SweptFolders* swept) {
     if (!m.seen.known) {
         reason = m.path + ": not seen by the search, not removed";
         return false;
@@ -61,6 +61,9 @@ bool openAsSeen(const DuplicateFile& m, Opened& o, std::string& reason) {
         static_cast<std::uint64_t>(fs.st_ino) != walked.inode) {
         reason = m.path + ": its folder was replaced since the search, not removed";
         return false;
+    }
+    if (swept != nullptr && swept->insert({walked.device, walked.inode}).second) {
+        putBackLeftovers(o.folder.get(), folder);
     }
     o.name = lastComponent(m.path);
     if (::fstatat(o.folder.get(), o.name.c_str(), &o.st, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -93,23 +96,13 @@ bool stillThere(const DuplicateFile& k, const Opened& o) {
            a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
-std::string asideName(const std::string& name) {
-    static std::atomic<unsigned> counter{0};
-    std::string aside = ".twinsweep-aside-" + std::to_string(::getpid()) + "-" +
-                        std::to_string(counter.fetch_add(1)) + "-" + name;
-    if (aside.size() > 255) {
-        aside.resize(255);
-    }
-    return aside;
-}
-
 } // namespace
 
 RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const CopyAction& act,
-                        const SameFile& sameFile) {
+                        const SameFile& sameFile, SweptFolders* swept) {
     Opened mine;
     std::string reason;
-    if (!openAsSeen(member, mine, reason)) {
+    if (!openAsSeen(member, mine, reason, swept)) {
         return failure(reason);
     }
     RemovalTarget target;
@@ -148,7 +141,7 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
             continue;
         }
         Opened kept;
-        if (!openAsSeen(*k, kept, keptWhy)) {
+        if (!openAsSeen(*k, kept, keptWhy, swept)) {
             continue;
         }
         if (sameFile(member.path, {mine.st.st_dev, mine.st.st_ino}, k->path,

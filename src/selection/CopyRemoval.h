@@ -2,6 +2,7 @@
 
 #include "engine/File.h"
 #include "engine/SameFile.h"
+#include "selection/AsideLeftovers.h"
 #include "selection/Removal.h"
 
 namespace twinsweep {
@@ -19,7 +20,9 @@ namespace twinsweep {
 //     renamed back to its name.
 // A group whose every member is marked has nothing to compare with: the user
 // confirmed removing it whole, and steps 2 and 3 are skipped.
+// With swept, each folder opened the first time has its leftovers of a
+// stopped clean put back first (AsideLeftovers.h).
 RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const CopyAction& act,
-                        const SameFile& sameFile);
+                        const SameFile& sameFile, SweptFolders* swept = nullptr);
 
 } // namespace twinsweep

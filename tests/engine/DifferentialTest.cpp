@@ -1,7 +1,7 @@
 // The default comparison reads ahead on worker threads and reads as little as
 // it can; the plain loop (no digest threads) digests every file it meets.
 // On random trees whose files change while the walk runs, both must give the
-// same heads, copies and order, and the same messages.
+// same heads, copies and order, and the same messages, with any number of threads.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -73,14 +73,9 @@ void applyStep(const Step& step, const FileList& seen) {
         return;
     }
     switch (step.change) {
-    case Change::Grow: {
-        const int fd = ::open(victim.c_str(), O_WRONLY | O_APPEND);
-        if (fd >= 0) {
-            (void)!::write(fd, "+grown", 6);
-            ::close(fd);
-        }
+    case Change::Grow:
+        (void)!::truncate(victim.c_str(), st.st_size + 6);
         break;
-    }
     case Change::Shrink:
         (void)!::truncate(victim.c_str(), st.st_size / 2);
         break;
@@ -142,23 +137,14 @@ Outcome searchChanging(std::uint32_t seed, bool ignorePackages, unsigned threads
         }
     };
     StdoutCapture out;
-    const FileList heads =
-        tools.findDuplicateFiles({tree.root()}, 0, UINT64_MAX, ignorePackages, {});
-    Outcome o;
-    o.messages = lines(out.finish());
+    const FileList heads = search(tools, {tree.root()}, ignorePackages);
+    Outcome o{groupLines(heads, tree.root()), lines(out.finish())};
     for (std::string& m : o.messages) {
         for (std::size_t at; (at = m.find(tree.root())) != std::string::npos;) {
             m.replace(at, tree.root().size(), "~");
         }
     }
     std::sort(o.messages.begin(), o.messages.end());
-    for (const FilePtr& h : heads) {
-        std::string line = h->path.substr(tree.root().size());
-        for (const DuplicateFilePtr& d : h->duplicates) {
-            line += " " + d->path.substr(tree.root().size());
-        }
-        o.groups.push_back(line);
-    }
     return o;
 }
 
@@ -171,19 +157,20 @@ TEST(Differential, ReadAheadGivesThePlainLoopsGroupsOnTreesThatChangeDuringTheWa
         for (std::uint32_t seed = 1; seed <= 12; ++seed) {
             for (bool ignorePackages : {true, false}) {
                 const Outcome plain = searchChanging(seed, ignorePackages, 0);
-                const Outcome fast = searchChanging(seed, ignorePackages, 3);
-                if (plain.groups != fast.groups || plain.messages != fast.messages) {
-                    ++failed;
-                    std::fprintf(stderr, "seed %u, ignorePackages %d differ:\n", seed,
-                                 ignorePackages);
-                    for (const auto& [name, o] : {std::pair{"plain", &plain}, {"fast", &fast}}) {
-                        std::fprintf(stderr, " %s:\n", name);
-                        for (const std::string& g : o->groups) {
-                            std::fprintf(stderr, "  %s\n", g.c_str());
-                        }
-                        for (const std::string& m : o->messages) {
-                            std::fprintf(stderr, "  > %s\n", m.c_str());
-                        }
+                // One to three threads; seed 1, read from the disk, with three.
+                const Outcome fast = searchChanging(seed, ignorePackages, 1 + (seed + 1) % 3);
+                if (plain.groups == fast.groups && plain.messages == fast.messages) {
+                    continue;
+                }
+                ++failed;
+                std::fprintf(stderr, "seed %u, ignorePackages %d differ:\n", seed, ignorePackages);
+                for (const auto& [name, o] : {std::pair{"plain", &plain}, {"fast", &fast}}) {
+                    std::fprintf(stderr, " %s:\n", name);
+                    for (const std::string& line : o->groups) {
+                        std::fprintf(stderr, "  %s\n", line.c_str());
+                    }
+                    for (const std::string& line : o->messages) {
+                        std::fprintf(stderr, "  > %s\n", line.c_str());
                     }
                 }
             }

@@ -9,7 +9,7 @@
 
 using namespace twinsweep;
 
-TEST(RecordText, ExtensionsOfAnyLengthSurviveCopiesMovesAndAssignments) {
+TEST(RecordText, TextsOfAnyLengthSurviveCopiesMovesAndAssignments) {
     for (const std::string& text : std::vector<std::string>{
              "", "jpg", std::string(15, 'a'), std::string(16, 'b'), std::string(254, 'c')}) {
         SCOPED_TRACE(text.size());
@@ -27,21 +27,11 @@ TEST(RecordText, ExtensionsOfAnyLengthSurviveCopiesMovesAndAssignments) {
         assigned = assigned.view().substr(0, text.size() / 2); // a view of itself
         EXPECT_EQ(assigned, text.substr(0, text.size() / 2));
     }
-    std::vector<ShortText> grown;
-    for (int i = 0; i < 100; ++i) {
-        grown.emplace_back(std::string(static_cast<std::size_t>(i % 30), 'x'));
-    }
-    EXPECT_EQ(grown[29].size(), 29u);
-}
-
-TEST(RecordText, DigestTextIsEmptyUntilSetAndCopiesDeeply) {
     File a("/x/a");
     EXPECT_TRUE(a.MD5Hash.empty());
-    EXPECT_EQ(a.MD5Hash, "");
     a.MD5Hash = std::string("1B2M2Y8AsgTpgAmY7PhCfg==");
-    DigestText copy = a.MD5Hash;
+    const DigestText copy = a.MD5Hash;
     a.MD5Hash = std::string();
     EXPECT_TRUE(a.MD5Hash.empty());
     EXPECT_EQ(copy, "1B2M2Y8AsgTpgAmY7PhCfg==");
-    EXPECT_EQ(copy.size(), 24u);
 }

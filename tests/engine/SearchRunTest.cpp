@@ -18,27 +18,16 @@ TEST(SearchRun, NestedFoldersAreDroppedOnlyUnderASlashBoundary) {
     EXPECT_EQ(FileTools::removeNestedFolders({}), V{});
 }
 
-TEST(SearchRun, NestedFolderIsScannedOnceThroughItsAncestor) {
+TEST(SearchRun, ANestedFolderIsWalkedOnceAndProgressCountsEveryComparisonStep) {
     TempTree tree;
-    tree.write("a/b/f1", "same");
-    tree.write("a/f2", "same");
-    FileTools tools;
-    prepare(tools, 2);
-    const FileList heads = search(tools, {tree.path("a"), tree.path("a/b")});
-    EXPECT_EQ(tools.fileList.size(), 2U);
-    ASSERT_EQ(heads.size(), 1U);
-    EXPECT_EQ(heads[0]->duplicates.size(), 1U);
-}
-
-TEST(SearchRun, ProgressCountsEveryComparisonStepAndNothingAfter) {
-    TempTree tree;
-    tree.write("a", "same");
-    tree.write("b", "same");
-    tree.write("c", "same");
+    for (const char* name : {"a/f1", "a/b/f2", "a/b/f3"}) {
+        tree.write(name, "same");
+    }
     FileTools tools;
     prepare(tools, 2);
     PostLog log;
-    const FileList heads = search(tools, {tree.root()});
+    const FileList heads = search(tools, {tree.path("a"), tree.path("a/b")});
+    EXPECT_EQ(tools.fileList.size(), 3U);
     ASSERT_EQ(heads.size(), 1U);
     EXPECT_EQ(heads[0]->duplicates.size(), 2U);
     EXPECT_EQ(log.checkedSequence(), (std::vector<std::int64_t>{1, 2, 3}));
@@ -53,36 +42,21 @@ TEST(SearchRun, ProgressCountsEveryComparisonStepAndNothingAfter) {
 TEST(SearchRun, NoFileAndOneFileNeedNoComparison) {
     TempTree tree;
     tree.mkdir("empty");
-    {
-        FileTools tools;
-        prepare(tools, 2);
-        PostLog log;
-        EXPECT_TRUE(search(tools, {tree.path("empty")}).empty());
-        EXPECT_TRUE(search(tools, {}).empty());
-        ASSERT_FALSE(log.posts.empty());
-        EXPECT_EQ(log.posts.back().total, 0);
-        EXPECT_EQ(log.posts.back().checked, 0);
-        EXPECT_EQ(log.count(kSearchThreadFinished), 0);
-    }
     tree.write("one/f", "x");
     FileTools tools;
     prepare(tools, 2);
     PostLog log;
+    EXPECT_TRUE(search(tools, {tree.path("empty")}).empty());
+    EXPECT_TRUE(search(tools, {}).empty());
+    ASSERT_FALSE(log.posts.empty());
+    EXPECT_EQ(log.posts.back().total, 0);
+    EXPECT_EQ(log.posts.back().checked, 0);
     const FileList heads = search(tools, {tree.path("one")});
     ASSERT_EQ(heads.size(), 1U);
     EXPECT_TRUE(heads[0]->duplicates.empty());
     EXPECT_TRUE(log.checkedSequence().empty());
+    EXPECT_EQ(log.count(kSearchThreadFinished), 0);
 }
-
-namespace {
-
-struct CancelCase {
-    const char* phase;
-    // Cancels when this returns true for a post.
-    std::function<bool(const PostLog::Post&)> when;
-};
-
-} // namespace
 
 TEST(SearchRun, CancellingInAnyPhasePostsOneFinishAndReturnsNothing) {
     TempTree tree;
@@ -90,13 +64,13 @@ TEST(SearchRun, CancellingInAnyPhasePostsOneFinishAndReturnsNothing) {
         tree.write("d" + std::to_string(k % 4) + "/f" + std::to_string(k),
                    std::string(static_cast<std::size_t>(k % 5 + 1), 'x'));
     }
-    const CancelCase cases[] = {
+    const std::pair<const char*, std::function<bool(const PostLog::Post&)>> cancelWhen[] = {
         {"walk", [](const PostLog::Post& p) { return p.checked == 0 && p.total == 10; }},
         {"comparison", [](const PostLog::Post& p) { return p.checked == 20; }},
         {"collection", [](const PostLog::Post& p) { return p.checked == 40; }},
     };
     for (unsigned threads : {0U, 2U}) {
-        for (const CancelCase& c : cases) {
+        for (const auto& [phase, when] : cancelWhen) {
             SettingsManager& settings = *SettingsManager::shared();
             FileTools tools;
             prepare(tools, threads);
@@ -105,31 +79,18 @@ TEST(SearchRun, CancellingInAnyPhasePostsOneFinishAndReturnsNothing) {
             settings.duplicateFileList.clear();
             PostLog log;
             log.onPost = [&](const PostLog::Post& p) {
-                if (c.when(p)) {
+                if (when(p)) {
                     settings.searchCanceledByUser = true;
                 }
             };
-            EXPECT_FALSE(runSearchJob(settings, tools)) << c.phase;
-            EXPECT_EQ(log.count(kSearchThreadFinished), 1) << c.phase;
-            EXPECT_EQ(log.posts.back().name, kSearchThreadFinished) << c.phase;
-            EXPECT_TRUE(settings.duplicateFileList.empty()) << c.phase;
+            EXPECT_FALSE(runSearchJob(settings, tools)) << phase;
+            EXPECT_EQ(log.count(kSearchThreadFinished), 1) << phase;
+            EXPECT_EQ(log.posts.back().name, kSearchThreadFinished) << phase;
+            EXPECT_TRUE(settings.duplicateFileList.empty()) << phase;
             EXPECT_TRUE(settings.fileList.empty());
             settings.searchCanceledByUser = false;
         }
     }
-}
-
-TEST(SearchRun, CancelledSortReturnsEarly) {
-    FileTools tools;
-    tools.settingsManager->searchCanceledByUser = true;
-    for (std::uint64_t s : {1, 2, 3}) {
-        auto f = std::make_shared<File>("/");
-        f->size = s;
-        tools.fileList.push_back(f);
-    }
-    tools.quickSort(0, 2);
-    EXPECT_EQ(tools.fileList[0]->size, 1U);
-    tools.settingsManager->searchCanceledByUser = false;
 }
 
 TEST(SearchRun, SearchJobPutsEachHeadsOwnEntryFirst) {

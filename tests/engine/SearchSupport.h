@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -30,12 +31,8 @@ struct PostLog {
             onPost(p);
         }
     }
-    int count(const std::string& name) const {
-        int n = 0;
-        for (const Post& p : posts) {
-            n += p.name == name ? 1 : 0;
-        }
-        return n;
+    long count(const std::string& name) const {
+        return std::count_if(posts.begin(), posts.end(), [&](auto& p) { return p.name == name; });
     }
     // The "checkedFiles" values of the comparison posts, in order.
     std::vector<std::int64_t> checkedSequence() const {
@@ -57,8 +54,21 @@ inline void prepare(FileTools& tools, unsigned threads) {
 }
 
 inline FileList search(FileTools& tools, const std::vector<std::string>& folders,
-                       std::uint64_t minimum = 0) {
-    return tools.findDuplicateFiles(folders, minimum, UINT64_MAX, true, {});
+                       bool ignorePackages = true) {
+    return tools.findDuplicateFiles(folders, 0, UINT64_MAX, ignorePackages, {});
+}
+
+// One line per group: the head, then its copies, relative to root.
+inline std::vector<std::string> groupLines(const FileList& heads, const std::string& root) {
+    std::vector<std::string> out;
+    for (const FilePtr& h : heads) {
+        std::string line = h->path.substr(root.size() + 1);
+        for (const DuplicateFilePtr& d : h->duplicates) {
+            line += " " + d->path.substr(root.size() + 1);
+        }
+        out.push_back(line);
+    }
+    return out;
 }
 
 } // namespace twinsweep::testing

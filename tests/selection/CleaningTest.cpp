@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <map>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,28 +15,25 @@
 using namespace twinsweep;
 using namespace twinsweep::testing;
 using Alerts = std::vector<CleaningAlert>;
+using Texts = std::vector<std::string>;
+using Snapshot = std::map<std::string, std::string>;
 
 namespace {
 
-bool exists(const std::string& path) {
-    struct stat st {};
-    return ::lstat(path.c_str(), &st) == 0;
-}
-
-// Answers each alert from a script and remembers what was asked.
+// Answers each alert from a script (then "Yes") and remembers what was asked.
 struct ScriptedPrompt : CleaningPrompt {
-    bool answer = true;
+    std::vector<bool> answers;
     Alerts asked;
     bool ask(CleaningAlert alert) override {
         asked.push_back(alert);
-        return answer;
+        return asked.size() > answers.size() || answers[asked.size() - 1];
     }
 };
 
 // Removes with plain system calls: "trash" moves into a folder of the test.
 struct PosixRemover : FileRemover {
     std::string trash;
-    std::vector<std::string> calls;
+    Texts calls;
     static RemovalResult result(bool ok) {
         RemovalResult r;
         r.ok = ok;
@@ -69,6 +66,19 @@ struct Cleaning : ::testing::Test {
         s.duplicateFileList = {three, two};
     }
     CleaningReport run(const FileList& listed) { return clean(listed, s, prompt, remover); }
+    std::string path(const FilePtr& group, int member) { return group->duplicates[member]->path; }
+    // The tree less the test's trash folder, and the same less the members gone.
+    Snapshot files() const {
+        Snapshot all = tree.snapshot();
+        std::erase_if(all, [](const auto& e) { return e.first.starts_with("trash"); });
+        return all;
+    }
+    Snapshot less(Snapshot files, const Texts& gone) const {
+        for (const std::string& p : gone) {
+            EXPECT_EQ(files.erase(p.substr(tree.root().size() + 1)), 1u) << p;
+        }
+        return files;
+    }
 };
 
 } // namespace
@@ -85,57 +95,48 @@ TEST_F(Cleaning, NothingMarkedAmongTheListedGroups) {
 }
 
 TEST_F(Cleaning, QuestionsComeInOrderAndNoChangesNothing) {
+    const Snapshot before = files();
     applyKeepOption(*two, kRemoveAll, s.duplicateFileList);
-    prompt.answer = false;
+    prompt.answers = {false};
     EXPECT_EQ(run({three, two}).outcome, CleaningOutcome::Declined);
     EXPECT_EQ(prompt.asked, (Alerts{CleaningAlert::WholeGroups}));
 
+    // "Yes" to the whole groups, "No" to deleting for good: still nothing removed.
     s.moveToTrash = false;
-    prompt.asked.clear();
-    prompt.answer = true;
-    // With "Yes" to the first, "No" to the second: still nothing removed.
-    struct YesThenNo : CleaningPrompt {
-        Alerts asked;
-        bool ask(CleaningAlert a) override {
-            asked.push_back(a);
-            return asked.size() == 1;
-        }
-    } yesThenNo;
-    EXPECT_EQ(clean({three, two}, s, yesThenNo, remover).outcome, CleaningOutcome::Declined);
-    EXPECT_EQ(yesThenNo.asked,
-              (Alerts{CleaningAlert::WholeGroups, CleaningAlert::PermanentDeletion}));
+    prompt = {};
+    prompt.answers = {true, false};
+    EXPECT_EQ(run({three, two}).outcome, CleaningOutcome::Declined);
+    EXPECT_EQ(prompt.asked, (Alerts{CleaningAlert::WholeGroups, CleaningAlert::PermanentDeletion}));
     EXPECT_TRUE(remover.calls.empty());
-    EXPECT_TRUE(exists(two->duplicates[0]->path));
+    EXPECT_EQ(files(), before);
     EXPECT_EQ(two->duplicates.size(), 2u);
 
     // Only permanent deletion asks when no whole group is marked.
     applyKeepOption(*two, kKeepOldest, s.duplicateFileList);
-    const std::string gone = two->duplicates[1]->path;
+    const std::string gone = path(two, 1);
+    prompt = {};
     const CleaningReport r = run({three, two});
     EXPECT_EQ(prompt.asked, (Alerts{CleaningAlert::PermanentDeletion}));
-    EXPECT_EQ(remover.calls, (std::vector<std::string>{"delete " + gone}));
+    EXPECT_EQ(remover.calls, (Texts{"delete " + gone}));
     EXPECT_EQ(r.removed, 1);
     EXPECT_EQ(r.bytesFreed, 2u);
-    EXPECT_FALSE(exists(gone));
+    EXPECT_EQ(files(), less(before, {gone}));
 }
 
 TEST_F(Cleaning, RemovesMarkedMembersAndPrunesGroups) {
     three->duplicates[2]->checkState = 1;
     two->duplicates[0]->checkState = 1;
     two->duplicates[1]->checkState = 1;
-    const auto threeKept = three->duplicates[0]->path;
-    const auto threeGone = three->duplicates[2]->path;
-    const auto twoPaths = std::vector{two->duplicates[0]->path, two->duplicates[1]->path};
+    const Snapshot before = files();
+    const Texts gone{path(three, 2), path(two, 0), path(two, 1)};
 
     const CleaningReport r = run(s.duplicateFileList);
     EXPECT_EQ(prompt.asked, (Alerts{CleaningAlert::WholeGroups})); // Trash: one question
     EXPECT_EQ(r.outcome, CleaningOutcome::Cleaned);
     EXPECT_EQ(r.removed, 3);
     EXPECT_EQ(r.bytesFreed, 3u + 2u + 2u);
-    EXPECT_TRUE(exists(threeKept));
-    EXPECT_FALSE(exists(threeGone));
-    EXPECT_FALSE(exists(twoPaths[0]));
-    EXPECT_FALSE(exists(twoPaths[1]));
+    EXPECT_EQ(files(), less(before, gone));
+    EXPECT_EQ(tree.snapshot().count("trash/3"), 1u);
     // The group of three keeps its two unmarked members; the other leaves.
     EXPECT_EQ(three->duplicates.size(), 2u);
     EXPECT_EQ(markedCount(*three), 0);
@@ -143,58 +144,79 @@ TEST_F(Cleaning, RemovesMarkedMembersAndPrunesGroups) {
 
     // Cleaning the last group leaves nothing listed.
     applyKeepOption(*three, kKeepNewest, s.duplicateFileList);
+    const std::string last = path(three, 1);
     run(s.duplicateFileList);
     EXPECT_TRUE(s.duplicateFileList.empty());
     EXPECT_EQ(three->duplicates.size(), 1u);
-    EXPECT_TRUE(exists(three->duplicates[0]->path));
+    EXPECT_EQ(files(), less(less(before, gone), {last}));
 }
 
-TEST_F(Cleaning, FailuresAndChangedFilesAreReportedAndNotRemoved) {
+TEST_F(Cleaning, VanishedChangedAndProtectedCopiesAreReportedAndNotRemoved) {
     applyKeepOption(*three, kKeepOldest, s.duplicateFileList); // marks b and c
     applyKeepOption(*two, kKeepOldest, s.duplicateFileList);   // marks b/2.txt
-    const std::string vanished = three->duplicates[1]->path;
-    const std::string changed = three->duplicates[2]->path;
-    const std::string fine = two->duplicates[1]->path;
+    const std::string vanished = path(three, 1);
+    const std::string changed = path(three, 2);
+    const std::string fine = path(two, 1);
     ASSERT_EQ(::unlink(vanished.c_str()), 0);
-    tree.write("c/1.jpg", "abcd"); // rewritten after the search
-    // Unmarked files stay whatever happens.
-    const std::string unmarked = three->duplicates[0]->path;
+    // The same bytes, touched after the search: changed all the same.
+    const timespec later[2] = {{0, UTIME_OMIT}, {1234567890, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, changed.c_str(), later, 0), 0);
+    // A copy inside a protected folder is never removed, marked or not; nor
+    // one that the search never saw.
+    const std::string guard = tree.write("p/3", "q"), unseen = tree.write("r/3", "q");
+    FilePtr guarded = makeGroup({{guard, ""}, {tree.write("q/3", "q"), ""}, {unseen, ""}});
+    guarded->duplicates[0]->checkState = 1;
+    guarded->duplicates[2]->checkState = 1;
+    guarded->duplicates[2]->seen = {};
+    s.protectedFolders = {tree.path("p")};
+    s.duplicateFileList.push_back(guarded);
+    const Snapshot before = files();
 
     StdoutCapture out;
     const CleaningReport r = run(s.duplicateFileList);
     const auto printed = lines(out.finish());
-    ASSERT_EQ(printed.size(), 2u);
-    EXPECT_EQ(printed[0], "Error:  " + vanished + ": No such file or directory");
-    EXPECT_EQ(printed[1].rfind("Error:  " + changed + ": ", 0), 0u) << printed[1];
-    EXPECT_EQ(r.failed, 2);
+    EXPECT_EQ(printed, (Texts{"Error:  " + vanished + ": No such file or directory",
+                              "Error:  " + changed + ": changed since the search, not removed",
+                              "Error:  " + guard + ": in a protected folder, not removed",
+                              "Error:  " + unseen + ": not seen by the search, not removed"}));
+    EXPECT_EQ(r.failed, 4);
     EXPECT_EQ(r.removed, 1);
-    EXPECT_TRUE(exists(changed));
-    EXPECT_TRUE(exists(unmarked));
-    EXPECT_FALSE(exists(fine));
-    EXPECT_EQ(remover.calls, (std::vector<std::string>{"trash " + fine}));
+    EXPECT_EQ(files(), less(before, {fine}));
+    EXPECT_EQ(remover.calls, (Texts{"trash " + fine}));
     // Attempted members leave their groups all the same.
     EXPECT_TRUE(s.duplicateFileList.empty());
     EXPECT_EQ(three->duplicates.size(), 1u);
 }
 
-TEST_F(Cleaning, AFileReplacedUnderTheSameNameIsNotRemoved) {
+TEST_F(Cleaning, OnlyAnUnmarkedCopyAsTheSearchSawItAndWithTheSameBytesVouches) {
+    // The kept copy was replaced under its name (same bytes, another file);
+    // the marked copies must not vouch for each other.
     three->duplicates[1]->checkState = 1;
-    const std::string path = three->duplicates[1]->path;
-    const std::string other = tree.write("elsewhere", "abc");
-    ASSERT_EQ(::rename(other.c_str(), path.c_str()), 0); // same size, another inode
-
-    // A member the search never saw is not removed either.
     three->duplicates[2]->checkState = 1;
-    three->duplicates[2]->seen = {};
+    const std::string kept = path(three, 0);
+    ASSERT_EQ(::rename(tree.write("elsewhere", "abc").c_str(), kept.c_str()), 0);
+    // The other kept copy got other bytes of the same length, its time put back.
+    two->duplicates[1]->checkState = 1;
+    struct stat st {};
+    ASSERT_EQ(::stat(path(two, 0).c_str(), &st), 0);
+    tree.write("a/2.txt", "zy");
+    const timespec times[2] = {st.st_atim, st.st_mtim};
+    ASSERT_EQ(::utimensat(AT_FDCWD, path(two, 0).c_str(), times, 0), 0);
+    const std::string marked = path(two, 1);
+    const Snapshot before = files();
+
     StdoutCapture out;
     const CleaningReport r = run(s.duplicateFileList);
     const std::string printed = out.finish();
-    EXPECT_EQ(r.failed, 2);
+    EXPECT_EQ(r.failed, 3);
     EXPECT_TRUE(remover.calls.empty());
-    EXPECT_TRUE(exists(path));
-    EXPECT_NE(printed.find(path + ": replaced by another file since the search"), std::string::npos)
+    EXPECT_EQ(files(), before);
+    EXPECT_EQ(lines(printed).size(), 3u) << printed;
+    EXPECT_NE(printed.find(kept + ": replaced by another file since the search"), std::string::npos)
         << printed;
-    EXPECT_NE(printed.find(": not seen by the search"), std::string::npos) << printed;
+    EXPECT_NE(printed.find(marked + ": not byte for byte the same as " + tree.path("a/2.txt")),
+              std::string::npos)
+        << printed;
 }
 
 TEST_F(Cleaning, AFailingRemovalIsReportedAndCleaningGoesOn) {
@@ -205,14 +227,13 @@ TEST_F(Cleaning, AFailingRemovalIsReportedAndCleaningGoesOn) {
     two->duplicates[1]->checkState = 1;
     s.duplicateFileList.push_back(group);
     s.moveToTrash = false;
+    const Snapshot before = files();
 
     StdoutCapture out;
     const CleaningReport r = run({group, two});
-    const auto printed = lines(out.finish());
-    ASSERT_EQ(printed.size(), 1u);
-    EXPECT_EQ(printed[0], "Error:  " + std::string(std::strerror(EISDIR)));
+    EXPECT_EQ(lines(out.finish()), (Texts{"Error:  " + std::string(std::strerror(EISDIR))}));
     EXPECT_EQ(r.failed, 1);
     EXPECT_EQ(r.removed, 1);
-    EXPECT_TRUE(exists(folder));
+    EXPECT_EQ(files(), less(before, {tree.path("b/2.txt")}));
     EXPECT_EQ(s.duplicateFileList, (FileList{three}));
 }

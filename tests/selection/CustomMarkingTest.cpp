@@ -56,6 +56,9 @@ TEST_F(CustomMarking, OneGroupSparesNothingAndStoresTheRules) {
 
     ASSERT_TRUE(applyCustomRules(*allIn, s)); // every member passes: all marked
     EXPECT_EQ(marks(*allIn), (Marks{1, 1, 1}));
+    allIn->duplicates[1]->isProtected = true; // but never a protected one
+    applyCustomRules(*allIn, s);
+    EXPECT_EQ(marks(*allIn), (Marks{1, 0, 1}));
     EXPECT_EQ(hidden->keepOption, 0);
     EXPECT_EQ(markedCount(*hidden), 0);
 

@@ -1,7 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <tuple>
+
 #include "Groups.h"
 #include "selection/KeepOptions.h"
+#include "settings/SettingsManager.h"
 #include "support/TempTree.h"
 
 using namespace twinsweep;
@@ -21,30 +25,26 @@ struct KeepOptions : ::testing::Test {
 
 } // namespace
 
-TEST_F(KeepOptions, EachOptionMarksAsItSaysAndOverridesHandMarks) {
+TEST_F(KeepOptions, EachOptionMarksAsItSaysOverridesHandMarksAndSparesProtectedCopies) {
     group->duplicates[0]->checkState = 1; // a hand mark on the head
-    ASSERT_TRUE(applyKeepOption(*group, kKeepOldest, all));
-    EXPECT_EQ(group->keepOption, 1);
-    EXPECT_EQ(marks(*group), (Marks{1, 0, 1}));
-
-    ASSERT_TRUE(applyKeepOption(*group, kKeepNewest, all));
-    EXPECT_EQ(group->keepOption, 2);
-    EXPECT_EQ(marks(*group), (Marks{1, 1, 0}));
-    EXPECT_EQ(markedCount(*group), 2);
-
-    ASSERT_TRUE(applyKeepOption(*group, kRemoveAll, all));
-    EXPECT_EQ(marks(*group), (Marks{1, 1, 1}));
-    EXPECT_EQ(markedCount(*group), 3);
-
-    ASSERT_TRUE(applyKeepOption(*group, kKeepAll, all));
-    EXPECT_EQ(group->keepOption, 0);
-    EXPECT_EQ(marks(*group), (Marks{0, 0, 0}));
-    EXPECT_EQ(markedCount(*group), 0);
-
+    const std::tuple<int, Marks> cases[] = {{kKeepOldest, {1, 0, 1}},
+                                            {kKeepNewest, {1, 1, 0}},
+                                            {kRemoveAll, {1, 1, 1}},
+                                            {kKeepAll, {0, 0, 0}}};
+    for (const auto& [option, expected] : cases) {
+        ASSERT_TRUE(applyKeepOption(*group, option, all));
+        EXPECT_EQ(group->keepOption, option);
+        EXPECT_EQ(marks(*group), expected) << option;
+        EXPECT_EQ(markedCount(*group), std::count(expected.begin(), expected.end(), 1)) << option;
+    }
     // The custom option is not a plain keep option; out-of-range values are ignored.
     EXPECT_FALSE(applyKeepOption(*group, kKeepCustom, all));
     EXPECT_FALSE(applyKeepOption(*group, -1, all));
-    EXPECT_EQ(group->keepOption, 0);
+    EXPECT_EQ(group->keepOption, kKeepAll);
+
+    group->duplicates[1]->isProtected = true; // never marked by an option
+    applyKeepOption(*group, kRemoveAll, all);
+    EXPECT_EQ(marks(*group), (Marks{1, 0, 1}));
 }
 
 TEST_F(KeepOptions, TiesKeepTheFirstMemberOnTheTwelveHourClock) {
@@ -78,25 +78,17 @@ TEST_F(KeepOptions, UnreadableDatesNeverWinAndAnUnreadablePickStays) {
     EXPECT_EQ(newestCopy(group->duplicates), group->duplicates[0]);
 
     // Two-digit years fall within 80 years before and 20 after now.
-    std::tm nowFields{};
-    nowFields.tm_year = 2026 - 1900;
-    nowFields.tm_mon = 10;
-    nowFields.tm_mday = 23;
-    nowFields.tm_hour = 12;
-    nowFields.tm_isdst = -1;
-    const std::time_t now = std::mktime(&nowFields);
-    const auto yearOf = [now](const char* text) {
+    DateTime day = 0;
+    ASSERT_TRUE(parseDayText("23/11/2026", day));
+    const std::time_t now = static_cast<std::time_t>(day) + 12 * 3600;
+    const std::pair<const char*, int> years[] = {
+        {"46-12-01 01:00:00", 1946}, {"46-11-01 01:00:00", 2046}, {"45-12-31 11:59:59", 2045},
+        {"68-06-15 03:00:00", 1968}, {"99-01-01 01:00:00", 1999}, {"00-01-01 01:00:00", 2000}};
+    for (const auto& [text, year] : years) {
         const auto t = parseMemberDate(text, now);
         std::tm out{};
-        return t && ::localtime_r(&*t, &out) ? out.tm_year + 1900 : -1;
-    };
-    EXPECT_EQ(yearOf("46-12-01 01:00:00"), 1946);
-    EXPECT_EQ(yearOf("46-11-01 01:00:00"), 2046);
-    EXPECT_EQ(yearOf("45-12-31 11:59:59"), 2045);
-    EXPECT_EQ(yearOf("68-06-15 03:00:00"), 1968);
-    EXPECT_EQ(yearOf("99-01-01 01:00:00"), 1999);
-    EXPECT_EQ(yearOf("00-01-01 01:00:00"), 2000);
-
+        EXPECT_EQ(t && ::localtime_r(&*t, &out) ? out.tm_year + 1900 : -1, year) << text;
+    }
     EXPECT_FALSE(parseMemberDate("17-03-05 13:04:09"));
     EXPECT_FALSE(parseMemberDate("17-03-05 03:04:09 "));
     EXPECT_FALSE(parseMemberDate(""));
@@ -113,15 +105,13 @@ TEST_F(KeepOptions, GroupsWithTheSamePathGetTheSameMarks) {
 
     applyKeepOption(*group, kKeepOldest, list);
     // The twin follows the group's own pick, not its own dates.
-    EXPECT_EQ(twin->keepOption, 1);
+    EXPECT_EQ(twin->keepOption, kKeepOldest);
     EXPECT_EQ(marks(*twin), (Marks{1, 0, 1}));
-    EXPECT_EQ(other->keepOption, 0);
     EXPECT_EQ(marks(*other), (Marks{0, 0}));
 
     const SamePathIndex index(list);
     applyKeepOption(*group, kRemoveAll, index);
     EXPECT_EQ(marks(*twin), (Marks{1, 1, 1}));
-    EXPECT_EQ(twin->keepOption, 3);
     EXPECT_EQ(marks(*other), (Marks{0, 0}));
     EXPECT_EQ(index.groupsAt(other->path).size(), 1u);
     EXPECT_TRUE(index.groupsAt("/nowhere").empty());

@@ -25,34 +25,26 @@ TempTree::TempTree(const std::string& base) {
     root_ = fs::canonical(tmpl).string();
 }
 
-TempTree::~TempTree() {
-    removeTree(root_);
-}
-
-std::string TempTree::path(const std::string& rel) const {
-    return root_ + "/" + rel;
-}
-
 std::string TempTree::mkdir(const std::string& rel) const {
     fs::create_directories(path(rel));
     return path(rel);
 }
 
-std::string TempTree::write(const std::string& rel, const std::string& contents) const {
+std::string TempTree::withParent(const std::string& rel) const {
     const std::string p = path(rel);
     fs::create_directories(fs::path(p).parent_path());
+    return p;
+}
+
+std::string TempTree::write(const std::string& rel, const std::string& contents) const {
+    const std::string p = withParent(rel);
     std::ofstream out(p, std::ios::binary | std::ios::trunc);
     out << contents;
     return p;
 }
 
-std::string TempTree::writeSized(const std::string& rel, std::uint64_t size, char fill) const {
-    return write(rel, std::string(size, fill));
-}
-
 std::string TempTree::sparse(const std::string& rel, std::uint64_t size) const {
-    const std::string p = path(rel);
-    fs::create_directories(fs::path(p).parent_path());
+    const std::string p = withParent(rel);
     const int fd = ::open(p.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     if (fd < 0 || ::ftruncate(fd, static_cast<off_t>(size)) != 0) {
         throw std::runtime_error("sparse file failed");
@@ -62,8 +54,7 @@ std::string TempTree::sparse(const std::string& rel, std::uint64_t size) const {
 }
 
 std::string TempTree::symlink(const std::string& target, const std::string& rel) const {
-    const std::string p = path(rel);
-    fs::create_directories(fs::path(p).parent_path());
+    const std::string p = withParent(rel);
     fs::create_symlink(target, p);
     return p;
 }
@@ -75,6 +66,17 @@ void TempTree::openToEveryone() const {
             ::chmod(e.path().c_str(), e.is_directory() ? 0777 : 0666);
         }
     }
+}
+
+std::map<std::string, std::string> TempTree::snapshot() const {
+    std::map<std::string, std::string> out;
+    for (const auto& e : fs::recursive_directory_iterator(root_)) {
+        out[e.path().string().substr(root_.size() + 1)] =
+            e.is_symlink()     ? "-> " + fs::read_symlink(e.path()).string()
+            : e.is_directory() ? "/"
+                               : slurp(e.path().string());
+    }
+    return out;
 }
 
 int runUnprivileged(const std::function<int()>& body) {
@@ -135,11 +137,9 @@ std::string StdoutCapture::finish() {
     std::fflush(stdout);
     ::dup2(saved_, STDOUT_FILENO);
     ::close(saved_);
-    std::ifstream in(file_, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
+    std::string text = slurp(file_);
     ::unlink(file_.c_str());
-    return ss.str();
+    return text;
 }
 
 std::vector<std::string> lines(const std::string& text) {
@@ -151,10 +151,6 @@ std::vector<std::string> lines(const std::string& text) {
     }
     return out;
 }
-
-} // namespace twinsweep::testing
-
-namespace twinsweep::testing {
 
 std::string slurp(const std::string& path) {
     std::ifstream in(path, std::ios::binary);

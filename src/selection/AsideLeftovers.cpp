@@ -1,0 +1,100 @@
+#include "selection/AsideLeftovers.h"
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <string_view>
+#include <unistd.h>
+#include <vector>
+
+#include "engine/Diagnostics.h"
+#include "selection/Fd.h"
+
+namespace twinsweep {
+
+namespace {
+
+constexpr std::string_view kPrefix = ".twinsweep-aside-";
+constexpr std::size_t kNameMax = 255;
+
+// The pid and the name in ".twinsweep-aside-<pid>-<n>-<name>"; false for any
+// other entry, and for one cut to fit (its own name is not known whole).
+bool parse(std::string_view entry, pid_t& pid, std::string& name) {
+    if (entry.substr(0, kPrefix.size()) != kPrefix || entry.size() >= kNameMax) {
+        return false;
+    }
+    entry.remove_prefix(kPrefix.size());
+    long long p = 0;
+    std::size_t at = 0;
+    for (; at < entry.size() && entry[at] >= '0' && entry[at] <= '9'; ++at) {
+        p = p * 10 + (entry[at] - '0');
+        if (p > 1 << 30) {
+            return false;
+        }
+    }
+    if (at == 0 || at >= entry.size() || entry[at] != '-') {
+        return false;
+    }
+    const std::size_t counterEnd = entry.find('-', at + 1);
+    if (counterEnd == std::string_view::npos || counterEnd == at + 1 ||
+        counterEnd + 1 >= entry.size()) {
+        return false;
+    }
+    pid = static_cast<pid_t>(p);
+    name.assign(entry.substr(counterEnd + 1));
+    return true;
+}
+
+// A process we may not signal is still one that runs.
+bool running(pid_t pid) {
+    return pid == ::getpid() || ::kill(pid, 0) == 0 || errno == EPERM;
+}
+
+} // namespace
+
+std::string asideName(const std::string& name) {
+    static std::atomic<unsigned> counter{0};
+    std::string aside = std::string(kPrefix) + std::to_string(::getpid()) + "-" +
+                        std::to_string(counter.fetch_add(1)) + "-" + name;
+    if (aside.size() > kNameMax) {
+        aside.resize(kNameMax);
+    }
+    return aside;
+}
+
+void putBackLeftovers(int folderFd, const std::string& path) {
+    const int listFd = ::openat(folderFd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR* dir = listFd >= 0 ? ::fdopendir(listFd) : nullptr;
+    if (dir == nullptr) {
+        if (listFd >= 0) {
+            ::close(listFd);
+        }
+        return;
+    }
+    std::vector<std::pair<std::string, std::string>> found; // aside entry, own name
+    while (const dirent* e = ::readdir(dir)) {
+        pid_t pid = 0;
+        std::string name;
+        if (parse(e->d_name, pid, name) && !running(pid)) {
+            found.emplace_back(e->d_name, std::move(name));
+        }
+    }
+    ::closedir(dir);
+    for (const auto& [aside, name] : found) {
+        const std::string at = (path == "/" ? "" : path) + "/";
+        if (renameNoReplace(folderFd, aside, folderFd, name) == 0) {
+            printErrorLine("Note:   ",
+                           at + name + ": put back, left aside by a clean that was stopped");
+        } else {
+            printErrorLine("Note:   ",
+                           at + aside +
+                               ": left aside by a clean that was stopped, not put back as " + name +
+                               ": " + std::strerror(errno));
+        }
+    }
+}
+
+} // namespace twinsweep
