@@ -134,14 +134,21 @@ class MainWindowTest : public QObject {
         QCOMPARE(folders().back(), w);
     }
 
-    void removeFindAndCloseAskOnlyWhenTheyMust() {
+    void removeProtectFindAndCloseAskOnlyWhenTheyMust() {
         const Paths abc{tree_.mkdir("a"), tree_.mkdir("b"), tree_.mkdir("c")};
         window_->addFolders(qt(abc));
+        QAbstractItemModel* model = window_->tableViewFolders->model();
+        for (int row : {1, 2}) {
+            QVERIFY(model->setData(model->index(row, 1), Qt::Checked, Qt::CheckStateRole));
+        }
+        QCOMPARE(model->index(2, 1).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
         window_->OnRemoveSelected(); // no selection: nothing is removed
         QCOMPARE(folders().size(), std::size_t{3});
         window_->tableViewFolders->selectRow(1);
         window_->OnRemoveSelected();
         QCOMPARE(folders(), (Paths{abc[0], abc[2]}));
+        // A folder taken off the list loses its protection.
+        QCOMPARE(SettingsManager::shared()->protectedFolders, Paths{abc[2]});
 
         ModalAnswers answers;
         answers.alert(u"No"_s);
@@ -149,7 +156,7 @@ class MainWindowTest : public QObject {
         QCOMPARE(folders().size(), std::size_t{2});
         answers.alert(u"Yes"_s);
         window_->OnRemoveAll();
-        QVERIFY(folders().empty());
+        QVERIFY(folders().empty() && SettingsManager::shared()->protectedFolders.empty());
         window_->OnRemoveAll(); // an empty list asks nothing
         answers.alert(u"OK"_s);
         window_->buttonFindDuplicateFiles->click();

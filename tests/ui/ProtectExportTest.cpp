@@ -7,15 +7,13 @@
 #include "UiTestSupport.h"
 #include "selection/KeepOptions.h"
 #include "support/Csv.h"
-#include "ui/duplicates/SegmentedControl.h"
-#include "ui/main/FolderTableView.h"
 #include "ui/main/ViewController.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;
 using namespace twinsweep::ui;
 
-// Protected folders, the results window's export, hard links and Undo Clean.
+// Protected copies, the results window's export, hard links and Undo Clean.
 class ProtectExportTest : public QObject {
     Q_OBJECT
   private slots:
@@ -25,25 +23,6 @@ class ProtectExportTest : public QObject {
         settings->protectedFolders.clear();
         settings->moveToTrash = true;
         settings->replaceWithHardLinks = false;
-    }
-
-    void folderTableProtectsFolders() {
-        TempTree tree;
-        const std::string a = tree.mkdir("a"), b = tree.mkdir("b");
-        ViewController w;
-        QCOMPARE(w.addFolders({QString::fromStdString(a), QString::fromStdString(b)}), 0);
-        QAbstractItemModel* model = w.tableViewFolders->model();
-        QCOMPARE(model->index(0, 1).data(Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
-        const auto settings = SettingsManager::shared();
-        QVERIFY(model->setData(model->index(1, 1), Qt::Checked, Qt::CheckStateRole));
-        QCOMPARE(settings->protectedFolders, std::vector<std::string>{b});
-        QCOMPARE(model->index(1, 1).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
-        // A folder taken off the list loses its protection.
-        w.tableViewFolders->selectRow(1);
-        w.OnRemoveSelected();
-        QVERIFY(settings->protectedFolders.empty());
-        QVERIFY(model->setData(model->index(0, 1), Qt::Checked, Qt::CheckStateRole));
-        QCOMPARE(settings->protectedFolders, std::vector<std::string>{a});
     }
 
     void protectedCopiesCannotBeTickedOrCleaned() {
