@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Second test stage: the core, settings, selection and command-line tests built
+# Second test stage: the core, selection and command-line tests built
 # with AddressSanitizer + UndefinedBehaviorSanitizer, and again with
 # ThreadSanitizer. Any report fails the stage.
 set -euo pipefail

@@ -20,12 +20,25 @@ TEST(SearchRun, NestedFoldersAreDroppedOnlyUnderASlashBoundary) {
 
 TEST(SearchRun, ANestedFolderIsWalkedOnceAndProgressCountsEveryComparisonStep) {
     TempTree tree;
-    for (const char* name : {"a/f1", "a/b/f2", "a/b/f3"}) {
+    for (const char* name : {"a/f1", "a/b/f2", "a/b/f3", "one/f"}) {
         tree.write(name, "same");
     }
-    FileTools tools;
+    tree.mkdir("empty");
+    FileTools tools, once; // an engine runs one search
     prepare(tools, 2);
+    prepare(once, 2);
     PostLog log;
+    // No file and one file need no comparison, but a post with both counts.
+    EXPECT_TRUE(search(once, {tree.path("empty")}).empty());
+    EXPECT_TRUE(search(once, {}).empty());
+    ASSERT_FALSE(log.posts.empty());
+    EXPECT_EQ(log.posts.back().total, 0);
+    EXPECT_EQ(log.posts.back().checked, 0);
+    const FileList one = search(once, {tree.path("one")});
+    ASSERT_EQ(one.size(), 1U);
+    EXPECT_TRUE(one[0]->duplicates.empty());
+    EXPECT_TRUE(log.checkedSequence().empty());
+
     const FileList heads = search(tools, {tree.path("a"), tree.path("a/b")});
     EXPECT_EQ(tools.fileList.size(), 3U);
     ASSERT_EQ(heads.size(), 1U);
@@ -37,25 +50,6 @@ TEST(SearchRun, ANestedFolderIsWalkedOnceAndProgressCountsEveryComparisonStep) {
     }
     EXPECT_EQ(log.posts.back().total, 3);
     EXPECT_EQ(log.posts.back().checked, 3);
-}
-
-TEST(SearchRun, NoFileAndOneFileNeedNoComparison) {
-    TempTree tree;
-    tree.mkdir("empty");
-    tree.write("one/f", "x");
-    FileTools tools;
-    prepare(tools, 2);
-    PostLog log;
-    EXPECT_TRUE(search(tools, {tree.path("empty")}).empty());
-    EXPECT_TRUE(search(tools, {}).empty());
-    ASSERT_FALSE(log.posts.empty());
-    EXPECT_EQ(log.posts.back().total, 0);
-    EXPECT_EQ(log.posts.back().checked, 0);
-    const FileList heads = search(tools, {tree.path("one")});
-    ASSERT_EQ(heads.size(), 1U);
-    EXPECT_TRUE(heads[0]->duplicates.empty());
-    EXPECT_TRUE(log.checkedSequence().empty());
-    EXPECT_EQ(log.count(kSearchThreadFinished), 0);
 }
 
 TEST(SearchRun, CancellingInAnyPhasePostsOneFinishAndReturnsNothing) {
@@ -102,8 +96,8 @@ TEST(SearchRun, SearchJobPutsEachHeadsOwnEntryFirst) {
     settings.listFolderPaths = {tree.root()};
     settings.minimumFileSize = 0;
     settings.customFileTypes = true;
-    settings.listFileExtensions = {"jpg"};
     settings.duplicateFileList.clear();
+    settings.listFileExtensions = {"jpg"};
     FileTools tools;
     prepare(tools, 2);
     EXPECT_TRUE(runSearchJob(settings, tools));

@@ -83,20 +83,18 @@ struct Cleaning : ::testing::Test {
 
 } // namespace
 
-TEST_F(Cleaning, NothingMarkedAmongTheListedGroups) {
+TEST_F(Cleaning, QuestionsComeInOrderNoChangesNothingAndAFailureIsReported) {
+    const std::string folder = tree.mkdir("pkg.app");
+    FilePtr folders = makeGroup({{tree.mkdir("x.app"), ""}, {folder, ""}});
+    s.duplicateFileList.push_back(folders);
+    const Snapshot before = files();
     EXPECT_EQ(run({}).outcome, CleaningOutcome::NothingMarked);
-    EXPECT_EQ(run({three, two}).outcome, CleaningOutcome::NothingMarked);
     two->duplicates[1]->checkState = 1; // marked, but its category is hidden
     EXPECT_EQ(run({three}).outcome, CleaningOutcome::NothingMarked);
-    EXPECT_EQ(prompt.asked, (Alerts(3, CleaningAlert::NothingMarked)));
-    EXPECT_TRUE(remover.calls.empty());
-    EXPECT_EQ(s.duplicateFileList.size(), 2u);
-    EXPECT_EQ(two->duplicates.size(), 2u);
-}
+    EXPECT_EQ(prompt.asked, (Alerts(2, CleaningAlert::NothingMarked)));
 
-TEST_F(Cleaning, QuestionsComeInOrderAndNoChangesNothing) {
-    const Snapshot before = files();
     applyKeepOption(*two, kRemoveAll, s.duplicateFileList);
+    prompt = {};
     prompt.answers = {false};
     EXPECT_EQ(run({three, two}).outcome, CleaningOutcome::Declined);
     EXPECT_EQ(prompt.asked, (Alerts{CleaningAlert::WholeGroups}));
@@ -111,16 +109,22 @@ TEST_F(Cleaning, QuestionsComeInOrderAndNoChangesNothing) {
     EXPECT_EQ(files(), before);
     EXPECT_EQ(two->duplicates.size(), 2u);
 
-    // Only permanent deletion asks when no whole group is marked.
+    // Only permanent deletion asks when no whole group is marked; a removal that
+    // fails (unlink refuses a folder) is reported and the clean goes on.
     applyKeepOption(*two, kKeepOldest, s.duplicateFileList);
+    folders->duplicates[1]->checkState = 1;
     const std::string gone = path(two, 1);
     prompt = {};
-    const CleaningReport r = run({three, two});
+    StdoutCapture out;
+    const CleaningReport r = run({folders, three, two});
+    EXPECT_EQ(lines(out.finish()), (Texts{"Error:  " + std::string(std::strerror(EISDIR))}));
     EXPECT_EQ(prompt.asked, (Alerts{CleaningAlert::PermanentDeletion}));
-    EXPECT_EQ(remover.calls, (Texts{"delete " + gone}));
+    EXPECT_EQ(remover.calls, (Texts{"delete " + folder, "delete " + gone}));
+    EXPECT_EQ(r.failed, 1);
     EXPECT_EQ(r.removed, 1);
     EXPECT_EQ(r.bytesFreed, 2u);
     EXPECT_EQ(files(), less(before, {gone}));
+    EXPECT_EQ(s.duplicateFileList, (FileList{three}));
 }
 
 TEST_F(Cleaning, RemovesMarkedMembersAndPrunesGroups) {
@@ -217,23 +221,4 @@ TEST_F(Cleaning, OnlyAnUnmarkedCopyAsTheSearchSawItAndWithTheSameBytesVouches) {
     EXPECT_NE(printed.find(marked + ": not byte for byte the same as " + tree.path("a/2.txt")),
               std::string::npos)
         << printed;
-}
-
-TEST_F(Cleaning, AFailingRemovalIsReportedAndCleaningGoesOn) {
-    // The member is a folder now seen as itself; unlink refuses folders.
-    const std::string folder = tree.mkdir("pkg.app");
-    auto group = makeGroup({{tree.mkdir("x.app"), ""}, {folder, ""}});
-    group->duplicates[1]->checkState = 1;
-    two->duplicates[1]->checkState = 1;
-    s.duplicateFileList.push_back(group);
-    s.moveToTrash = false;
-    const Snapshot before = files();
-
-    StdoutCapture out;
-    const CleaningReport r = run({group, two});
-    EXPECT_EQ(lines(out.finish()), (Texts{"Error:  " + std::string(std::strerror(EISDIR))}));
-    EXPECT_EQ(r.failed, 1);
-    EXPECT_EQ(r.removed, 1);
-    EXPECT_EQ(files(), less(before, {tree.path("b/2.txt")}));
-    EXPECT_EQ(s.duplicateFileList, (FileList{three}));
 }

@@ -1,18 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "engine/File.h"
+#include "Groups.h"
 #include "selection/CustomSettingsText.h"
-#include "settings/SettingsManager.h"
 
 using namespace twinsweep;
+using namespace twinsweep::testing;
 
 namespace {
-
-DateTime day(const char* text) {
-    DateTime t = 0;
-    EXPECT_TRUE(parseDayText(text, t)) << text;
-    return t;
-}
 
 // Every rule field away from its initial value.
 void setEverything(SettingsManager& s) {
@@ -51,7 +45,7 @@ void expectSameRules(const SettingsManager& a, const SettingsManager& b) {
 
 } // namespace
 
-TEST(CustomSettingsText, RoundTripKeepsEveryFieldAndDatesToTheDay) {
+TEST(CustomSettingsText, RoundTripKeepsEveryFieldAndDatesToTheDayAndResetClears) {
     SettingsManager written;
     setEverything(written);
     const std::string text = customSettingsText(written);
@@ -66,6 +60,14 @@ TEST(CustomSettingsText, RoundTripKeepsEveryFieldAndDatesToTheDay) {
     expectSameRules(read, written);
     // Not part of the text.
     EXPECT_EQ(read.customSettingsOption, "OK");
+    EXPECT_EQ(read.customMessageRespone, 2);
+
+    // A reset gives the initial values with an empty folder, and closes the rules.
+    resetCustomSettings(read);
+    SettingsManager fresh;
+    fresh.customFilePath = "";
+    expectSameRules(read, fresh);
+    EXPECT_EQ(read.customSettingsOption, "Cancel");
     EXPECT_EQ(read.customMessageRespone, 2);
 }
 
@@ -106,8 +108,10 @@ TEST(CustomSettingsText, MalformedTextChangesNothing) {
         withLine(2, "+"),
         withLine(2, "0x1"),
         withLine(10, "9223372036854775808"),
+        withLine(3, "31/02/2017"), // dates are read strictly: a real day, two-digit parts
+        withLine(3, "29/02/2019"),
         withLine(3, "1/1/2017"),
-        withLine(3, "31/02/2017"),
+        withLine(3, "00/01/2017"),
         withLine(7, "01-01-2017"),
         withLine(22, "4"),  // announces more extensions than there are lines
         withLine(22, "-1"), // a negative count
@@ -125,17 +129,4 @@ TEST(CustomSettingsText, MalformedTextChangesNothing) {
     SettingsManager edge;
     EXPECT_TRUE(loadCustomSettings(edge, withLine(10, "-9223372036854775808")));
     EXPECT_EQ(edge.firstFileSize, INT64_MIN);
-}
-
-TEST(CustomSettingsText, ResetGivesInitialValuesWithAnEmptyFolder) {
-    SettingsManager s;
-    setEverything(s);
-    s.customSettingsOption = "OK";
-    s.customMessageRespone = 3;
-    resetCustomSettings(s);
-    SettingsManager fresh;
-    fresh.customFilePath = "";
-    expectSameRules(s, fresh);
-    EXPECT_EQ(s.customSettingsOption, "Cancel");
-    EXPECT_EQ(s.customMessageRespone, 3);
 }

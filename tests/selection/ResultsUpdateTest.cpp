@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "Groups.h"
+#include "selection/Breakdown.h"
 #include "selection/CustomMarking.h"
+#include "selection/CustomSettingsText.h"
 #include "selection/KeepOptions.h"
 #include "selection/ResultsUpdate.h"
 #include "support/TempTree.h"
@@ -16,10 +18,16 @@ namespace {
 struct ResultsUpdate : ::testing::Test {
     TempTree tree;
     SettingsManager s;
-    FilePtr group(const std::string& name) {
-        FilePtr g = makeGroup({{tree.write("a/" + name, "12345"), "17-01-01 01:00:00"},
-                               {tree.write("b/" + name, "12345"), "16-01-01 01:00:00"}});
-        g->size = 5;
+    // count copies of name in folders a, b, ..., each standing for size bytes.
+    FilePtr group(const std::string& name, std::uint64_t size = 5, int count = 2) {
+        std::vector<std::pair<std::string, std::string>> members;
+        for (int i = 0; i < count; ++i) {
+            members.push_back(
+                {tree.write(std::string(1, static_cast<char>('a' + i)) + "/" + name, "12345"),
+                 "1" + std::to_string(7 - i) + "-01-01 01:00:00"});
+        }
+        FilePtr g = makeGroup(members);
+        g->size = size;
         return g;
     }
     FilePtr pic1 = group("1.jpg"), song = group("2.mp3"), pic2 = group("3.png");
@@ -55,8 +63,8 @@ TEST_F(ResultsUpdate, CategoryChangeRebuildsTheListButNeverMarks) {
     r.categoryShown[1] = false; // hide music
     ComputedResults out = computeResults(r, s);
     EXPECT_EQ(out.listed, (FileList{pic1, pic2}));
-    EXPECT_EQ(out.figures.texts[0], "shown"); // passed on unchanged
-    EXPECT_EQ(out.spaceSaved.bytes, 0u);      // music's marks are hidden
+    EXPECT_EQ(out.figures.texts[0], "shown");                            // passed on unchanged
+    EXPECT_EQ(out.spaceSaved, (SpaceSaved{0, "0 B", kPlainTextColour})); // music's are hidden
     EXPECT_EQ(marks(*pic1), (Marks{0, 0}));
     EXPECT_EQ(marks(*song), (Marks{1, 0}));
     r.categoryShown[1] = true; // showing it again brings its marks back
@@ -93,15 +101,44 @@ TEST_F(ResultsUpdate, CustomOptionOnlyAfterOK) {
     ResultsRequest r;
     r.listed = s.duplicateFileList;
     r.segment = kKeepCustom;
-    r.applyForAll = true;
-    computeResults(r, s); // the rules window was cancelled
-    EXPECT_EQ(pic1->keepOption, 0);
-    EXPECT_EQ(markedCount(*pic1), 0);
-
+    for (const char* answer : {"Cancel", "ok"}) { // the rules window said no
+        s.customSettingsOption = answer;
+        for (bool all : {false, true}) {
+            r.applyForAll = all;
+            computeResults(r, s);
+            EXPECT_EQ(pic1->keepOption, 0);
+            EXPECT_EQ(markedCount(*pic1), 0);
+            EXPECT_EQ(pic1->customSettings.str(), defaultRuleText());
+        }
+    }
     s.customSettingsOption = "OK";
     EXPECT_EQ(computeResults(r, s).spaceSaved.bytes, 15u);
     for (const FilePtr& g : s.duplicateFileList) {
         EXPECT_EQ(g->keepOption, kKeepCustom);
         EXPECT_EQ(marks(*g), (Marks{0, 1}));
     }
+}
+
+TEST_F(ResultsUpdate, PercentagesCountEveryMemberWhateverIsMarkedAndRoundTiesToEven) {
+    const FileTools tools;
+    EXPECT_EQ(categoryPercentages(tools, {}), CategoryFigures{});
+    FilePtr photo = group("a.JPG", 10, 3);
+    photo->duplicates[0]->checkState = 1;
+    CategoryFigures pictures;
+    pictures.bars[0] = 100.0;
+    pictures.texts[0] = "100%";
+    EXPECT_EQ(categoryPercentages(tools, {photo}), pictures);
+
+    // 30 bytes of pictures, 10 of music, 200 of other, 0 of documents:
+    // 12.5% (to even: 12%), 4.2% and 83.3%.
+    FilePtr empty = group("d.pdf", 0, 4);
+    const CategoryFigures f =
+        categoryPercentages(tools, {photo, group("b.ogg", 5, 2), group("c.xyz", 100, 2), empty});
+    EXPECT_DOUBLE_EQ(f.bars[0], 12.5);
+    EXPECT_EQ(f.texts,
+              (std::array<std::string, kCategoryCount>{"12%", "4%", "0%", "0%", "0%", "83%"}));
+    // Groups of empty files only: nothing to divide.
+    EXPECT_EQ(categoryPercentages(tools, {empty}), CategoryFigures{});
+    EXPECT_EQ(percentText(13.5), "14%");
+    EXPECT_EQ(percentText(99.6), "100%");
 }

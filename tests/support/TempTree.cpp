@@ -25,6 +25,20 @@ TempTree::TempTree(const std::string& base) {
     root_ = fs::canonical(tmpl).string();
 }
 
+TempTree::~TempTree() {
+    std::error_code ec;
+    // Folders made unreadable by a test must be opened up before removal.
+    for (auto it = fs::recursive_directory_iterator(
+             root_, fs::directory_options::skip_permission_denied, ec);
+         !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
+        if (it->is_directory(ec) && !it->is_symlink(ec)) {
+            ::chmod(it->path().c_str(), 0755);
+        }
+    }
+    ::chmod(root_.c_str(), 0755);
+    fs::remove_all(root_, ec);
+}
+
 std::string TempTree::mkdir(const std::string& rel) const {
     fs::create_directories(path(rel));
     return path(rel);
@@ -99,20 +113,6 @@ int runUnprivileged(const std::function<int()>& body) {
         return -1;
     }
     return WEXITSTATUS(status);
-}
-
-void removeTree(const std::string& path) {
-    std::error_code ec;
-    // Folders made unreadable by a test must be opened up before removal.
-    for (auto it = fs::recursive_directory_iterator(
-             path, fs::directory_options::skip_permission_denied, ec);
-         !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
-        if (it->is_directory(ec) && !it->is_symlink(ec)) {
-            ::chmod(it->path().c_str(), 0755);
-        }
-    }
-    ::chmod(path.c_str(), 0755);
-    fs::remove_all(path, ec);
 }
 
 StdoutCapture::StdoutCapture() {

@@ -8,15 +8,12 @@
 
 namespace twinsweep::testing {
 
-// Removes a whole tree, making folders writable first.
-void removeTree(const std::string& path);
-
 // A temporary folder, removed with everything in it when the object goes.
 class TempTree {
   public:
     // In the system's temporary folder, or under base when given.
     explicit TempTree(const std::string& base = {});
-    ~TempTree() { removeTree(root_); }
+    ~TempTree();
     TempTree(const TempTree&) = delete;
     TempTree& operator=(const TempTree&) = delete;
 

@@ -10,101 +10,21 @@
 #include "selection/Cleaning.h"
 #include "selection/CustomMarking.h"
 #include "ui/customkeep/ViewControllerCustomKeep.h"
-#include "ui/duplicates/GroupsModel.h"
-#include "ui/duplicates/SegmentedControl.h"
-#include "ui/info/ViewControllerInfo.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;
-using twinsweep::ui::GroupsModel;
-using twinsweep::ui::ViewControllerCustomKeep;
-using twinsweep::ui::ViewControllerDuplicates;
-using twinsweep::ui::ViewControllerInfo;
+using namespace twinsweep::ui;
 using Marks = std::vector<std::int64_t>;
 
 namespace {
-
-QString sizeText(std::uint64_t bytes) {
-    return QString::fromStdString(FileTools::fileSizeText(bytes));
-}
 
 QString text(CleaningAlert a) {
     return QString::fromStdString(alertText(a).informativeText);
 }
 
-// Three pictures, two documents and two songs (9000 + 4000 + 2000 bytes) in
-// the results window, with the answers to its questions.
-struct Results : FoundDuplicates {
-    FilePtr photos, docs, songs;
-    Snapshot before;
-    ViewControllerDuplicates* w = nullptr;
-    ModalAnswers answers;
-
-    Results() {
-        for (const char* p : {"a/photo.jpg", "b/photo.jpg", "c/photo.jpg"}) {
-            tree.write(p, std::string(3000, 'p'));
-        }
-        tree.write("a/report.pdf", std::string(2000, 'd'));
-        tree.write("b/report.pdf", std::string(2000, 'd'));
-        tree.write("a/song.mp3", std::string(1000, 'm'));
-        tree.write("c/song.mp3", std::string(1000, 'm'));
-        tree.write("a/single.txt", std::string(1000, 's'));
-        before = snapshot(tree.root());
-        search();
-        photos = group("photo.jpg");
-        docs = group("report.pdf");
-        songs = group("song.mp3");
-        // The second photo is the oldest, the third the newest, whatever the
-        // file system records.
-        const char* dates[] = {"20-01-01 01:00:00", "19-01-01 01:00:00", "21-01-01 01:00:00"};
-        for (std::size_t i = 0; i < 3; ++i) {
-            photos->duplicates[i]->date = dates[i];
-        }
-        docs->duplicates[1]->checkState = 1; // left over from an earlier look
-        w = &open();
-    }
-    int row(const FilePtr& group) const {
-        const auto at = std::find(w->fileList.begin(), w->fileList.end(), group);
-        return at == w->fileList.end() ? -1 : static_cast<int>(at - w->fileList.begin());
-    }
-    int listed() const { return w->tableViewFiles->model()->rowCount(); }
-    QString count(const FilePtr& group, int role = Qt::DisplayRole) const {
-        return cell(w->tableViewFiles, row(group), GroupsModel::ColumnCount, role);
-    }
-    void select(const FilePtr& group) {
-        w->tableViewFiles->selectRow(row(group));
-        QCOMPARE(w->selectedRow, row(group));
-    }
-    // Clicks a keep option and, unless told not to, waits for its update.
-    void choose(int segment, bool wait = true) {
-        w->segmentedControlKeep->segmentButton(segment)->click();
-        QVERIFY(!wait || settled(*w));
-    }
-    // Ticks a member of the selected group, as a click on its box does.
-    void tick(int member) {
-        QAbstractItemModel* members = w->tableViewDuplicates->model();
-        QVERIFY(members->setData(members->index(member, 0), Qt::Checked, Qt::CheckStateRole));
-    }
-    // Cleans, answering its questions with these buttons in order.
-    void clean(std::initializer_list<const char*> buttons) {
-        for (const char* button : buttons) {
-            answers.alert(QString::fromLatin1(button));
-        }
-        w->buttonClean->click();
-        QVERIFY(answers.allAnswered());
-    }
-    // The space saved shown, in its colour: green when anything is marked.
-    void expectSaved(std::uint64_t bytes) const {
-        QCOMPARE(w->labelSpaceSaved->text(), sizeText(bytes));
-        QCOMPARE(w->labelSpaceSaved->palette().color(QPalette::WindowText),
-                 bytes == 0 ? QColor(Qt::black) : QColor(27, 209, 51));
-    }
-};
-
 } // namespace
 
-// The results window on real search results: set-up, keep options, hand
-// marks, categories, folded updates, the custom rules, cleaning and keys.
+// The results window on real search results.
 class DuplicatesWindowTest : public QObject {
     Q_OBJECT
   public slots:
@@ -114,32 +34,15 @@ class DuplicatesWindowTest : public QObject {
     void init() { SettingsManager::shared()->moveToTrash = true; }
     void cleanup() { SettingsManager::shared()->duplicateFileList.clear(); }
 
-    void opensOnTheSearchResult() {
+    void opensUnmarkedThenKeepOptionsOnOneGroupAndOnAll() {
         Results r;
         ViewControllerDuplicates& w = *r.w;
         QCOMPARE(r.listed(), 3);
-        QCOMPARE(w.tableViewDuplicates->model()->rowCount(), int(w.fileList[0]->duplicates.size()));
         QCOMPARE(marksOf(r.docs), (Marks{0, 0})); // set-up clears every mark
         r.expectSaved(0);
-        // Pictures 60%, music 13%, documents 27% of the 15000 bytes held.
-        QStringList percents;
-        for (QLabel* label : w.categoryPercents) {
-            percents << label->text();
-        }
-        QCOMPARE(percents, (QStringList{"60%", "13%", "0%", "0%", "27%", "0%"}));
-        QCOMPARE(cell(w.tableViewFiles, r.row(r.photos), GroupsModel::ColumnName), u"photo.jpg"_s);
-        QCOMPARE(cell(w.tableViewFiles, r.row(r.photos), GroupsModel::ColumnSize), sizeText(3000));
-        QCOMPARE(r.count(r.photos), u"0/3"_s);
         // Escape would drop the results: only closing the window does.
         QTest::keyClick(&w, Qt::Key_Escape);
         QVERIFY(w.isVisible());
-        w.close();
-        QVERIFY(SettingsManager::shared()->duplicateFileList.empty());
-    }
-
-    void keepOptionsOnOneGroupAndOnAll() {
-        Results r;
-        ViewControllerDuplicates& w = *r.w;
         r.select(r.photos);
         r.choose(1, false);                         // keep the oldest: the second photo stays
         QVERIFY(!w.progressIndicator->isVisible()); // one group: no busy indicator
@@ -152,25 +55,18 @@ class DuplicatesWindowTest : public QObject {
         r.choose(2); // keep the newest
         QCOMPARE(marksOf(r.photos), (Marks{1, 1, 0}));
 
-        // The box alone changes nothing; the next option goes to every group,
-        // busy until shown, and the indicator moves nothing.
+        // The box alone changes nothing; the next option goes to every group.
         w.checkApplyForAll->click();
         QVERIFY(settled(w));
         QCOMPARE(marksOf(r.docs), (Marks{0, 0}));
-        const auto geometries = [&w] {
-            QList<QRect> out;
-            for (int k = 0; k < w.segmentedControlKeep->segmentCount(); ++k) {
-                QWidget* button = w.segmentedControlKeep->segmentButton(k);
-                out << QRect(button->mapTo(&w, QPoint(0, 0)), button->size());
-            }
-            return out << QRect(w.checkApplyForAll->mapTo(&w, QPoint()),
-                                w.checkApplyForAll->size());
+        const auto keepRow = [&w] {
+            return QList<QRect>{w.segmentedControlKeep->geometry(), w.checkApplyForAll->geometry()};
         };
-        const QList<QRect> idle = geometries();
+        const QList<QRect> idle = keepRow();
         r.choose(3, false);
-        QVERIFY(w.progressIndicator->isVisible());
+        QVERIFY(w.progressIndicator->isVisible()); // busy, and nothing moves for it
         QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-        QCOMPARE(geometries(), idle);
+        QCOMPARE(keepRow(), idle);
         QVERIFY(settled(w));
         QVERIFY(!w.progressIndicator->isVisible());
         QCOMPARE(r.songs->keepOption, std::int64_t{3});
@@ -220,8 +116,7 @@ class DuplicatesWindowTest : public QObject {
         ViewControllerDuplicates& w = *r.w;
         r.select(r.photos);
         const int before = w.updatesStarted();
-        // No event is handled between the clicks, so the first update is
-        // still running when the others arrive; the last segment wins.
+        // No event is handled between the clicks: the last segment wins.
         r.choose(1, false);
         QVERIFY(w.updating);
         r.choose(2, false);
@@ -232,9 +127,7 @@ class DuplicatesWindowTest : public QObject {
         QCOMPARE(marksOf(r.photos), (Marks{1, 1, 1}));
         QCOMPARE(w.segmentedControlKeep->selectedSegment(), 3);
         r.expectSaved(9000);
-        // As after a cleaning: a full update runs on row 0 while the user
-        // picks another option. That option is applied and stays shown; the
-        // option stored by the running update does not replace it.
+        // An option picked during a full update (as after a cleaning) stays.
         QCOMPARE(r.row(r.photos), 0);
         w.firstUpdate = true;
         r.choose(1, false);
@@ -271,7 +164,6 @@ class DuplicatesWindowTest : public QObject {
         });
         r.choose(4);
         QCOMPARE(marksOf(r.photos), (Marks{1, 1, 1}));
-        QCOMPARE(r.photos->keepOption, std::int64_t{4});
         QCOMPARE(marksOf(r.docs), (Marks{0, 0}));
 
         // For every group the question comes once, after OK, before the update.
@@ -283,16 +175,15 @@ class DuplicatesWindowTest : public QObject {
         });
         r.answers.alert(u"Yes, keep the oldest file"_s);
         r.choose(4);
-        QCOMPARE(r.answers.answered(), 4);
+        QVERIFY(r.answers.allAnswered());
         QCOMPARE(storedRules, 1);
         QCOMPARE(r.answers.said,
                  QStringList{QString::fromStdString(keepOneCopyQuestion().informativeText)});
-        QCOMPARE(SettingsManager::shared()->customMessageRespone, std::int64_t{1});
         QCOMPARE(marksOf(r.photos), (Marks{1, 0, 1}));
         QCOMPARE(marksOf(r.songs), (Marks{0, 0}));
     }
 
-    void cleaningAsksFirstAndMovesToTheTrash() {
+    void cleaningToTheTrashThenForGoodUntilTheLastGroup() {
         Results r;
         ViewControllerDuplicates& w = *r.w;
         r.clean({"OK"});
@@ -305,55 +196,48 @@ class DuplicatesWindowTest : public QObject {
         QCOMPARE(r.answers.said, QStringList(2, text(CleaningAlert::NothingMarked)));
         w.categoryChecks[0]->click();
         QVERIFY(settled(w));
-
         // One copy to the Trash: no question, then the done message.
-        const std::string trashed = r.photos->duplicates[1]->path;
+        std::vector<std::string> gone{r.photos->duplicates[1]->path};
         r.clean({"OK"});
         QCOMPARE(r.answers.said.back(), text(CleaningAlert::Done));
         QVERIFY(settled(w));
-        QCOMPARE(snapshot(r.tree.root()), without(r.before, {trashed}));
+        QCOMPARE(snapshot(r.tree.root()), without(r.before, gone));
         QVERIFY(std::filesystem::exists(qgetenv("XDG_DATA_HOME").toStdString() +
                                         "/Trash/files/photo.jpg"));
-        QCOMPARE(r.photos->duplicates.size(), std::size_t{2});
-        QVERIFY(r.listed() == 3 && w.isVisible());
-    }
+        QCOMPARE(r.listed(), 3);
 
-    void cleaningForGoodAndClosingAfterTheLastGroup() {
-        Results r;
-        ViewControllerDuplicates& w = *r.w;
+        // One document and both songs for good: the whole-group question first.
         SettingsManager::shared()->moveToTrash = false;
-        // One document and both songs: whole groups first, then for good.
         r.select(r.docs);
         r.tick(1);
         r.select(r.songs);
         r.tick(0);
         r.tick(1);
-        const std::vector<std::string> marked{r.docs->duplicates[1]->path,
-                                              r.songs->duplicates[0]->path,
-                                              r.songs->duplicates[1]->path};
+        const Snapshot trashed = snapshot(r.tree.root());
+        r.answers.said.clear();
         r.clean({"Yes", "No"});
         QCOMPARE(r.answers.said, (QStringList{text(CleaningAlert::WholeGroups),
                                               text(CleaningAlert::PermanentDeletion)}));
-        QCOMPARE(snapshot(r.tree.root()), r.before);
+        QCOMPARE(snapshot(r.tree.root()), trashed);
+        gone.insert(gone.end(), {r.docs->duplicates[1]->path, r.songs->duplicates[0]->path,
+                                 r.songs->duplicates[1]->path});
         r.clean({"Yes", "Yes", "OK"});
         QCOMPARE(r.answers.said.back(), text(CleaningAlert::Done));
         QVERIFY(settled(w));
-        QCOMPARE(snapshot(r.tree.root()), without(r.before, marked));
+        QCOMPARE(snapshot(r.tree.root()), without(r.before, gone));
         // Groups left with one copy or none are gone; the rest is listed anew.
         QCOMPARE(SettingsManager::shared()->duplicateFileList, FileList{r.photos});
         QCOMPARE(r.listed(), 1);
         QCOMPARE(w.categoryPercents[0]->text(), u"100%"_s);
 
         // Cleaning the last group closes the window, which empties the lists.
-        const std::vector<std::string> photos{r.photos->duplicates[0]->path,
-                                              r.photos->duplicates[2]->path};
         r.select(r.photos);
-        r.choose(1);
+        r.choose(2); // keep the newest of the two left
+        gone.push_back(r.photos->duplicates[0]->path);
         r.clean({"Yes", "OK"});
         QVERIFY(!w.isVisible());
         QVERIFY(SettingsManager::shared()->duplicateFileList.empty());
-        QVERIFY(SettingsManager::shared()->fileList.empty());
-        QCOMPARE(snapshot(r.tree.root()), without(without(r.before, marked), photos));
+        QCOMPARE(snapshot(r.tree.root()), without(r.before, gone));
     }
 
     void keyboardMarksAndNeitherRevealNorReturnOpensFiles() {
@@ -366,20 +250,16 @@ class DuplicatesWindowTest : public QObject {
         r.select(r.photos);
         QTableView* members = w.tableViewDuplicates;
         const int updates = w.updatesStarted();
-        // Space marks the current member from any column of its row; the box
-        // and the count follow at once, the total once counted, and no
-        // results update runs for a hand mark.
+        // Space marks from any column; no results update runs for a hand mark.
         for (int column = 0; column < members->model()->columnCount(); ++column) {
             members->setCurrentIndex(members->model()->index(1, column));
             typeKey(members, Qt::Key_Space);
             QCOMPARE(marksOf(r.photos), (Marks{0, column % 2 == 0 ? 1 : 0, 0}));
         }
-        QCOMPARE(cell(members, 1, 0, Qt::CheckStateRole).toInt(), int(Qt::Checked));
         QCOMPARE(r.count(r.photos), u"1/3"_s);
         QVERIFY(settled(w));
         r.expectSaved(3000);
         QCOMPARE(w.updatesStarted(), updates);
-        QCOMPARE(w.segmentedControlKeep->selectedSegment(), 0);
         r.select(r.docs); // another group keeps its own marks
         r.select(r.photos);
         QCOMPARE(marksOf(r.photos), (Marks{0, 1, 0}));
@@ -401,18 +281,12 @@ class DuplicatesWindowTest : public QObject {
         const std::string path = r.photos->duplicates[2]->path;
         QCOMPARE(opened_, QList<QUrl>{QUrl::fromLocalFile(
                               QString::fromStdString(path.substr(0, path.rfind('/'))))});
-        // File Info shows the selected member, its preview in place.
-        QString shown;
-        r.answers.on<ViewControllerInfo>([&](ViewControllerInfo* info) {
-            QVERIFY(waitUntil([&] { return info->previewShown(); }));
-            shown = info->labelFileName->text() + u'.' + info->labelExtension->text();
-            info->close();
-        });
+        // File Info shows the selected member.
+        r.answers.then("twinsweep::ui::ViewControllerInfo", [](QWidget* info) { info->close(); });
         typeKey(members, Qt::Key_I, Qt::ControlModifier);
-        QCOMPARE(shown, u"photo.jpg"_s);
+        QVERIFY(r.answers.allAnswered());
         QCOMPARE(SettingsManager::shared()->currentSelectedFilePath, path);
-        // The keep options, which override hand marks, and apply-to-all from
-        // the keyboard.
+        // The keep options and apply-to-all from the keyboard.
         typeKey(w.tableViewFiles, Qt::Key_3, Qt::ControlModifier);
         QVERIFY(settled(w));
         QCOMPARE(marksOf(r.photos), (Marks{1, 1, 0}));
@@ -424,6 +298,6 @@ class DuplicatesWindowTest : public QObject {
     QList<QUrl> opened_;
 };
 
-UI_TEST_CLASS(DuplicatesWindowTest);
+UI_TEST_MAIN(DuplicatesWindowTest)
 
 #include "DuplicatesWindowTest.moc"

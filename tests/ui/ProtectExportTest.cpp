@@ -1,43 +1,19 @@
 #include <QCheckBox>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QSignalSpy>
 
 #include "UiTestSupport.h"
 #include "selection/KeepOptions.h"
 #include "support/Csv.h"
-#include "ui/duplicates/SegmentedControl.h"
-#include "ui/main/FolderTableView.h"
 #include "ui/main/ViewController.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;
-using twinsweep::ui::ViewController;
-using twinsweep::ui::ViewControllerDuplicates;
+using namespace twinsweep::ui;
 
-namespace {
-
-// Applies a keep option to every group, cleans, and checks that only the
-// done message came.
-void cleanAll(FoundDuplicates& found, int segment) {
-    ViewControllerDuplicates& w = found.open();
-    w.checkApplyForAll->click();
-    w.segmentedControlKeep->segmentButton(segment)->click();
-    QVERIFY(settled(w));
-    ModalAnswers answers;
-    answers.alert(u"OK"_s);
-    w.buttonClean->click();
-    QCOMPARE(answers.said.size(), 1);
-    QVERIFY(answers.allAnswered() && !w.isVisible());
-}
-
-} // namespace
-
-// Protected folders in the main and results windows, the results window's
-// export, the hard-link choice and Edit > Undo Clean.
+// Protected copies, the results window's export, hard links and Undo Clean.
 class ProtectExportTest : public QObject {
     Q_OBJECT
   private slots:
@@ -47,28 +23,6 @@ class ProtectExportTest : public QObject {
         settings->protectedFolders.clear();
         settings->moveToTrash = true;
         settings->replaceWithHardLinks = false;
-    }
-
-    void folderTableProtectsFolders() {
-        TempTree tree;
-        const std::string a = tree.mkdir("a"), b = tree.mkdir("b");
-        ViewController w;
-        QCOMPARE(w.addFolders({QString::fromStdString(a), QString::fromStdString(b)}), 0);
-        QAbstractItemModel* model = w.tableViewFolders->model();
-        QCOMPARE(model->headerData(1, Qt::Horizontal).toString(), u"Protected"_s);
-        QCOMPARE(model->index(0, 1).data(Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
-        const auto settings = SettingsManager::shared();
-        QVERIFY(model->setData(model->index(1, 1), Qt::Checked, Qt::CheckStateRole));
-        QCOMPARE(settings->protectedFolders, std::vector<std::string>{b});
-        QCOMPARE(model->index(1, 1).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
-        // A folder taken off the list loses its protection.
-        w.tableViewFolders->selectRow(1);
-        w.OnRemoveSelected();
-        QVERIFY(settings->protectedFolders.empty());
-        QVERIFY(model->setData(model->index(0, 1), Qt::Checked, Qt::CheckStateRole));
-        QCOMPARE(settings->protectedFolders, std::vector<std::string>{a});
-        w.OnFileNew();
-        QVERIFY(settings->protectedFolders.empty());
     }
 
     void protectedCopiesCannotBeTickedOrCleaned() {
@@ -91,20 +45,19 @@ class ProtectExportTest : public QObject {
                                [](const auto& m) { return m->isProtected && m->checkState != 0; });
         };
 
+        // The two copies in the protected folder have no box to tick, and say why.
         QAbstractItemModel* members = w.tableViewDuplicates->model();
-        int protectedCount = 0;
+        QStringList tickable;
         for (int row = 0; row < members->rowCount(); ++row) {
             const QModelIndex box = members->index(row, 0);
-            if (!pictures->duplicates[static_cast<std::size_t>(row)]->isProtected) {
-                QVERIFY(members->flags(box) & Qt::ItemIsEnabled);
-                continue;
+            if (members->flags(box) & (Qt::ItemIsEnabled | Qt::ItemIsUserCheckable)) {
+                tickable << cell(w.tableViewDuplicates, row, 1);
+            } else {
+                QVERIFY(box.data(Qt::ToolTipRole).toString().contains(u"protected"_s));
+                QVERIFY(!members->setData(box, Qt::Checked, Qt::CheckStateRole));
             }
-            ++protectedCount;
-            QVERIFY(!(members->flags(box) & (Qt::ItemIsEnabled | Qt::ItemIsUserCheckable)));
-            QVERIFY(box.data(Qt::ToolTipRole).toString().contains(u"protected"_s));
-            QVERIFY(!members->setData(box, Qt::Checked, Qt::CheckStateRole));
         }
-        QCOMPARE(protectedCount, 2);
+        QCOMPARE(tickable, QStringList{QString::fromStdString(found.tree.path("dl/a.jpg"))});
 
         // Ticks while a category change is on its way, the songs still shown:
         // whatever row they land on, a protected copy stays unmarked.
@@ -139,17 +92,10 @@ class ProtectExportTest : public QObject {
     }
 
     void exportsReadBackWithTheirMarks() {
-        FoundDuplicates found;
-        for (const char* p : {"a/photo.jpg", "b/photo,copy.jpg", "c/photo.jpg"}) {
-            found.tree.write(p, std::string(3000, 'p'));
-        }
-        found.tree.write("a/report.pdf", std::string(2000, 'd'));
-        found.tree.write("b/report.pdf", std::string(2000, 'd'));
-        QCOMPARE(found.search(), std::size_t{2});
-        ViewControllerDuplicates& w = found.open();
+        Results r;
+        ViewControllerDuplicates& w = *r.w;
         w.checkApplyForAll->click();
-        w.segmentedControlKeep->segmentButton(1)->click(); // keep oldest, every group
-        QVERIFY(settled(w));
+        r.choose(1); // keep the oldest in every group
         TempTree out;
         QSignalSpy finished(&w, &ViewControllerDuplicates::exportFinished);
         w.startExport(QString::fromStdString(out.path("d.csv")), ui::ExportFormat::Csv);
@@ -167,8 +113,7 @@ class ProtectExportTest : public QObject {
         }
         std::vector<std::vector<std::string>> rows;
         QVERIFY(parseCsv(slurp(out.path("d.csv")), rows));
-        QCOMPARE(rows.at(0),
-                 (std::vector<std::string>{"group", "path", "size", "date", "category", "marked"}));
+        QCOMPARE(rows.at(0).back(), "marked");
         for (std::size_t r = 1; r < rows.size(); ++r) {
             csv << QString::fromStdString(rows[r][0] + ' ' + rows[r][1] + ' ' + rows[r][5]);
         }
@@ -181,60 +126,51 @@ class ProtectExportTest : public QObject {
                             (m["marked"].toBool() ? '1' : '0');
             }
         }
-        QCOMPARE(held.size(), 5);
+        QCOMPARE(held.size(), 7);
         QCOMPARE(csv, held);
         QCOMPARE(json, held);
 
         // A folder that isn't there: an alert, and nothing half written.
-        ModalAnswers answers;
-        answers.alert(u"OK"_s);
+        r.answers.alert(u"OK"_s);
         w.startExport(QString::fromStdString(out.path("none/d.csv")), ui::ExportFormat::Csv);
         QVERIFY(finished.wait(20000));
         QVERIFY(!finished.back().at(0).toString().isEmpty());
-        QVERIFY(answers.allAnswered() && !std::filesystem::exists(out.path("none")));
+        QVERIFY(r.answers.allAnswered() && !std::filesystem::exists(out.path("none")));
     }
 
     void linksAskNothingAndUndoPutsTrashedCopiesBack() {
         const auto settings = SettingsManager::shared();
+        settings->replaceWithHardLinks = true; // as the main window's choice sets it
+        settings->moveToTrash = false;
         {
-            ViewController main;
-            main.radioReplaceWithHardLinks->click();
-            QVERIFY(settings->replaceWithHardLinks && !settings->moveToTrash);
-            QVERIFY(!main.radioMoveDuplicateFilesToTrash->isChecked());
-            main.OnFileNew();
-            QVERIFY(!settings->replaceWithHardLinks && settings->moveToTrash);
-            main.radioReplaceWithHardLinks->click();
+            // Keep oldest with links: each group becomes one file under its names.
+            Results r;
+            r.w->checkApplyForAll->click();
+            r.choose(1);
+            r.clean({"OK"}); // the done message alone
+            QVERIFY(!r.w->isVisible());
+            QCOMPARE(snapshot(r.tree.root()), r.before);
+            QVERIFY(
+                std::filesystem::equivalent(r.tree.path("a/song.mp3"), r.tree.path("c/song.mp3")));
         }
-        FoundDuplicates found;
-        const std::string a = found.tree.write("a/x.jpg", "twin pictures");
-        const std::string b = found.tree.write("b/x.jpg", "twin pictures");
-        QCOMPARE(found.search(), std::size_t{1});
-        // Keep oldest with links: each group becomes one file under two names.
-        const Snapshot before = snapshot(found.tree.root());
-        cleanAll(found, 1);
-        QCOMPARE(snapshot(found.tree.root()), before);
-        QVERIFY(std::filesystem::equivalent(a, b));
-
         // Now to the Trash, then Edit > Undo Clean in the main window.
         settings->replaceWithHardLinks = false;
         settings->moveToTrash = true;
-        found.tree.write("c/y.jpg", "other twins");
-        found.tree.write("d/y.jpg", "other twins");
-        QCOMPARE(found.search(), std::size_t{1});
-        const Snapshot twins = snapshot(found.tree.root());
-        cleanAll(found, 1);
-        QCOMPARE(snapshot(found.tree.root()).size(), twins.size() - 1);
+        Results r;
+        r.w->checkApplyForAll->click();
+        r.choose(1);
+        r.clean({"OK"});
+        QCOMPARE(snapshot(r.tree.root()).size(), r.before.size() - 4);
         ViewController main;
         QVERIFY(main.actionUndoClean->isEnabled());
-        ModalAnswers answers;
-        answers.alert(u"OK"_s);
+        r.answers.alert(u"OK"_s);
         main.actionUndoClean->trigger();
-        QCOMPARE(answers.said, QStringList{"1 file was put back where it was."});
-        QCOMPARE(snapshot(found.tree.root()), twins);
+        QCOMPARE(r.answers.said.back(), u"4 files were put back where they were."_s);
+        QCOMPARE(snapshot(r.tree.root()), r.before);
         QVERIFY(!main.actionUndoClean->isEnabled());
     }
 };
 
-UI_TEST_CLASS(ProtectExportTest);
+UI_TEST_MAIN(ProtectExportTest)
 
 #include "ProtectExportTest.moc"

@@ -1,5 +1,4 @@
 #include <QLabel>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSlider>
@@ -15,19 +14,15 @@
 #include "UiTestSupport.h"
 #include "engine/NotificationCenter.h"
 #include "ui/main/ViewController.h"
-#include "ui/progress/ProgressText.h"
 #include "ui/progress/ViewControllerProgress.h"
 
-using twinsweep::LocationGate;
-using twinsweep::SettingsManager;
+using namespace twinsweep;
 using namespace twinsweep::testing;
-using twinsweep::ui::ViewController;
-using twinsweep::ui::ViewControllerProgress;
+using namespace twinsweep::ui;
 
 namespace {
 
-// Holds the search thread at its first progress post until released, so a
-// test can act on a search that is certainly still running.
+// Holds the search thread at its first progress post, so it is surely running.
 class SearchGate {
   public:
     ~SearchGate() { release(); }
@@ -107,10 +102,6 @@ struct SearchTree {
         home = tree.mkdir("Users/me");
     }
     ~SearchTree() { LocationGate::setProcessDefault(LocationGate::platformDefault()); }
-    void writeCopies() const {
-        tree.write("Users/me/a.txt", std::string(3000, 'a'));
-        tree.write("Users/me/b.txt", std::string(3000, 'a'));
-    }
 };
 
 // A shown main window set to search these folders, small files included.
@@ -128,79 +119,39 @@ ViewControllerProgress* progressWindow(QWidget* modal) {
 
 } // namespace
 
-// A search started from the main window: the progress window, its end and
-// its cancel, the hand-over to the results window.
+// A search from the main window: progress, cancel, hand-over to the results.
 class SearchFlowTest : public QObject {
     Q_OBJECT
   private slots:
     void init() { SettingsManager::shared()->duplicateFileList.clear(); }
     void cleanup() { QVERIFY(SettingsManager::shared()->duplicateFileList.empty()); }
 
-    void progressTextsFollowTheCounts() {
-        const struct {
-            std::size_t total, done;
-            const char* files;
-        } cases[] = {{0, 0, "0/0 Files Scanned 0.0%"},
-                     {4500, 120, "120/4500 Files Scaned 2.7%"},
-                     {1234567, 1234567, "1234567/1234567 Files Scaned 100.0%"}};
-        for (const auto& c : cases) {
-            const auto t = twinsweep::ui::progressTexts(c.total, c.done);
-            QCOMPARE(t.filesScanned + u' ' + t.percents, QString::fromLatin1(c.files));
-        }
-        QVERIFY(qAbs(twinsweep::ui::progressTexts(3, 1).percent - 33.333f) < 0.01f);
-    }
-
-    void searchSaysWhenNothingIsFoundThenHandsGroupsOn() {
+    void searchSaysWhenNothingIsFoundAfterTheProgressWindow() {
         SearchTree where;
-        const std::string a = where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
+        where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
         where.tree.write("Users/me/c.txt", std::string(3000, 'c'));
         where.tree.write("Users/me/.hidden", std::string(3000, 'a'));
         // Outside the allowed roots: never looked at, so no group.
         where.tree.write("elsewhere/a.txt", std::string(3000, 'a'));
         auto window = searchWindow({QString::fromStdString(where.home),
                                     QString::fromStdString(where.tree.path("elsewhere"))});
-        const auto settings = SettingsManager::shared();
         ModalAnswers answers;
         bool progressStillUp = true;
-        answers.then("QMessageBox", [&](QWidget* modal) {
+        answers.alert(u"OK"_s, [&] {
             progressStillUp = false;
             for (QWidget* w : QApplication::topLevelWidgets()) {
                 progressStillUp = progressStillUp || (progressWindow(w) && w->isVisible());
             }
-            answers.said << alertText(modal);
-            QVERIFY(pressAlertButton(modal, u"OK"_s));
         });
         window->buttonFindDuplicateFiles->click();
         QCOMPARE(answers.said, QStringList{"No duplicate files found."});
-        QVERIFY(!progressStillUp && !settings->openDuplicatesWindow);
-
-        const std::string b = where.tree.write("Users/me/sub/b.txt", std::string(3000, 'a'));
-        std::vector<std::string> members;
-        std::vector<std::int64_t> marks;
-        answers.then("twinsweep::ui::ViewControllerDuplicates", [&](QWidget* modal) {
-            // The results window: the search's groups are waiting in the settings.
-            QCOMPARE(modal->windowTitle(), u"Duplicate Files"_s);
-            QVERIFY(settings->openDuplicatesWindow && settings->fileList.empty());
-            QCOMPARE(settings->duplicateFileList.size(), std::size_t{1});
-            for (const auto& member : settings->duplicateFileList.front()->duplicates) {
-                members.push_back(member->path);
-                marks.push_back(member->checkState);
-            }
-            modal->close();
-        });
-        window->buttonFindDuplicateFiles->click();
-        QVERIFY(answers.allAnswered());
-        // The group's own file comes first, unmarked, then its copy.
-        QVERIFY((members == std::vector<std::string>{a, b}) ||
-                (members == std::vector<std::string>{b, a}));
-        QCOMPARE(marks, (std::vector<std::int64_t>{0, 0}));
-        // Closing the results window hands the lists back empty.
-        QVERIFY(settings->duplicateFileList.empty() && !settings->searchCanceledByUser);
+        QVERIFY(!progressStillUp && !SettingsManager::shared()->openDuplicatesWindow);
     }
 
     void minimisedProgressKeepsItsSessionAndCancelWaitsForTheSearch() {
         SearchTree where;
-        where.writeCopies();
+        where.tree.write("Users/me/a.txt", std::string(3000, 'a'));
+        where.tree.write("Users/me/b.txt", std::string(3000, 'a'));
         auto window = searchWindow({QString::fromStdString(where.home)});
         SearchGate gate;
         ModalAnswers answers;
@@ -229,8 +180,8 @@ class SearchFlowTest : public QObject {
         window->buttonFindDuplicateFiles->click();
         QVERIFY(minimisedAndRunning && stayedOpen && restoredOnClosing);
         QCOMPARE(buttonAfterCancel, u"Cancelling..."_s);
-        // No alert and no results window: only the progress window was answered.
-        QCOMPARE(answers.answered(), 1);
+        // No alert and no results window (either would wait here unanswered).
+        QVERIFY(answers.allAnswered());
         QVERIFY(!SettingsManager::shared()->openDuplicatesWindow);
     }
 
@@ -289,6 +240,6 @@ void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     QVERIFY2(estimated, qPrintable(lines.join(QLatin1Char('|'))));
 }
 
-UI_TEST_CLASS(SearchFlowTest);
+UI_TEST_MAIN(SearchFlowTest)
 
 #include "SearchFlowTest.moc"

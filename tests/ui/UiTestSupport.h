@@ -4,11 +4,12 @@
 #include <QAbstractItemModel>
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QMenu>
+#include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPointer>
 #include <QTableView>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <clocale>
@@ -24,28 +25,32 @@
 #include "engine/SearchJob.h"
 #include "settings/SettingsManager.h"
 #include "support/TempTree.h"
+#include "ui/duplicates/GroupsModel.h"
+#include "ui/duplicates/SegmentedControl.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
+#include "ui/platform/FileTypeIcons.h"
 
 namespace twinsweep::testing {
 
 using namespace Qt::StringLiterals;
 
-// Every test class, by name; each file adds its own with UI_TEST_CLASS.
-using TestClasses = std::vector<std::pair<const char*, std::function<std::unique_ptr<QObject>()>>>;
-inline TestClasses& testClasses() {
-    static TestClasses all;
-    return all;
-}
-template <typename T> bool registerTestClass() {
-    testClasses().emplace_back(T::staticMetaObject.className(),
-                               [] { return std::make_unique<T>(); });
-    return true;
-}
-#define UI_TEST_CLASS(T)                                                                           \
-    [[maybe_unused]] static const bool registered##T = twinsweep::testing::registerTestClass<T>()
+// main() of one test class's program. Help pages, the cleaning lock and the Trash
+// go to temporary folders: never the user's, nor shared with other test programs.
+#define UI_TEST_MAIN(Class)                                                                        \
+    int main(int argc, char** argv) {                                                              \
+        QTemporaryDir cache, runtime, data;                                                        \
+        qputenv("XDG_CACHE_HOME", cache.path().toLocal8Bit());                                     \
+        qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());                                  \
+        qputenv("XDG_DATA_HOME", data.path().toLocal8Bit());                                       \
+        QApplication app(argc, argv);                                                              \
+        QApplication::setApplicationName(QStringLiteral("twinsweep-tests"));                       \
+        QApplication::setQuitOnLastWindowClosed(false);                                            \
+        twinsweep::ui::chooseIconTheme();                                                          \
+        Class test;                                                                                \
+        return QTest::qExec(&test, argc, argv);                                                    \
+    }
 
-// Every path under root, taken before and after a clean: whatever goes
-// missing must be what was marked.
+// Every path under root, before and after a clean: only what was marked may go.
 using Snapshot = std::set<std::string>;
 inline Snapshot snapshot(const std::string& root) {
     Snapshot out;
@@ -59,23 +64,6 @@ inline Snapshot without(Snapshot paths, const std::vector<std::string>& gone) {
         paths.erase(path);
     }
     return paths;
-}
-
-// The informative text of a message box, or "" if modal is something else.
-inline QString alertText(QWidget* modal) {
-    auto* box = qobject_cast<QMessageBox*>(modal);
-    return box == nullptr ? QString() : box->informativeText();
-}
-
-inline bool pressAlertButton(QWidget* modal, const QString& title) {
-    auto* box = qobject_cast<QMessageBox*>(modal);
-    for (QAbstractButton* button : box ? box->buttons() : QList<QAbstractButton*>()) {
-        if (button->text() == title) {
-            button->click();
-            return true;
-        }
-    }
-    return false;
 }
 
 // Answers modal windows as they come up, each by the next handler if it is of
@@ -95,14 +83,21 @@ class ModalAnswers : public QObject {
         then(Window::staticMetaObject.className(),
              [handler](QWidget* modal) { handler(qobject_cast<Window*>(modal)); });
     }
-    // The next message box: its text goes to said, then button is pressed.
-    void alert(const QString& button) {
-        then("QMessageBox", [this, button](QWidget* modal) {
-            said << alertText(modal);
-            QVERIFY(pressAlertButton(modal, button));
+    // The next message box: look() runs, its text goes to said, then button is pressed.
+    void alert(const QString& button, const std::function<void()>& look = {}) {
+        then("QMessageBox", [this, button, look](QWidget* modal) {
+            if (look) {
+                look();
+            }
+            auto* box = qobject_cast<QMessageBox*>(modal);
+            said << box->informativeText();
+            const QList<QAbstractButton*> all = box->buttons();
+            const auto b = std::find_if(all.begin(), all.end(),
+                                        [&](QAbstractButton* b) { return b->text() == button; });
+            QVERIFY2(b != all.end(), qPrintable(button));
+            (*b)->click();
         });
     }
-    int answered() const { return answered_; }
     bool allAnswered() const { return handlers_.isEmpty(); }
     QStringList said;
 
@@ -115,14 +110,12 @@ class ModalAnswers : public QObject {
         }
         last_ = modal;
         Handler handler = handlers_.takeFirst().second;
-        ++answered_;
         handler(modal);
     }
 
     QTimer timer_;
     QList<std::pair<const char*, Handler>> handlers_;
     QPointer<QWidget> last_;
-    int answered_ = 0;
 };
 
 // Lets the event loop run until done() holds or the time runs out.
@@ -141,12 +134,9 @@ inline bool waitUntil(const std::function<bool()>& done, int timeoutMs = 20000) 
 // The menu commands of a menu bar that have no shortcut, by their texts.
 inline QStringList commandsWithoutShortcut(const QMenuBar* bar) {
     QStringList missing;
-    for (const QMenu* menu : bar->findChildren<QMenu*>()) {
-        for (const QAction* action : menu->actions()) {
-            if (!action->isSeparator() && action->menu() == nullptr &&
-                action->shortcut().isEmpty()) {
-                missing << action->text();
-            }
+    for (const QAction* action : bar->findChildren<QAction*>()) {
+        if (!action->isSeparator() && action->menu() == nullptr && action->shortcut().isEmpty()) {
+            missing << action->text();
         }
     }
     return missing;
@@ -161,17 +151,12 @@ inline void typeKey(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifier
 }
 
 // The process locale for a scope, as LANG would set it; !ok() when not installed.
-class ScopedLocale {
-  public:
-    explicit ScopedLocale(const char* name) : saved_(std::setlocale(LC_ALL, nullptr)) {
-        ok_ = std::setlocale(LC_ALL, name) != nullptr;
-    }
-    ~ScopedLocale() { std::setlocale(LC_ALL, saved_.c_str()); }
-    bool ok() const { return ok_; }
-
-  private:
-    std::string saved_;
-    bool ok_ = false;
+struct ScopedLocale {
+    explicit ScopedLocale(const char* name)
+        : saved(std::setlocale(LC_ALL, nullptr)), ok(std::setlocale(LC_ALL, name) != nullptr) {}
+    ~ScopedLocale() { std::setlocale(LC_ALL, saved.c_str()); }
+    const std::string saved;
+    const bool ok;
 };
 
 // Waits until the window has no update running and nothing queued.
@@ -179,8 +164,7 @@ inline bool settled(const ui::ViewControllerDuplicates& window) {
     return waitUntil([&] { return !window.updating && window.jobsInFlight() == 0; });
 }
 
-// A real search over a temporary folder, its groups left in the settings as the
-// progress window leaves them for the results window.
+// A real search over a temporary folder, its groups left as the results window finds them.
 struct FoundDuplicates {
     TempTree tree;
     std::unique_ptr<ui::ViewControllerDuplicates> shown; // goes before the tree
@@ -228,5 +212,76 @@ inline std::vector<std::int64_t> marksOf(const FilePtr& group) {
 inline QString cell(QTableView* table, int row, int column, int role = Qt::DisplayRole) {
     return table->model()->index(row, column).data(role).toString();
 }
+
+inline QString sizeText(std::uint64_t bytes) {
+    return QString::fromStdString(FileTools::fileSizeText(bytes));
+}
+
+// Three pictures, two documents, two songs (9000 + 4000 + 2000 bytes) on show.
+struct Results : FoundDuplicates {
+    FilePtr photos, docs, songs;
+    Snapshot before;
+    ui::ViewControllerDuplicates* w = nullptr;
+    ModalAnswers answers;
+
+    Results() {
+        for (const char* p : {"a/photo.jpg", "b/photo.jpg", "c/photo.jpg"}) {
+            tree.write(p, std::string(3000, 'p'));
+        }
+        tree.write("a/report.pdf", std::string(2000, 'd'));
+        tree.write("b/report.pdf", std::string(2000, 'd'));
+        tree.write("a/song.mp3", std::string(1000, 'm'));
+        tree.write("c/song.mp3", std::string(1000, 'm'));
+        tree.write("a/single.txt", std::string(1000, 's'));
+        before = snapshot(tree.root());
+        search();
+        photos = group("photo.jpg");
+        docs = group("report.pdf");
+        songs = group("song.mp3");
+        // The second photo is the oldest, the third the newest.
+        const char* dates[] = {"20-01-01 01:00:00", "19-01-01 01:00:00", "21-01-01 01:00:00"};
+        for (std::size_t i = 0; i < 3; ++i) {
+            photos->duplicates[i]->date = dates[i];
+        }
+        docs->duplicates[1]->checkState = 1; // left over from an earlier look
+        w = &open();
+    }
+    int row(const FilePtr& group) const {
+        const auto at = std::find(w->fileList.begin(), w->fileList.end(), group);
+        return at == w->fileList.end() ? -1 : static_cast<int>(at - w->fileList.begin());
+    }
+    int listed() const { return w->tableViewFiles->model()->rowCount(); }
+    QString count(const FilePtr& group, int role = Qt::DisplayRole) const {
+        return cell(w->tableViewFiles, row(group), ui::GroupsModel::ColumnCount, role);
+    }
+    void select(const FilePtr& group) {
+        w->tableViewFiles->selectRow(row(group));
+        QCOMPARE(w->selectedRow, row(group));
+    }
+    // Clicks a keep option and, unless told not to, waits for its update.
+    void choose(int segment, bool wait = true) {
+        w->segmentedControlKeep->segmentButton(segment)->click();
+        QVERIFY(!wait || settled(*w));
+    }
+    // Ticks a member of the selected group, as a click on its box does.
+    void tick(int member) {
+        QAbstractItemModel* members = w->tableViewDuplicates->model();
+        QVERIFY(members->setData(members->index(member, 0), Qt::Checked, Qt::CheckStateRole));
+    }
+    // Cleans, answering its questions with these buttons in order.
+    void clean(std::initializer_list<const char*> buttons) {
+        for (const char* button : buttons) {
+            answers.alert(QString::fromLatin1(button));
+        }
+        w->buttonClean->click();
+        QVERIFY(answers.allAnswered());
+    }
+    // The space saved shown, in its colour: green when anything is marked.
+    void expectSaved(std::uint64_t bytes) const {
+        QCOMPARE(w->labelSpaceSaved->text(), sizeText(bytes));
+        QCOMPARE(w->labelSpaceSaved->palette().color(QPalette::WindowText),
+                 bytes == 0 ? QColor(Qt::black) : QColor(27, 209, 51));
+    }
+};
 
 } // namespace twinsweep::testing

@@ -1,13 +1,29 @@
-// The compact text fields of a record behave like the std::string they stand
-// for, at both sides of the in-place limit.
+// What a record derives from its name: its category, and its compact text
+// fields, which behave like the std::string they stand for at both sides of
+// the in-place limit.
 #include <gtest/gtest.h>
 
 #include <utility>
 #include <vector>
 
-#include "engine/File.h"
+#include "engine/FileTools.h"
+#include "support/TempTree.h"
 
 using namespace twinsweep;
+using twinsweep::testing::TempTree;
+
+TEST(Categories, FirstListThatHoldsTheExtensionWins) {
+    TempTree tree;
+    const FileTools tools;
+    const std::pair<const char*, int> cases[] = {
+        {"a.JPG", 1},  {"a.mng", 1}, {"a.cpt", 1}, {"a.ogg", 2},   {"a.flac", 2},
+        {"a.mkv", 3},  {"a.zip", 4}, {"a.pdf", 5}, {"a.pages", 5}, {"a.xyz", 6},
+        {"README", 6}, {"a.wmf", 6}, {"a.dot", 5},
+    };
+    for (const auto& [name, code] : cases) {
+        EXPECT_EQ(tools.categoryOf(File(tree.write(name, ""))), code) << name;
+    }
+}
 
 TEST(RecordText, TextsOfAnyLengthSurviveCopiesMovesAndAssignments) {
     for (const std::string& text : std::vector<std::string>{
@@ -27,11 +43,4 @@ TEST(RecordText, TextsOfAnyLengthSurviveCopiesMovesAndAssignments) {
         assigned = assigned.view().substr(0, text.size() / 2); // a view of itself
         EXPECT_EQ(assigned, text.substr(0, text.size() / 2));
     }
-    File a("/x/a");
-    EXPECT_TRUE(a.MD5Hash.empty());
-    a.MD5Hash = std::string("1B2M2Y8AsgTpgAmY7PhCfg==");
-    const DigestText copy = a.MD5Hash;
-    a.MD5Hash = std::string();
-    EXPECT_TRUE(a.MD5Hash.empty());
-    EXPECT_EQ(copy, "1B2M2Y8AsgTpgAmY7PhCfg==");
 }
