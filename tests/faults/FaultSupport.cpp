@@ -1,15 +1,11 @@
 #include "FaultSupport.h"
 
-#include <atomic>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <poll.h>
 #include <sched.h>
-#include <sys/fanotify.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 #include "engine/Digest.h"
@@ -56,74 +52,6 @@ bool privateMounts() {
     static const bool ok = ::geteuid() == 0 && ::unshare(CLONE_NEWNS) == 0 &&
                            ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
     return ok;
-}
-
-bool AccessWatch::available() {
-    static const bool ok = AccessWatch(TempTree().root()).fan_ >= 0;
-    return ok;
-}
-
-AccessWatch::AccessWatch(const std::string& folder) {
-    fan_ = ::fanotify_init(FAN_CLASS_CONTENT | FAN_CLOEXEC, O_RDONLY | O_LARGEFILE);
-    if (fan_ >= 0 && ::fanotify_mark(fan_, FAN_MARK_ADD, FAN_ACCESS_PERM | FAN_EVENT_ON_CHILD,
-                                     AT_FDCWD, folder.c_str()) != 0) {
-        ::close(fan_);
-        fan_ = -1;
-    }
-}
-
-AccessWatch::~AccessWatch() {
-    if (fan_ >= 0) {
-        ::close(fan_); // every read still waiting is allowed
-    }
-}
-
-void AccessWatch::allow(int eventFd) {
-    const fanotify_response r{eventFd, FAN_ALLOW};
-    EXPECT_EQ(::write(fan_, &r, sizeof r), static_cast<ssize_t>(sizeof r)) << std::strerror(errno);
-    ::close(eventFd);
-}
-
-bool AccessWatch::holdFirstAccess(const std::function<void()>& whileHeld) {
-    if (fan_ < 0) {
-        return false;
-    }
-    // whileHeld runs on its own thread: reads it causes in folder are allowed here.
-    int held = -1;
-    std::atomic<bool> done{false};
-    std::thread worker;
-    alignas(fanotify_event_metadata) char buf[8192];
-    while (held < 0 || !done) {
-        pollfd p{fan_, POLLIN, 0};
-        const int ready = ::poll(&p, 1, held >= 0 ? 10 : 60000);
-        if (ready == 0 && held < 0) {
-            return false;
-        }
-        if (ready <= 0) {
-            continue;
-        }
-        ssize_t n = ::read(fan_, buf, sizeof buf);
-        for (auto* m = reinterpret_cast<fanotify_event_metadata*>(buf); FAN_EVENT_OK(m, n);
-             m = FAN_EVENT_NEXT(m, n)) {
-            if (m->fd < 0) {
-                continue;
-            }
-            if (held < 0 && m->pid != ::getpid()) {
-                held = m->fd;
-                worker = std::thread([&] {
-                    whileHeld();
-                    done = true;
-                });
-                continue;
-            }
-            allow(m->fd);
-        }
-    }
-    worker.join();
-    allow(held);
-    ::close(fan_);
-    fan_ = -1;
-    return true;
 }
 
 std::string fileEntry(const std::string& bytes) {

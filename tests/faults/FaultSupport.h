@@ -10,6 +10,7 @@
 #include <sys/types.h>
 #include <vector>
 
+#include "support/AccessWatch.h"
 #include "support/Cli.h"
 #include "support/TempTree.h"
 
@@ -29,20 +30,6 @@ std::string fileEntry(const std::string& bytes);
 
 // A mount namespace of this process's own, so tests may mount; false: skip.
 bool privateMounts();
-
-// Holds another process's first read in folder in the kernel (fanotify) while
-// whileHeld runs: exact under any load. False if no read came within a minute.
-class AccessWatch {
-  public:
-    static bool available(); // fanotify needs root
-    explicit AccessWatch(const std::string& folder);
-    ~AccessWatch();
-    bool holdFirstAccess(const std::function<void()>& whileHeld);
-
-  private:
-    void allow(int eventFd);
-    int fan_ = -1;
-};
 
 // Paths under root, relative to it.
 std::string rel(const std::string& root, const std::string& path);

@@ -4,15 +4,11 @@
 #include <QSlider>
 #include <atomic>
 #include <chrono>
-#include <fcntl.h>
-#include <functional>
-#include <poll.h>
-#include <sys/fanotify.h>
 #include <thread>
-#include <unistd.h>
 
 #include "UiTestSupport.h"
 #include "engine/NotificationCenter.h"
+#include "support/AccessWatch.h"
 #include "ui/main/ViewController.h"
 #include "ui/progress/ViewControllerProgress.h"
 
@@ -38,59 +34,6 @@ class SearchGate {
                                             reached_ = true;
                                             open_.wait(false);
                                         }};
-};
-
-// Holds this process's openings of one file (fanotify permission events, as
-// root) until until() says so, or 20 s have passed.
-class OpenHold {
-  public:
-    OpenHold(const std::string& path, std::function<bool()> until) : until_(std::move(until)) {
-        fan_ = ::fanotify_init(FAN_CLASS_CONTENT | FAN_CLOEXEC, O_RDONLY | O_LARGEFILE);
-        if (fan_ >= 0 &&
-            ::fanotify_mark(fan_, FAN_MARK_ADD, FAN_OPEN_PERM, AT_FDCWD, path.c_str()) == 0) {
-            thread_ = std::thread([this] { answer(); });
-        }
-    }
-    ~OpenHold() {
-        stop_ = true;
-        if (thread_.joinable()) {
-            thread_.join();
-        }
-        if (fan_ >= 0) {
-            ::close(fan_);
-        }
-    }
-    bool held() const { return held_; }
-
-  private:
-    void answer() {
-        alignas(fanotify_event_metadata) char buf[4096];
-        while (!stop_) {
-            pollfd p{fan_, POLLIN, 0};
-            if (::poll(&p, 1, 20) != 1) {
-                continue;
-            }
-            ssize_t n = ::read(fan_, buf, sizeof buf);
-            for (auto* m = reinterpret_cast<fanotify_event_metadata*>(buf); FAN_EVENT_OK(m, n);
-                 m = FAN_EVENT_NEXT(m, n)) {
-                if (m->fd < 0) {
-                    continue;
-                }
-                for (int i = 0; !held_ && !stop_ && !until_() && i < 1000; ++i) {
-                    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-                }
-                held_ = true;
-                const fanotify_response r{m->fd, FAN_ALLOW};
-                (void)!::write(fan_, &r, sizeof r);
-                ::close(m->fd);
-            }
-        }
-    }
-    std::function<bool()> until_;
-    int fan_ = -1;
-    std::thread thread_;
-    std::atomic<bool> stop_{false};
-    std::atomic<bool> held_{false};
 };
 
 // A home folder under a temporary prefix that the search is allowed to see.
@@ -191,15 +134,22 @@ class SearchFlowTest : public QObject {
 void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     SearchTree where;
     // Two pairs of copies, of two sizes: the larger pair is compared first,
-    // and the opening of the smaller pair's last file is held, so the bytes
-    // stop part way for as long as the estimate needs to show.
+    // and the first read in the smaller pair's folder is held, so the bytes
+    // stop part way for as long as the estimate needs to show (20 s at most).
     std::string body(16 << 20, 'x');
     where.tree.write("Users/me/a1", body + "a");
     where.tree.write("Users/me/a2", body + "a");
-    where.tree.write("Users/me/b1", body);
-    const std::string held = where.tree.write("Users/me/b2", body);
-    std::atomic<bool> estimated{false};
-    OpenHold hold(held, [&] { return estimated.load(); });
+    where.tree.write("Users/me/small/b1", body);
+    where.tree.write("Users/me/small/b2", body);
+    std::atomic<bool> estimated{false}, held{false};
+    AccessWatch reads(where.tree.path("Users/me/small"), true);
+    std::thread holder([&] {
+        held = reads.holdFirstAccess([&] {
+            for (int i = 0; i < 1000 && !estimated; ++i) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            }
+        });
+    });
     auto window = searchWindow({QString::fromStdString(where.home)});
 
     ModalAnswers answers;
@@ -220,6 +170,7 @@ void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     });
     answers.then("twinsweep::ui::ViewControllerDuplicates", [](QWidget* modal) { modal->close(); });
     window->buttonFindDuplicateFiles->click();
+    holder.join();
 
     // Empty during the walk (if the window saw it), then bytes of the 64 MB.
     if (!lines.isEmpty() && lines.front().isEmpty()) {
@@ -234,7 +185,7 @@ void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
         partial += match.captured(1) != QStringLiteral("64.0 MB") ? 1 : 0;
     }
     QVERIFY2(partial >= 1, qPrintable(lines.join(QLatin1Char('|'))));
-    if (!hold.held()) {
+    if (!held) {
         QSKIP("opens can be held only as root (fanotify): the estimate was not waited for");
     }
     QVERIFY2(estimated, qPrintable(lines.join(QLatin1Char('|'))));
