@@ -156,25 +156,4 @@ TEST_P(GroupingBothWays, LargeFilesGoBySizeAloneFromTheThresholdOn) {
     EXPECT_EQ(search(byContent, {tree.path("big")}).size(), 2U);
 }
 
-TEST_P(GroupingBothWays, FoldersTakenAsPackagesAreDigestedAsEmpty) {
-    TempTree tree;
-    tree.write("One.app/x", "12345");
-    tree.write("Two.app/y", "abcde");
-    tree.write("file.txt", "zzzzz");
-    // Regular files with a package extension: size 0 to the walk, yet read
-    // for what they hold; one of them under a second name is still one file.
-    tree.write("a.pkg", "first");
-    tree.write("b.pkg", "other");
-    ASSERT_EQ(::link(tree.path("a.pkg").c_str(), tree.path("c.pkg").c_str()), 0);
-    FileTools tools;
-    prepare(tools, GetParam());
-    StdoutCapture out;
-    const FileList heads = search(tools, {tree.root()}, false);
-    EXPECT_NE(out.finish().find("Ooops! Something went wrong: "), std::string::npos);
-    // Equal total size: copies of each other, but never of the readable file.
-    EXPECT_EQ(groupLines(heads, tree.root()),
-              (std::vector<std::string>{"file.txt", "One.app Two.app", "a.pkg", "b.pkg"}))
-        << "c.pkg is a.pkg";
-}
-
 INSTANTIATE_TEST_SUITE_P(SequentialAndParallel, GroupingBothWays, ::testing::Values(0U, 2U));

@@ -71,21 +71,6 @@ TEST(CustomSettingsText, RoundTripKeepsEveryFieldAndDatesToTheDayAndResetClears)
     EXPECT_EQ(read.customMessageRespone, 2);
 }
 
-TEST(CustomSettingsText, DefaultsReadBackSplitAtEveryLineBreakCharacter) {
-    EXPECT_EQ(customSettingsText(SettingsManager()), defaultRuleText());
-    std::string text = defaultRuleText();
-    text.replace(text.find('\n'), 1, "\r");           // carriage return
-    text.replace(text.find('\n'), 1, "\xE2\x80\xA8"); // line separator
-    text.replace(text.find('\n'), 1, "\xC2\x85");     // next line
-    text.pop_back();                                  // no final line feed
-    text += "\n2\n+5\n-0\n";                          // extra lines are not read
-    SettingsManager s;
-    s.customFilePath = "/elsewhere";
-    ASSERT_TRUE(loadCustomSettings(s, text));
-    EXPECT_EQ(s.customFilePath, " "); // the placeholder comes back
-    expectSameRules(s, SettingsManager());
-}
-
 TEST(CustomSettingsText, MalformedTextChangesNothing) {
     SettingsManager good;
     setEverything(good);

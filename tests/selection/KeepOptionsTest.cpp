@@ -88,26 +88,3 @@ TEST_F(KeepOptions, UnreadableDatesNeverWinAndAnUnreadablePickStays) {
     EXPECT_FALSE(parseMemberDate("17-03-05 03:04:09 "));
     EXPECT_FALSE(parseMemberDate(""));
 }
-
-TEST_F(KeepOptions, GroupsWithTheSamePathGetTheSameMarks) {
-    // A second record of the same head (same path, its own member objects).
-    auto twin = makeGroup({{group->path, "18-12-31 09:00:00"},
-                           {group->duplicates[1]->path, "10-01-01 01:00:00"},
-                           {group->duplicates[2]->path, "10-01-01 01:00:00"}});
-    auto other = makeGroup({{tree.write("d/x.txt", "y"), "17-01-01 01:00:00"},
-                            {tree.write("e/x.txt", "y"), "17-01-01 01:00:00"}});
-    FileList list{group, twin, other};
-
-    applyKeepOption(*group, kKeepOldest, list);
-    // The twin follows the group's own pick, not its own dates.
-    EXPECT_EQ(twin->keepOption, kKeepOldest);
-    EXPECT_EQ(marks(*twin), (Marks{1, 0, 1}));
-    EXPECT_EQ(marks(*other), (Marks{0, 0}));
-
-    const SamePathIndex index(list);
-    applyKeepOption(*group, kRemoveAll, index);
-    EXPECT_EQ(marks(*twin), (Marks{1, 1, 1}));
-    EXPECT_EQ(marks(*other), (Marks{0, 0}));
-    EXPECT_EQ(index.groupsAt(other->path).size(), 1u);
-    EXPECT_TRUE(index.groupsAt("/nowhere").empty());
-}
