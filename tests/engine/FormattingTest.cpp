@@ -1,5 +1,4 @@
-// What the windows and reports show of a record: sizes, dates, the estimate
-// line and the category.
+// What the windows and reports show of a record: sizes, dates, the estimate line.
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -8,7 +7,6 @@
 #include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <utility>
 
 #include "engine/FileTools.h"
 #include "support/TempTree.h"
@@ -110,17 +108,4 @@ TEST(Formatting, ProgressLineTellsBytesAndOnceSettledTheTimeLeft) {
     TimeLeft withFiles;
     EXPECT_FALSE(withFiles.secondsLeft(0, 4 * mb, t0, 0, 192));
     EXPECT_EQ(withFiles.secondsLeft(2 * mb, 4 * mb, t0 + std::chrono::seconds(2), 64, 192), 3);
-}
-
-TEST(Categories, FirstListThatHoldsTheExtensionWins) {
-    TempTree tree;
-    const FileTools tools;
-    const std::pair<const char*, int> cases[] = {
-        {"a.JPG", 1},  {"a.mng", 1}, {"a.cpt", 1}, {"a.ogg", 2},   {"a.flac", 2},
-        {"a.mkv", 3},  {"a.zip", 4}, {"a.pdf", 5}, {"a.pages", 5}, {"a.xyz", 6},
-        {"README", 6}, {"a.wmf", 6}, {"a.dot", 5},
-    };
-    for (const auto& [name, code] : cases) {
-        EXPECT_EQ(tools.categoryOf(File(tree.write(name, ""))), code) << name;
-    }
 }

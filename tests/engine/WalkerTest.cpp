@@ -112,15 +112,6 @@ TEST_F(Walker, ExtensionFilterAndSizeRangeAreExactAndInclusive) {
     EXPECT_EQ(walk({tree.path("Users/s")}, true, {}, 5, 9), (Paths{"Users/s/5", "Users/s/9"}));
 }
 
-TEST_F(Walker, AnUnlistableTopFolderVoidsTheWholeCall) {
-    tree.write("Users/b/a.txt", "a");
-    StdoutCapture out;
-    EXPECT_EQ(walk({tree.path("Users/b"), tree.path("Users/missing")}), Paths{});
-    EXPECT_EQ(lines(out.finish()),
-              Paths{"Ooops! Something went wrong: " + tree.path("Users/missing") +
-                    ": No such file or directory"});
-}
-
 TEST_F(Walker, CancellingFromAnotherThreadStopsEveryLevelAndKeepsWhatWasFound) {
     for (int k = 0; k < 100; ++k) {
         tree.write("Users/b/d" + std::to_string(k / 20) + "/f" + std::to_string(k % 20), "x");
