@@ -29,7 +29,7 @@ FileList makeGroups(int groups, int members) {
         id.known = true;
         auto group = std::make_shared<File>(base, id, File::Seen{});
         for (int m = 0; m < members; ++m) {
-            const std::string date = "1" + std::to_string(m % 10) + "-0" +
+            const std::string date = std::to_string(10 + m % 10) + "-0" +
                                      std::to_string(1 + m % 9) + "-15 0" +
                                      std::to_string(1 + g % 9) + ":30:00";
             group->duplicates.push_back(std::make_shared<DuplicateFile>(

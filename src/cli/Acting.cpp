@@ -45,7 +45,10 @@ std::string jsonSummary(bool dryRun, bool linking, const std::vector<std::string
     out += dryRun ? "true" : "false";
     out += linking ? ",\"linked\":[" : ",\"removed\":[";
     for (std::size_t i = 0; i < removed.size(); ++i) {
-        out += (i ? "," : "") + jsonString(removed[i]);
+        if (i > 0) {
+            out += ',';
+        }
+        out += jsonString(removed[i]);
     }
     out += "],\"bytesFreed\":" + std::to_string(bytes) + ",\"failed\":" + std::to_string(failed) +
            "}\n";

@@ -188,7 +188,8 @@ std::string localTimeText() {
 // The name to try in the Trash: the item's own name, then name_2, name_3,
 // ..., shortened (at a character boundary) so the record's name fits.
 std::string candidateName(const std::string& base, int attempt) {
-    const std::string suffix = attempt == 0 ? "" : "_" + std::to_string(attempt + 1);
+    const std::string suffix =
+        attempt == 0 ? std::string() : std::string("_").append(std::to_string(attempt + 1));
     std::string stem = base;
     const std::size_t room = kMaxName - kInfoSuffix.size() - suffix.size();
     if (stem.size() > room) {

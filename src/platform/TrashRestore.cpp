@@ -39,7 +39,8 @@ void forgetFolderSize(const std::string& filesPath) {
     while ((n = ::read(in.get(), buf, sizeof buf)) > 0) {
         text.append(buf, static_cast<std::size_t>(n));
     }
-    const std::string suffix = " " + Trash::percentEncoded(lastComponent(filesPath));
+    const std::string suffix =
+        std::string(" ").append(Trash::percentEncoded(lastComponent(filesPath)));
     std::string kept;
     std::size_t start = 0;
     while (start < text.size()) {
