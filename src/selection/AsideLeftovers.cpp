@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <cstring>
 #include <dirent.h>
@@ -27,24 +28,17 @@ bool parse(std::string_view entry, pid_t& pid, std::string& name) {
         return false;
     }
     entry.remove_prefix(kPrefix.size());
-    long long p = 0;
-    std::size_t at = 0;
-    for (; at < entry.size() && entry[at] >= '0' && entry[at] <= '9'; ++at) {
-        p = p * 10 + (entry[at] - '0');
-        if (p > 1 << 30) {
-            return false;
-        }
-    }
-    if (at == 0 || at >= entry.size() || entry[at] != '-') {
+    const char* end = entry.data() + entry.size();
+    const auto [afterPid, err] = std::from_chars(entry.data(), end, pid);
+    if (err != std::errc() || pid <= 0 || afterPid == end || *afterPid != '-') {
         return false;
     }
-    const std::size_t counterEnd = entry.find('-', at + 1);
-    if (counterEnd == std::string_view::npos || counterEnd == at + 1 ||
-        counterEnd + 1 >= entry.size()) {
+    const std::string_view rest(afterPid + 1, static_cast<std::size_t>(end - afterPid - 1));
+    const std::size_t counterEnd = rest.find('-');
+    if (counterEnd == 0 || counterEnd == std::string_view::npos || counterEnd + 1 >= rest.size()) {
         return false;
     }
-    pid = static_cast<pid_t>(p);
-    name.assign(entry.substr(counterEnd + 1));
+    name.assign(rest.substr(counterEnd + 1));
     return true;
 }
 
