@@ -13,7 +13,7 @@
 #include "selection/CustomMarking.h"
 #include "selection/CustomSettingsText.h"
 #include "selection/KeepOptions.h"
-#include "selection/TrashRecord.h"
+#include "removal/TrashRecord.h"
 
 namespace twinsweep::cli {
 

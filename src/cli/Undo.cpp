@@ -3,9 +3,9 @@
 #include <cstdio>
 
 #include "cli/Output.h"
-#include "platform/PlatformRemover.h"
-#include "platform/TrashRestore.h"
-#include "selection/TrashRecord.h"
+#include "removal/PlatformRemover.h"
+#include "removal/TrashRestore.h"
+#include "removal/TrashRecord.h"
 
 namespace twinsweep::cli {
 

@@ -17,7 +17,7 @@
 #include "cli/Undo.h"
 #include "engine/FileTools.h"
 #include "engine/SearchJob.h"
-#include "platform/PlatformRemover.h"
+#include "removal/PlatformRemover.h"
 #include "settings/SettingsManager.h"
 
 using namespace twinsweep;

@@ -5,7 +5,7 @@
 #include "engine/Diagnostics.h"
 #include "engine/ProtectedFolders.h"
 #include "engine/SameFile.h"
-#include "selection/CopyRemoval.h"
+#include "removal/CopyRemoval.h"
 #include "selection/KeepOptions.h"
 
 namespace twinsweep {

@@ -7,7 +7,7 @@
 
 #include "engine/File.h"
 #include "selection/AlertText.h"
-#include "selection/Removal.h"
+#include "removal/Removal.h"
 #include "settings/SettingsManager.h"
 
 namespace twinsweep {

@@ -6,7 +6,7 @@
 #include "FaultSupport.h"
 #include "engine/FileTools.h"
 #include "engine/SearchJob.h"
-#include "platform/PlatformRemover.h"
+#include "removal/PlatformRemover.h"
 #include "selection/Cleaning.h"
 #include "settings/SettingsManager.h"
 

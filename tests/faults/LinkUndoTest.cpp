@@ -3,7 +3,7 @@
 #include <sys/stat.h>
 
 #include "FaultSupport.h"
-#include "selection/TrashRecord.h"
+#include "removal/TrashRecord.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;

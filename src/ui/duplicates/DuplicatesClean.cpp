@@ -4,7 +4,7 @@
 #include <QThread>
 
 #include "engine/ProtectedFolders.h"
-#include "platform/PlatformRemover.h"
+#include "removal/PlatformRemover.h"
 #include "selection/Cleaning.h"
 #include "ui/duplicates/GroupsModel.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"

@@ -5,8 +5,8 @@
 #include <QFile>
 #include <QRadioButton>
 
-#include "platform/PlatformRemover.h"
-#include "platform/TrashRestore.h"
+#include "removal/PlatformRemover.h"
+#include "removal/TrashRestore.h"
 #include "settings/SettingsManager.h"
 #include "ui/main/ViewController.h"
 #include "ui/shell/Alert.h"

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "selection/TrashRecord.h"
+#include "removal/TrashRecord.h"
 
 namespace twinsweep::ui {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "engine/File.h"
-#include "selection/Removal.h"
+#include "removal/Removal.h"
 
 namespace twinsweep {
 

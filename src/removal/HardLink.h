@@ -1,6 +1,6 @@
 #pragma once
 
-#include "selection/Removal.h"
+#include "removal/Removal.h"
 
 namespace twinsweep {
 

@@ -1,4 +1,4 @@
-#include "platform/PlatformRemover.h"
+#include "removal/PlatformRemover.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -8,10 +8,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/HardLink.h"
-#include "platform/Trash.h"
-#include "platform/TreeWalk.h"
-#include "selection/Fd.h"
+#include "removal/HardLink.h"
+#include "removal/Trash.h"
+#include "removal/TreeWalk.h"
+#include "removal/Fd.h"
 
 namespace twinsweep {
 

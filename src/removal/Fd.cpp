@@ -1,4 +1,4 @@
-#include "selection/Fd.h"
+#include "removal/Fd.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "platform/Trash.h"
+#include "removal/Trash.h"
 
 #include <cerrno>
 #include <climits>
@@ -11,8 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/TreeWalk.h"
-#include "selection/Fd.h"
+#include "removal/TreeWalk.h"
+#include "removal/Fd.h"
 
 namespace twinsweep {
 

@@ -1,4 +1,4 @@
-#include "platform/TreeWalk.h"
+#include "removal/TreeWalk.h"
 
 #include <cerrno>
 #include <cstring>
@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "selection/Fd.h"
+#include "removal/Fd.h"
 
 namespace twinsweep {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "selection/Removal.h"
+#include "removal/Removal.h"
 
 namespace twinsweep {
 

@@ -1,4 +1,4 @@
-#include "platform/HardLink.h"
+#include "removal/HardLink.h"
 
 #include <atomic>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "selection/AsideLeftovers.h"
+#include "removal/AsideLeftovers.h"
 
 #include <atomic>
 #include <cerrno>
@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "engine/Diagnostics.h"
-#include "selection/Fd.h"
+#include "removal/Fd.h"
 
 namespace twinsweep {
 

@@ -1,4 +1,4 @@
-#include "platform/TrashRestore.h"
+#include "removal/TrashRestore.h"
 
 #include <cerrno>
 #include <cstring>
@@ -7,8 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/Trash.h"
-#include "selection/Fd.h"
+#include "removal/Trash.h"
+#include "removal/Fd.h"
 
 namespace twinsweep {
 

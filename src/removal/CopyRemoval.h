@@ -2,8 +2,8 @@
 
 #include "engine/File.h"
 #include "engine/SameFile.h"
-#include "selection/AsideLeftovers.h"
-#include "selection/Removal.h"
+#include "removal/AsideLeftovers.h"
+#include "removal/Removal.h"
 
 namespace twinsweep {
 

@@ -1,4 +1,4 @@
-#include "selection/CopyRemoval.h"
+#include "removal/CopyRemoval.h"
 
 #include <cerrno>
 #include <cstring>
@@ -8,9 +8,9 @@
 #include <unistd.h>
 
 #include "engine/FolderRegistry.h"
-#include "selection/AsideLeftovers.h"
-#include "selection/Fd.h"
-#include "selection/SameContents.h"
+#include "removal/AsideLeftovers.h"
+#include "removal/Fd.h"
+#include "removal/SameContents.h"
 
 namespace twinsweep {
 

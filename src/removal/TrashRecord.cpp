@@ -1,4 +1,4 @@
-#include "selection/TrashRecord.h"
+#include "removal/TrashRecord.h"
 
 #include <cctype>
 #include <cerrno>
@@ -9,7 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "selection/Fd.h"
+#include "removal/Fd.h"
 
 namespace twinsweep {
 

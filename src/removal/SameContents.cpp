@@ -1,4 +1,4 @@
-#include "selection/SameContents.h"
+#include "removal/SameContents.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "selection/TrashRecord.h"
+#include "removal/TrashRecord.h"
 
 namespace twinsweep {
 

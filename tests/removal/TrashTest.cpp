@@ -6,8 +6,8 @@
 #include <unistd.h>
 
 #include "faults/FaultSupport.h"
-#include "platform/PlatformRemover.h"
-#include "platform/Trash.h"
+#include "removal/PlatformRemover.h"
+#include "removal/Trash.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;
