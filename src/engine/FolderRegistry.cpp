@@ -20,10 +20,11 @@ Table& table() {
 
 } // namespace
 
-std::uint32_t FolderRegistry::remember(std::uint64_t device, std::uint64_t inode) {
+std::uint32_t FolderRegistry::remember(std::uint64_t device, std::uint64_t inode,
+                                       bool foreignLink) {
     Table& t = table();
     std::lock_guard guard(t.lock);
-    t.folders.push_back({device, inode, true});
+    t.folders.push_back({device, inode, true, foreignLink});
     return static_cast<std::uint32_t>(t.folders.size() - 1);
 }
 

@@ -11,6 +11,10 @@ struct FolderIdentity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
     bool known = false;
+    // Reached, from the folder the user gave, through a symbolic link that
+    // belongs to neither root nor the user running the search: its copies are
+    // listed but never acted on (another user chose where that link leads).
+    bool foreignLink = false;
 
     bool operator==(const FolderIdentity&) const = default;
 };
@@ -20,7 +24,8 @@ struct FolderIdentity {
 // several threads. Index 0 means "not known".
 class FolderRegistry {
   public:
-    static std::uint32_t remember(std::uint64_t device, std::uint64_t inode);
+    static std::uint32_t remember(std::uint64_t device, std::uint64_t inode,
+                                  bool foreignLink = false);
     static FolderIdentity at(std::uint32_t index);
 };
 
