@@ -1,5 +1,6 @@
 #include "FaultSupport.h"
 
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -12,6 +13,16 @@
 
 namespace twinsweep::testing {
 
+namespace {
+
+std::string ownerAndMode(const struct stat& st) {
+    char mode[8];
+    std::snprintf(mode, sizeof mode, "%04o", static_cast<unsigned>(st.st_mode & 07777));
+    return " " + std::to_string(st.st_uid) + ":" + std::to_string(st.st_gid) + " " + mode;
+}
+
+} // namespace
+
 Snapshot snapshot(const std::string& root) {
     Snapshot out;
     namespace fs = std::filesystem;
@@ -20,11 +31,13 @@ Snapshot snapshot(const std::string& root) {
         const std::string p = e.path().string();
         struct stat st {};
         ::lstat(p.c_str(), &st);
-        out[rel(root, p)] = S_ISDIR(st.st_mode)   ? "folder"
-                            : S_ISLNK(st.st_mode) ? "link:" + fs::read_symlink(p).string()
-                            : S_ISREG(st.st_mode) ? "file:" + std::to_string(st.st_size) + ":" +
-                                                        base64Text(streamDigest(p))
-                                                  : "special";
+        out[rel(root, p)] =
+            (S_ISDIR(st.st_mode)   ? "folder"
+             : S_ISLNK(st.st_mode) ? "link:" + fs::read_symlink(p).string()
+             : S_ISREG(st.st_mode)
+                 ? "file:" + std::to_string(st.st_size) + ":" + base64Text(streamDigest(p))
+                 : "special") +
+            (S_ISLNK(st.st_mode) ? " " + std::to_string(st.st_uid) : ownerAndMode(st));
     }
     return out;
 }
@@ -54,9 +67,11 @@ bool privateMounts() {
     return ok;
 }
 
-std::string fileEntry(const std::string& bytes) {
+std::string fileEntry(const std::string& bytes, const std::string& path) {
+    struct stat st {};
+    ::lstat(path.c_str(), &st);
     return "file:" + std::to_string(bytes.size()) + ":" +
-           base64Text(md5Of(bytes.data(), bytes.size()));
+           base64Text(md5Of(bytes.data(), bytes.size())) + ownerAndMode(st);
 }
 
 std::string rel(const std::string& root, const std::string& path) {

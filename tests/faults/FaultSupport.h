@@ -17,12 +17,14 @@
 namespace twinsweep::testing {
 
 // Everything under root by relative path: a file's size and digest, a link's
-// target (never followed), or the kind of anything else.
+// target (never followed), or the kind of anything else; then its owner
+// ("uid:gid") and mode (a link: its owner).
 using Snapshot = std::map<std::string, std::string>;
 Snapshot snapshot(const std::string& root);
 
-// How a snapshot shows a regular file holding bytes.
-std::string fileEntry(const std::string& bytes);
+// How a snapshot shows a regular file holding bytes, with the owner and mode
+// of what is at path now.
+std::string fileEntry(const std::string& bytes, const std::string& path);
 
 // Every item of before is unchanged in after, but those in gone, which are gone.
 ::testing::AssertionResult nothingLost(const Snapshot& before, const Snapshot& after,

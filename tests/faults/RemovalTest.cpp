@@ -105,7 +105,7 @@ TEST(Removal, AnotherCleanPutsBackWhatAKilledCleanLeftAside) {
     ASSERT_EQ(removed.size(), 1u) << r.out;
     const Snapshot after = snapshot(tree.root());
     EXPECT_TRUE(nothingLost(before, after, {rel(tree.root(), removed[0]), "d/" + dead + "-0-c"}));
-    EXPECT_EQ(after.at("d/c"), fileEntry("left aside"));
+    EXPECT_EQ(after.at("d/c"), fileEntry("left aside", tree.path("d/c")));
     EXPECT_TRUE(says(r.err, "Note:   " + tree.path("d/c") + ": put back"));
     EXPECT_TRUE(says(r.err, dead + "-1-t: left aside by a clean that was stopped, not put back"));
 }
@@ -344,7 +344,8 @@ TEST(Removal, OddMountsNeverCostAFile) {
     ASSERT_EQ(r.status, 0) << r.err;
     const std::vector<std::string> gone = listed(r.out, "removed: ");
     ASSERT_EQ(gone.size(), 1u);
-    EXPECT_EQ(snapshot(tree.path("full/.Trash-" + uid + "/files")).at("x"), fileEntry("twin"));
+    EXPECT_EQ(snapshot(tree.path("full/.Trash-" + uid + "/files")).at("x"),
+              fileEntry("twin", tree.path("full/.Trash-" + uid + "/files/x")));
     EXPECT_TRUE(says(slurp(tree.path("full/.Trash-" + uid + "/info/x.trashinfo")),
                      "\nPath=" + rel(tree.path("full"), gone[0]) + "\n"));
 
