@@ -13,6 +13,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <unordered_map>
 
 namespace twinsweep {
 
@@ -108,6 +109,7 @@ bool readTrashRecordText(const std::string& text, TrashRecordContents& out) {
         return false;
     }
     TrashRecordContents r;
+    std::unordered_map<std::string, std::size_t> where; // item by its place in the Trash
     char* end = nullptr;
     const std::string stamp = header.substr(std::strlen(kHeader));
     r.time = std::strtoll(stamp.c_str(), &end, 10);
@@ -124,13 +126,11 @@ bool readTrashRecordText(const std::string& text, TrashRecordContents& out) {
         if (!readLine(text.substr(start, nl - start), item)) {
             return false;
         }
-        const auto same = std::find_if(r.items.begin(), r.items.end(), [&](const TrashedItem& i) {
-            return i.filesPath == item.filesPath;
-        });
-        if (same != r.items.end()) {
-            *same = std::move(item);
-        } else {
+        const auto [at, added] = where.emplace(item.filesPath, r.items.size());
+        if (added) {
             r.items.push_back(std::move(item));
+        } else {
+            r.items[at->second] = std::move(item);
         }
         start = nl + 1;
     }
@@ -180,7 +180,9 @@ std::string UndoRecord::note(const TrashedItem& item) {
         path_ = folder.path + "/" + name;
     }
     // Each note is one write: a kill leaves at most one unfinished line, last.
-    if (!writeFully(fd_.get(), trashRecordLine(item))) {
+    // A move is on disk once its note is: undo must survive a power cut too.
+    if (!writeFully(fd_.get(), trashRecordLine(item)) ||
+        (item.moved && ::fdatasync(fd_.get()) != 0)) {
         error_ = path_ + ": " + std::strerror(errno);
     }
     return error_;
