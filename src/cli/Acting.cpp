@@ -9,11 +9,13 @@
 #include <vector>
 
 #include "cli/Output.h"
+#include "engine/Diagnostics.h"
 #include "engine/FileTools.h"
+#include "removal/TrashRecord.h"
+#include "removal/UndoHistory.h"
 #include "selection/CustomMarking.h"
 #include "selection/CustomSettingsText.h"
 #include "selection/KeepOptions.h"
-#include "removal/TrashRecord.h"
 
 namespace twinsweep::cli {
 
@@ -55,19 +57,22 @@ std::string jsonSummary(bool dryRun, bool linking, const std::vector<std::string
     return out;
 }
 
-// Keeps the record that --undo reads, and says how to use it.
-void noteTrashed(const std::vector<TrashedCopy>& trashed) {
-    const std::string path = lastTrashRecordPath();
-    if (const std::string err = saveTrashRecord(path, trashed); !err.empty()) {
-        std::fprintf(stderr, "twinsweep-cli: cannot keep a record to undo this clean: %s\n",
+// Says how to undo the clean: its record was kept as it went (PlatformRemover).
+void noteTrashed(std::size_t trashed, const FileRemover& remover) {
+    if (const std::string err = remover.trashRecordError(); !err.empty()) {
+        std::fprintf(stderr,
+                     "twinsweep-cli: cannot keep a record to undo this clean: %s; nothing more "
+                     "was moved to the Trash\n",
                      err.c_str());
+        return;
+    }
+    if (trashed == 0) {
         return;
     }
     std::fprintf(stderr,
                  "twinsweep-cli: %zu %s moved to the Trash; to put %s back, run: "
                  "twinsweep-cli --undo\n",
-                 trashed.size(), trashed.size() == 1 ? "copy was" : "copies were",
-                 trashed.size() == 1 ? "it" : "them");
+                 trashed, trashed == 1 ? "copy was" : "copies were", trashed == 1 ? "it" : "them");
 }
 
 } // namespace
@@ -164,7 +169,24 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
     settings.moveToTrash = options.removal != Removal::Delete;
     settings.replaceWithHardLinks = options.removal == Removal::Link;
     const bool linking = options.removal == Removal::Link;
-    std::vector<TrashedCopy> trashed;
+    if (!dryRun) {
+        // What a stopped clean left half done is finished first (the caller holds the lock).
+        for (const std::string& note : tidyTrashRecords()) {
+            printErrorLine("Note:   ", note);
+        }
+    }
+    if (options.removal == Removal::Trash) {
+        if (const PrivateFolder undo = openUndoFolder(); !undo.ok()) {
+            std::fprintf(stderr,
+                         "twinsweep-cli: cannot keep a record to undo this clean: %s; nothing "
+                         "was removed\n",
+                         undo.error.c_str());
+            ActResult refused;
+            refused.exitCode = 1;
+            return refused;
+        }
+    }
+    std::size_t trashed = 0;
     ActResult result;
     std::vector<std::string> removed;
     CleaningRun run;
@@ -176,7 +198,7 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
         }
         removed.push_back(m.path);
         if (!r.trashed.originalPath.empty()) {
-            trashed.push_back({r.trashed, m.seen});
+            ++trashed;
         }
         const char* verb = linking ? (dryRun ? "would link: " : "linked: ")
                                    : (dryRun ? "would remove: " : "removed: ");
@@ -188,9 +210,7 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
     };
     const CleaningReport report = clean(groups, settings, prompt, remover, run);
     result.stopped = report.stopped;
-    if (!trashed.empty()) {
-        noteTrashed(trashed);
-    }
+    noteTrashed(trashed, remover);
 
     if (report.outcome == CleaningOutcome::Declined) {
         std::fprintf(stderr, "twinsweep-cli: nothing was removed\n");
@@ -202,6 +222,9 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
             json ? jsonSummary(dryRun, linking, removed, report.bytesFreed, report.failed)
                  : textSummary(dryRun, removed.size(), report.bytesFreed);
         result.outputClosed = !out(summary);
+    }
+    if (!remover.trashRecordError().empty()) {
+        result.exitCode = 1;
     }
     if (report.failed > 0) {
         std::fprintf(stderr, "twinsweep-cli: %lld %s not %s (see the Error lines above)\n",

@@ -230,6 +230,10 @@ std::optional<std::string> physicalFolder(const std::string& given, const std::s
 // The absolute form of a folder argument in folder; an error text when it is
 // not a folder.
 std::string checkedFolder(const std::string& given, const std::string& cwd, std::string& folder) {
+    // An unset variable in a script must not mean the folder it runs in.
+    if (given.empty()) {
+        return "an empty folder name is not a folder";
+    }
     // As the kernel resolves it: "link/.." is the parent of the link's
     // target, as `ls link/..` shows, and the output shows that folder.
     const auto physical = physicalFolder(given, cwd);
@@ -441,9 +445,10 @@ std::string usageText() {
            "                         group: every path keeps working, the bytes are kept\n"
            "                         once; copies on another file system than every kept\n"
            "                         copy, and packages, are left alone and reported\n"
-           "  --undo                 put back what the last run with --trash moved to the\n"
-           "                         Trash (recorded in $XDG_STATE_HOME/twinsweep/last-trash),\n"
-           "                         where the original path is free and the file unchanged\n"
+           "  --undo                 put back what the newest clean to the Trash moved\n"
+           "                         there (each clean's record: $XDG_STATE_HOME/twinsweep/\n"
+           "                         undo/), where the original path is free, its folder\n"
+           "                         the same and the file unchanged\n"
            "  --yes                  answer yes to the questions: removing every copy of\n"
            "                         a group, deleting for good (needed for --delete when\n"
            "                         standard input is not a terminal)\n"

@@ -4,19 +4,13 @@
 
 #include "cli/Output.h"
 #include "removal/PlatformRemover.h"
-#include "removal/TrashRestore.h"
 #include "removal/TrashRecord.h"
+#include "removal/UndoHistory.h"
 
 namespace twinsweep::cli {
 
 int undoLastTrash() {
-    const std::string path = lastTrashRecordPath();
-    std::vector<TrashedCopy> copies;
-    if (const std::string err = loadTrashRecord(path, copies); !err.empty()) {
-        std::fprintf(stderr, "twinsweep-cli: %s\n", err.c_str());
-        return 1;
-    }
-    // Not while a clean runs: it may be moving the very files back.
+    // Not while a clean runs: the newest record is read only once it is over.
     CleaningLock lock;
     CleaningLock::Outcome taken = lock.tryTake();
     if (taken == CleaningLock::Outcome::Busy) {
@@ -27,18 +21,25 @@ int undoLastTrash() {
         std::fprintf(stderr, "twinsweep-cli: %s; nothing was restored\n", lock.message().c_str());
         return 1;
     }
-    const RestoreOutcome outcome = restoreFromTrash(copies);
-    for (const std::string& p : outcome.restored) {
+    const UndoReport report = undoNewestClean();
+    for (const std::string& note : report.notes) {
+        std::fprintf(stderr, "Note:   %s\n", textEscaped(note).c_str());
+    }
+    if (!report.error.empty()) {
+        std::fprintf(stderr, "twinsweep-cli: %s\n", textEscaped(report.error).c_str());
+        return 1;
+    }
+    std::fprintf(stderr, "twinsweep-cli: undoing the clean of %s (%zu %s moved to the Trash)\n",
+                 recordTimeText(report.time).c_str(), report.count,
+                 report.count == 1 ? "item" : "items");
+    for (const std::string& p : report.outcome.restored) {
         std::printf("restored: %s\n", textEscaped(p).c_str());
     }
-    for (const std::string& why : outcome.problems) {
+    for (const std::string& why : report.outcome.problems) {
         std::fprintf(stderr, "twinsweep-cli: %s\n", textEscaped(why).c_str());
     }
-    if (const std::string err = saveTrashRecord(path, outcome.left); !err.empty()) {
-        std::fprintf(stderr, "twinsweep-cli: %s\n", err.c_str());
-    }
     std::fflush(stdout);
-    return outcome.problems.empty() ? 0 : 1;
+    return report.outcome.problems.empty() ? 0 : 1;
 }
 
 } // namespace twinsweep::cli

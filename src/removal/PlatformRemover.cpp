@@ -8,10 +8,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "removal/Fd.h"
 #include "removal/HardLink.h"
+#include "removal/StateFolder.h"
 #include "removal/Trash.h"
 #include "removal/TreeWalk.h"
-#include "removal/Fd.h"
 
 namespace twinsweep {
 
@@ -24,13 +25,17 @@ RemovalResult failure(const std::string& path, const std::string& why) {
     return r;
 }
 
-std::string lockPath() {
+// Only a folder no other user can change: nobody else can hold the lock
+// there, or swap the lock file.
+PrivateFolder openLockFolder() {
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     if (runtime != nullptr && runtime[0] == '/') {
-        return std::string(runtime) + "/twinsweep-clean.lock";
+        PrivateFolder f = openPrivateFolder(runtime);
+        if (f.ok()) {
+            return f;
+        }
     }
-    const std::string trash = Trash::homePath();
-    return trash.empty() ? std::string() : trash + "/twinsweep-clean.lock";
+    return openStateFolder();
 }
 
 } // namespace
@@ -57,7 +62,7 @@ RemovalResult PlatformRemover::moveToTrash(const RemovalTarget& target) {
     }
     return failure(target.path, "the Trash holds too many items of this name");
 #else
-    return Trash::moveAt(target.folderFd, target.entry, target.path);
+    return Trash::moveAt(target.folderFd, target.entry, target.path, &record_);
 #endif
 }
 
@@ -107,15 +112,19 @@ CleaningLock::Outcome CleaningLock::open() {
     if (fd_ >= 0) {
         return Outcome::Taken;
     }
-    const std::string path = lockPath();
-    if (path.empty()) {
-        message_ = "no place for the cleaning lock (neither XDG_RUNTIME_DIR nor a home folder)";
+    const PrivateFolder folder = openLockFolder();
+    if (!folder.ok()) {
+        message_ = "no safe place for the cleaning lock: " + folder.error;
         return Outcome::Failed;
     }
-    const Fd folder(openOrMakeFolder(parentOf(path)));
-    if (folder.ok()) {
-        fd_ = ::openat(folder.get(), lastComponent(path).c_str(),
-                       O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    const std::string path = folder.path + "/twinsweep-clean.lock";
+    fd_ = ::openat(folder.fd.get(), "twinsweep-clean.lock",
+                   O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+    struct stat st {};
+    if (fd_ >= 0 && (::fstat(fd_, &st) != 0 || !S_ISREG(st.st_mode))) {
+        ::close(fd_);
+        fd_ = -1;
+        errno = EINVAL;
     }
     if (fd_ < 0) {
         message_ = "can't open the cleaning lock " + path + ": " + std::strerror(errno);

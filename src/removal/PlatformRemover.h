@@ -3,6 +3,7 @@
 #include <string>
 
 #include "removal/Removal.h"
+#include "removal/TrashRecord.h"
 
 namespace twinsweep {
 
@@ -16,11 +17,20 @@ class PlatformRemover : public FileRemover {
     RemovalResult moveToTrash(const RemovalTarget& target) override;
     RemovalResult removeForGood(const RemovalTarget& target) override;
     RemovalResult replaceWithLink(const RemovalTarget& target) override;
+
+    // Each remover that moves something to the Trash keeps the record of
+    // its clean, for undo; nothing is moved that it can't note there.
+    // Why it could not be kept ("" when it was, or nothing was moved).
+    std::string trashRecordError() const override { return record_.error(); }
+
+  private:
+    UndoRecord record_;
 };
 
 // One cleaning at a time per user: an advisory lock on a file in
-// $XDG_RUNTIME_DIR, or in the home Trash when that is unset. Released when
-// the object goes (or the process ends, however it ends).
+// $XDG_RUNTIME_DIR when it is a private folder (see StateFolder.h), else in
+// the state folder; refused when neither is. Released when the object goes
+// (or the process ends, however it ends).
 class CleaningLock {
   public:
     CleaningLock() = default;

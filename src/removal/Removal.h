@@ -25,11 +25,24 @@ struct RemovalTarget {
     std::string keptPath;
 };
 
-// Where a copy went in the Trash, so that it can be put back.
+// Where a copy went in the Trash, so that it can be put back, and what undo
+// checks first: the folder it left, the Trash's files/ folder, and the item
+// as it lies there with the DeletionDate its .trashinfo was written with.
 struct TrashedItem {
     std::string originalPath;
     std::string filesPath; // the item itself, inside the Trash's files/
     std::string infoPath;  // its .trashinfo record
+    std::string deletionDate;
+    std::uint64_t folderDevice = 0;
+    std::uint64_t folderInode = 0;
+    std::uint64_t filesDevice = 0;
+    std::uint64_t filesInode = 0;
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::uint64_t size = 0;
+    std::int64_t mtimeSec = 0;
+    std::int64_t mtimeNsec = 0;
+    bool moved = false; // false: noted before the move, which may not have happened
 };
 
 struct RemovalResult {
@@ -66,6 +79,9 @@ class FileRemover {
         r.error = target.path + ": hard links are not available here, left alone";
         return r;
     }
+    // Why the record to undo its moves to the Trash could not be kept ("" when
+    // it was, or when this remover keeps none).
+    virtual std::string trashRecordError() const { return {}; }
 };
 
 } // namespace twinsweep

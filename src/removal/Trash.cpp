@@ -11,8 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "removal/TreeWalk.h"
 #include "removal/Fd.h"
+#include "removal/TreeWalk.h"
 
 namespace twinsweep {
 
@@ -277,10 +277,12 @@ std::string Trash::percentEncoded(const std::string& bytes) {
 }
 
 #ifndef __APPLE__
-RemovalResult Trash::moveAt(int folderFd, const std::string& entry,
-                            const std::string& originalPath) {
+RemovalResult Trash::moveAt(int folderFd, const std::string& entry, const std::string& originalPath,
+                            TrashJournal* journal) {
     struct stat st {};
-    if (::fstatat(folderFd, entry.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
+    struct stat folderSt {};
+    if (::fstatat(folderFd, entry.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0 ||
+        ::fstat(folderFd, &folderSt) != 0) {
         return failure(originalPath, errorText(errno));
     }
     // The folder's own path, without links, is where its mount's top lies
@@ -303,14 +305,43 @@ RemovalResult Trash::moveAt(int folderFd, const std::string& entry,
             recorded = real.substr(top.size() + 1);
         }
     }
-    const std::string record = "[Trash Info]\nPath=" + percentEncoded(recorded) +
-                               "\nDeletionDate=" + localTimeText() + "\n";
+    const std::string date = localTimeText();
+    const std::string record =
+        "[Trash Info]\nPath=" + percentEncoded(recorded) + "\nDeletionDate=" + date + "\n";
+    struct stat filesSt {};
+    if (::fstat(t.files.get(), &filesSt) != 0) {
+        return failure(originalPath, t.path + "/files: " + errorText(errno));
+    }
+    TrashedItem item;
+    item.originalPath = originalPath;
+    item.deletionDate = date;
+    item.folderDevice = folderSt.st_dev;
+    item.folderInode = folderSt.st_ino;
+    item.filesDevice = filesSt.st_dev;
+    item.filesInode = filesSt.st_ino;
+    item.device = st.st_dev;
+    item.inode = st.st_ino;
+    item.size = static_cast<std::uint64_t>(st.st_size);
+    item.mtimeSec = st.st_mtim.tv_sec;
+    item.mtimeNsec = st.st_mtim.tv_nsec;
     const std::uint64_t folderSize = S_ISDIR(st.st_mode) ? treeSizeAt(folderFd, entry) : 0;
     const std::string base = lastComponent(originalPath);
 
     for (int attempt = 0; attempt < kNameTries; ++attempt) {
         const std::string name = candidateName(base, attempt);
         const std::string infoName = name + kInfoSuffix;
+        item.filesPath = t.path + "/files/" + name;
+        item.infoPath = t.path + "/info/" + infoName;
+        struct stat taken {};
+        if (::fstatat(t.info.get(), infoName.c_str(), &taken, AT_SYMLINK_NOFOLLOW) == 0) {
+            continue; // another item's record: never noted as ours
+        }
+        if (journal != nullptr) {
+            if (const std::string why = journal->note(item); !why.empty()) {
+                return failure(originalPath, "can't keep the record to undo this (" + why +
+                                                 "); nothing was removed");
+            }
+        }
         // The record is made first and exclusively: it claims the name.
         Fd info(::openat(t.info.get(), infoName.c_str(),
                          O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
@@ -344,7 +375,23 @@ RemovalResult Trash::moveAt(int folderFd, const std::string& entry,
             noteFolderSize(t, name, folderSize);
         }
         RemovalResult r;
-        r.trashed = {originalPath, t.path + "/files/" + name, t.path + "/info/" + infoName};
+        // As it lies in the Trash now: a folder's times may move with its parent.
+        struct stat moved {};
+        if (::fstatat(t.files.get(), name.c_str(), &moved, AT_SYMLINK_NOFOLLOW) == 0) {
+            item.size = static_cast<std::uint64_t>(moved.st_size);
+            item.mtimeSec = moved.st_mtim.tv_sec;
+            item.mtimeNsec = moved.st_mtim.tv_nsec;
+        }
+        item.moved = true;
+        if (journal != nullptr) {
+            if (const std::string why = journal->note(item); !why.empty()) {
+                r.error = originalPath +
+                          ": moved to the Trash, but its record to undo this "
+                          "could not be completed (" +
+                          why + ")";
+            }
+        }
+        r.trashed = item;
         return r;
     }
     return failure(originalPath,

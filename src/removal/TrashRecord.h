@@ -1,38 +1,67 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "engine/File.h"
 #include "removal/Removal.h"
+#include "removal/StateFolder.h"
+#include "removal/Trash.h"
 
 namespace twinsweep {
 
-// One copy a clean moved to the Trash, and what the search saw of it, so it
-// is put back only when it is still that file.
-struct TrashedCopy {
-    TrashedItem where;
-    FileIdentity seen;
+// Every clean to the Trash keeps its own record in <state folder>/undo, named
+// by the time it began so the names sort from oldest to newest. A record is a
+// header line with that time, then one line per note: "pending" before an
+// item's .trashinfo is written, "moved" once the item is in the Trash, each
+// with the identities of TrashedItem and its paths percent-encoded.
+struct TrashRecordContents {
+    std::int64_t time = 0;          // when the clean began, seconds since 1970
+    std::vector<TrashedItem> items; // the last note of each item, in order
 };
 
-// The record of a clean to the Trash as text: a header line, then one line
-// per copy: device, inode, size, modification time (seconds, nanoseconds),
-// then the original path, the item in the Trash and its .trashinfo, each
-// percent-encoded so any name fits on the line.
-std::string trashRecordText(const std::vector<TrashedCopy>& copies);
-// False (out untouched) when text is not such a record.
-bool readTrashRecordText(const std::string& text, std::vector<TrashedCopy>& out);
+std::string trashRecordHeader(std::int64_t time);
+std::string trashRecordLine(const TrashedItem& item);
+// A later note of an item replaces an earlier one; an unfinished last line
+// (the clean was killed while writing it) is left out. False when text is not
+// a record.
+bool readTrashRecordText(const std::string& text, TrashRecordContents& out);
 
-// Where the command-line tool keeps the record of its last run with --trash:
-// $XDG_STATE_HOME/twinsweep/last-trash, by default ~/.local/state/...
-// "" when no home is known.
-std::string lastTrashRecordPath();
+// The records' folder, made private when missing and refused when not.
+PrivateFolder openUndoFolder();
 
-// Writes the record in place of the old one, whole or not at all (a
-// temporary file renamed over it); the folders are made 0700, the file 0600.
-// An empty list removes the record. Returns "" or the reason it failed.
-std::string saveTrashRecord(const std::string& path, const std::vector<TrashedCopy>& copies);
-// Reads it back; "" or the reason (a missing record says so).
-std::string loadTrashRecord(const std::string& path, std::vector<TrashedCopy>& out);
+// The local time of a record, as "2024-05-01 14:03:09".
+std::string recordTimeText(std::int64_t time);
+
+// The record of the clean running now. It is made on the first note and
+// locked while the clean runs, so no undo or tidy-up takes it for a dead one.
+class UndoRecord : public TrashJournal {
+  public:
+    std::string note(const TrashedItem& item) override;
+    // Why the record could not be kept ("" when it was).
+    const std::string& error() const { return error_; }
+    ~UndoRecord() override;
+
+  private:
+    Fd fd_;
+    std::string path_;
+    std::string error_;
+};
+
+// A record read back (its file locked while this lives).
+struct StoredRecord {
+    std::string name;
+    TrashRecordContents contents;
+    Fd fd;
+};
+
+// The records' names, oldest first.
+std::vector<std::string> recordNames(int undoFd);
+// "" or why not (a clean is still writing it, it is not a record).
+std::string loadRecord(int undoFd, const std::string& name, StoredRecord& out);
+// Replaces the record whole (temporary file, fsync, rename) by items; removes
+// it when none is left. "" or why not.
+std::string saveRecord(int undoFd, const StoredRecord& record,
+                       const std::vector<TrashedItem>& items);
 
 } // namespace twinsweep

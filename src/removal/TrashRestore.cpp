@@ -8,97 +8,165 @@
 #include <unistd.h>
 
 #include "removal/Trash.h"
-#include "removal/Fd.h"
 
 namespace twinsweep {
 
 namespace {
 
-bool sameAsTrashed(const struct stat& st, const FileIdentity& seen) {
-    if (static_cast<std::uint32_t>(st.st_dev) != seen.device ||
-        static_cast<std::uint64_t>(st.st_ino) != seen.inode) {
-        return false;
-    }
-    // A folder's own times move when it changes parents; files keep theirs.
-    return S_ISDIR(st.st_mode) ||
-           (static_cast<std::uint64_t>(st.st_size) == seen.size &&
-            st.st_mtim.tv_sec == seen.mtimeSec && st.st_mtim.tv_nsec == seen.mtimeNsec);
-}
-
-// Drops the line of a restored folder from the Trash's directorysizes.
-void forgetFolderSize(const std::string& filesPath) {
-    const std::string trash = parentOf(parentOf(filesPath));
-    const std::string sizes = trash + "/directorysizes";
-    const Fd in(::open(sizes.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
-    if (!in.ok()) {
-        return;
-    }
+std::string readSmallFile(int fd) {
     std::string text;
     char buf[65536];
     ssize_t n = 0;
-    while ((n = ::read(in.get(), buf, sizeof buf)) > 0) {
+    while ((n = ::read(fd, buf, sizeof buf)) > 0 && text.size() < (1u << 20)) {
         text.append(buf, static_cast<std::size_t>(n));
     }
-    const std::string suffix =
-        std::string(" ").append(Trash::percentEncoded(lastComponent(filesPath)));
+    return text;
+}
+
+bool sameItem(const struct stat& st, const TrashedItem& i) {
+    return static_cast<std::uint64_t>(st.st_dev) == i.device &&
+           static_cast<std::uint64_t>(st.st_ino) == i.inode &&
+           static_cast<std::uint64_t>(st.st_size) == i.size && st.st_mtim.tv_sec == i.mtimeSec &&
+           st.st_mtim.tv_nsec == i.mtimeNsec;
+}
+
+// A folder that can't be opened as recorded is on a drive that is not
+// mounted when what stands at its place now is on another device.
+bool driveAbsent(std::string path, std::uint64_t device) {
+    struct stat st {};
+    while (::stat(path.c_str(), &st) != 0 && path != "/") {
+        path = parentOf(path);
+    }
+    return static_cast<std::uint64_t>(st.st_dev) != device;
+}
+
+// Opens path and checks it is still the folder (device, inode) recorded.
+Fd openCheckedFolder(const std::string& path, std::uint64_t device, std::uint64_t inode) {
+    Fd fd(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    struct stat st {};
+    if (fd.ok() &&
+        (::fstat(fd.get(), &st) != 0 || static_cast<std::uint64_t>(st.st_dev) != device ||
+         static_cast<std::uint64_t>(st.st_ino) != inode)) {
+        fd.reset();
+    }
+    return fd;
+}
+
+// Drops the line of a restored folder from the Trash's directorysizes.
+void forgetFolderSize(int trashFd, const std::string& name) {
+    const Fd in(::openat(trashFd, "directorysizes", O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    if (!in.ok()) {
+        return;
+    }
+    const std::string text = readSmallFile(in.get());
+    const std::string suffix = std::string(" ").append(Trash::percentEncoded(name));
     std::string kept;
     std::size_t start = 0;
     while (start < text.size()) {
         std::size_t end = text.find('\n', start);
         end = end == std::string::npos ? text.size() : end + 1;
-        std::string line = text.substr(start, end - start);
+        const std::string line = text.substr(start, end - start);
         const std::string bare = line.back() == '\n' ? line.substr(0, line.size() - 1) : line;
         if (!bare.ends_with(suffix)) {
             kept += line;
         }
         start = end;
     }
-    const std::string temp = sizes + "." + std::to_string(::getpid()) + ".tmp";
-    const Fd out(::open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600));
+    const std::string temp = "directorysizes." + std::to_string(::getpid()) + ".tmp";
+    const Fd out(::openat(trashFd, temp.c_str(),
+                          O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (out.ok() && writeFully(out.get(), kept)) {
-        ::rename(temp.c_str(), sizes.c_str());
+        ::renameat(trashFd, temp.c_str(), trashFd, "directorysizes");
     } else {
-        ::unlink(temp.c_str());
+        ::unlinkat(trashFd, temp.c_str(), 0);
     }
 }
 
 } // namespace
 
-RestoreOutcome restoreFromTrash(const std::vector<TrashedCopy>& copies) {
+CheckedTrash openTrashOf(const TrashedItem& item) {
+    CheckedTrash t;
+    const std::string filesPath = parentOf(item.filesPath);
+    t.dir.reset(::open(parentOf(filesPath).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (t.dir.ok()) {
+        t.files.reset(::openat(t.dir.get(), "files", O_RDONLY | O_DIRECTORY | O_NOFOLLOW));
+    }
+    struct stat st {};
+    if (!t.files.ok() || ::fstat(t.files.get(), &st) != 0 ||
+        static_cast<std::uint64_t>(st.st_dev) != item.filesDevice ||
+        static_cast<std::uint64_t>(st.st_ino) != item.filesInode || st.st_uid != ::geteuid()) {
+        t.files.reset();
+        t.absent = driveAbsent(filesPath, item.filesDevice);
+        t.why = t.absent ? "its drive is not mounted"
+                         : "its Trash folder " + filesPath + " is not the one of the clean";
+        return t;
+    }
+    t.info.reset(::openat(t.dir.get(), "info", O_RDONLY | O_DIRECTORY | O_NOFOLLOW));
+    if (!t.info.ok()) {
+        t.absent = false;
+        t.why = parentOf(item.infoPath) + ": " + std::strerror(errno);
+    }
+    return t;
+}
+
+bool isOurTrashInfo(int infoFd, const TrashedItem& item) {
+    const Fd info(::openat(infoFd, lastComponent(item.infoPath).c_str(),
+                           O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat st {};
+    return info.ok() && ::fstat(info.get(), &st) == 0 && S_ISREG(st.st_mode) &&
+           st.st_uid == ::geteuid() &&
+           readSmallFile(info.get()).find("\nDeletionDate=" + item.deletionDate + "\n") !=
+               std::string::npos;
+}
+
+RestoreOutcome restoreFromTrash(const std::vector<TrashedItem>& items) {
     RestoreOutcome outcome;
-    for (const TrashedCopy& c : copies) {
-        const std::string& original = c.where.originalPath;
+    for (const TrashedItem& i : items) {
+        const std::string& original = i.originalPath;
         const auto problem = [&](const std::string& why, bool retry) {
             outcome.problems.push_back(original + ": " + why + ", not restored");
             if (retry) {
-                outcome.left.push_back(c);
+                outcome.left.push_back(i);
             }
         };
+        const CheckedTrash trash = openTrashOf(i);
+        if (!trash.ok()) {
+            problem(trash.why, trash.absent);
+            continue;
+        }
+        const std::string name = lastComponent(i.filesPath);
         struct stat st {};
-        if (::lstat(c.where.filesPath.c_str(), &st) != 0) {
+        if (::fstatat(trash.files.get(), name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
             problem(errno == ENOENT ? "no longer in the Trash" : std::strerror(errno), false);
             continue;
         }
-        if (!sameAsTrashed(st, c.seen)) {
-            problem("changed in the Trash since the clean", false);
+        // The Trash may have been emptied and the name reused since.
+        if (!sameItem(st, i) || !isOurTrashInfo(trash.info.get(), i)) {
+            problem("the item of that name in the Trash is not the one this clean moved there",
+                    false);
             continue;
         }
-        const Fd folder(::open(parentOf(original).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        const std::string folderPath = parentOf(original);
+        const Fd folder = openCheckedFolder(folderPath, i.folderDevice, i.folderInode);
         if (!folder.ok()) {
-            problem("its folder " + parentOf(original) + ": " + std::strerror(errno), true);
+            struct stat now {};
+            const bool gone = ::stat(folderPath.c_str(), &now) != 0;
+            problem(!gone ? "its folder was replaced since the clean"
+                    : driveAbsent(folderPath, i.folderDevice) ? "its drive is not mounted"
+                                                              : "its folder is missing",
+                    true);
             continue;
         }
-        const std::string name = lastComponent(original);
-        if (::renameat2(AT_FDCWD, c.where.filesPath.c_str(), folder.get(), name.c_str(),
-                        RENAME_NOREPLACE) != 0) {
+        if (::renameat2(trash.files.get(), name.c_str(), folder.get(),
+                        lastComponent(original).c_str(), RENAME_NOREPLACE) != 0) {
             problem(errno == EEXIST ? std::string("its path is taken by another file")
                                     : std::string(std::strerror(errno)),
                     true);
             continue;
         }
-        ::unlink(c.where.infoPath.c_str());
+        ::unlinkat(trash.info.get(), lastComponent(i.infoPath).c_str(), 0);
         if (S_ISDIR(st.st_mode)) {
-            forgetFolderSize(c.where.filesPath);
+            forgetFolderSize(trash.dir.get(), name);
         }
         outcome.restored.push_back(original);
     }

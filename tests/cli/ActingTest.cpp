@@ -144,6 +144,10 @@ TEST_F(Acting, BadUsageAndRuleFilesStopBeforeAnything) {
         EXPECT_EQ(runCli(args).status, 2);
     }
     EXPECT_TRUE(says(run({tree.path("missing")}).err, tree.path("missing")));
+    // An unset variable in a script is not the folder it runs in.
+    const CliOutcome empty = runCli({"--keep", "oldest", ""});
+    EXPECT_EQ(empty.status, 2);
+    EXPECT_EQ(empty.err, "twinsweep-cli: an empty folder name is not a folder\n");
     EXPECT_EQ(runCli({"--help"}).status, 0);
     EXPECT_EQ(runCli({"--version"}).out.rfind("twinsweep-cli ", 0), 0U);
     EXPECT_EQ(filesLeft(), 5);

@@ -1,9 +1,8 @@
-// Replacing copies with hard links, and undoing a clean to the Trash.
+// Replacing copies with hard links (undo: UndoTest.cpp).
 #include <filesystem>
 #include <sys/stat.h>
 
 #include "FaultSupport.h"
-#include "removal/TrashRecord.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;
@@ -48,46 +47,4 @@ TEST(Links, CopiesBecomeLinksToTheKeptCopyAndNothingElseIsTouched) {
     EXPECT_TRUE(says(other.err, "on another file system than every kept copy, left alone"));
     EXPECT_EQ(snapshot(tree.path("m")), nearBefore);
     EXPECT_EQ(snapshot(far.root()), farBefore);
-}
-
-TEST(Undo, PutsTheLastCleanBackAndRefusesATakenPath) {
-    TempTree tree;
-    for (const std::string side : {"files/a/", "files/b/"}) {
-        tree.write(side + "x", "twin");
-        tree.write(side + "odd %\n\xff", "odd twin");
-    }
-    const std::vector<std::string> env = {"XDG_DATA_HOME=" + tree.path("data"),
-                                          "XDG_STATE_HOME=" + tree.path("state")};
-    const Snapshot before = snapshot(tree.path("files"));
-    CliRun clean{{"--any-location", "--keep", "oldest", "--trash", tree.path("files")}};
-    clean.env = env;
-    CliRun undo{{"--undo"}};
-    undo.env = env;
-    for (const bool blocked : {false, true}) {
-        const CliOutcome trashed = runCli(clean);
-        ASSERT_EQ(trashed.status, 0) << trashed.err;
-        EXPECT_TRUE(says(trashed.err, "to put them back, run: twinsweep-cli --undo"));
-        EXPECT_EQ(listed(trashed.out, "removed: ").size(), 2u);
-        std::vector<TrashedCopy> record;
-        ASSERT_EQ(loadTrashRecord(tree.path("state/twinsweep/last-trash"), record), "");
-        ASSERT_EQ(record.size(), 2u);
-        if (blocked) {
-            // Something new at one original path is never replaced.
-            const std::string taken = record[0].where.originalPath;
-            tree.write(rel(tree.root(), taken), "new");
-            const CliOutcome refused = runCli(undo);
-            EXPECT_EQ(refused.status, 1);
-            EXPECT_TRUE(says(refused.err, "its path is taken by another file, not restored"));
-            EXPECT_EQ(listed(refused.out, "restored: ").size(), 1u);
-            EXPECT_EQ(slurp(taken), "new");
-            ASSERT_EQ(::unlink(taken.c_str()), 0);
-        }
-        EXPECT_EQ(runCli(undo).status, 0);
-        EXPECT_EQ(snapshot(tree.path("files")), before);
-        EXPECT_TRUE(snapshot(tree.path("data/Trash/files")).empty());
-        EXPECT_TRUE(snapshot(tree.path("data/Trash/info")).empty());
-    }
-    const CliOutcome again = runCli(undo);
-    EXPECT_EQ(again.status, 1);
-    EXPECT_TRUE(says(again.err, "there is no clean to the Trash to undo"));
 }

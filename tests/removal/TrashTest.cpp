@@ -42,8 +42,14 @@ struct TrashTest : ::testing::Test {
     TempTree tree;
     std::string dataHome = tree.path("new/share");
     std::string trash = dataHome + "/Trash";
-    void SetUp() override { ::setenv("XDG_DATA_HOME", dataHome.c_str(), 1); }
-    void TearDown() override { ::unsetenv("XDG_DATA_HOME"); }
+    void SetUp() override {
+        ::setenv("XDG_DATA_HOME", dataHome.c_str(), 1);
+        ::setenv("XDG_STATE_HOME", tree.path("state").c_str(), 1); // the undo records
+    }
+    void TearDown() override {
+        ::unsetenv("XDG_DATA_HOME");
+        ::unsetenv("XDG_STATE_HOME");
+    }
 };
 
 } // namespace

@@ -32,7 +32,8 @@ namespace {
     if (run.unprivileged && ::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) {
         ::_exit(126);
     }
-    ::setenv("XDG_RUNTIME_DIR", scratch.c_str(), 1);
+    ::setenv("XDG_RUNTIME_DIR", (scratch + "/run").c_str(), 1);
+    ::setenv("XDG_STATE_HOME", (scratch + "/state").c_str(), 1);
     ::setenv("XDG_DATA_HOME", (scratch + "/data").c_str(), 1);
     for (const std::string& kv : run.env) {
         ::putenv(const_cast<char*>(kv.c_str()));
@@ -51,6 +52,15 @@ namespace {
 RunningCli startCli(const CliRun& run) {
     auto scratch = std::make_shared<TempTree>();
     scratch->openToEveryone();
+    // Lock and records need folders of the run's user alone, under a sticky one.
+    ::chmod(scratch->root().c_str(), 01777);
+    for (const char* own : {"run", "state"}) {
+        ::chmod(scratch->mkdir(own).c_str(), 0700);
+        if (run.unprivileged && ::geteuid() == 0 &&
+            ::chown(scratch->path(own).c_str(), 65534, 65534) != 0) {
+            ADD_FAILURE() << "cannot hand " << own << " to nobody";
+        }
+    }
     RunningCli r{-1, scratch->path("stdout"), scratch->path("stderr"), scratch, -1};
     std::string tty;
     if (!run.prompt.empty()) {

@@ -34,12 +34,13 @@ namespace twinsweep::testing {
 
 using namespace Qt::StringLiterals;
 
-// main() of one test class's program. Help pages, the cleaning lock and the Trash
+// main() of one test class's program. Help pages, the cleaning lock, the undo records and the Trash
 // go to temporary folders: never the user's, nor shared with other test programs.
 #define UI_TEST_MAIN(Class)                                                                        \
     int main(int argc, char** argv) {                                                              \
-        QTemporaryDir cache, runtime, data;                                                        \
+        QTemporaryDir cache, runtime, data, state;                                                 \
         qputenv("XDG_CACHE_HOME", cache.path().toLocal8Bit());                                     \
+        qputenv("XDG_STATE_HOME", state.path().toLocal8Bit());                                     \
         qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());                                  \
         qputenv("XDG_DATA_HOME", data.path().toLocal8Bit());                                       \
         QApplication app(argc, argv);                                                              \

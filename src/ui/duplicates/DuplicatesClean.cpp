@@ -3,12 +3,14 @@
 #include <QPushButton>
 #include <QThread>
 
+#include "engine/Diagnostics.h"
 #include "engine/ProtectedFolders.h"
 #include "removal/PlatformRemover.h"
+#include "removal/TrashRecord.h"
+#include "removal/UndoHistory.h"
 #include "selection/Cleaning.h"
 #include "ui/duplicates/GroupsModel.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
-#include "ui/main/UndoClean.h"
 #include "ui/shell/Alert.h"
 
 namespace twinsweep::ui {
@@ -52,18 +54,27 @@ void ViewControllerDuplicates::OnClean() {
                  {QStringLiteral("OK")});
         return;
     }
+    // Each clean to the Trash keeps its own record (Edit > Undo Clean reads
+    // the newest); without one, nothing goes.
+    const bool toTrash = settingsManager->moveToTrash && !settingsManager->replaceWithHardLinks;
+    if (const PrivateFolder undo = toTrash ? openUndoFolder() : PrivateFolder();
+        toTrash && !undo.ok()) {
+        runAlert(this,
+                 QString::fromStdString("Twinsweep can't keep a record to undo this clean: " +
+                                        undo.error + ". Nothing was removed."),
+                 {QStringLiteral("OK")});
+        return;
+    }
+    for (const std::string& note : tidyTrashRecords()) {
+        printErrorLine("Note:   ", note);
+    }
     PlatformRemover remover;
-    std::vector<TrashedCopy> trashed;
-    CleaningRun run;
-    run.done = [&trashed](const DuplicateFile& m, const RemovalResult& r) {
-        if (r.ok && !r.trashed.originalPath.empty()) {
-            trashed.push_back({r.trashed, m.seen});
-        }
-        return true;
-    };
-    const CleaningReport report = clean(fileList, *settingsManager, prompt, remover, run);
-    if (!trashed.empty()) {
-        lastCleanTrashed() = std::move(trashed); // Edit > Undo Clean in the main window
+    const CleaningReport report = clean(fileList, *settingsManager, prompt, remover);
+    if (const std::string err = remover.trashRecordError(); !err.empty()) {
+        runAlert(this,
+                 QString::fromStdString("Twinsweep could not keep the record to undo this clean: " +
+                                        err + ". Nothing more was moved to the Trash."),
+                 {QStringLiteral("OK")});
     }
     if (report.outcome != CleaningOutcome::Cleaned) {
         return;

@@ -1,40 +1,35 @@
-// Edit > Undo Clean: puts back what the last clean to the Trash moved there.
-#include "ui/main/UndoClean.h"
-
+// Edit > Undo Clean: puts back what the newest clean to the Trash moved
+// there, as its record in the state folder lists (so it survives the
+// application, and covers the command-line tool's cleans too).
 #include <QAction>
 #include <QFile>
 #include <QRadioButton>
 
 #include "removal/PlatformRemover.h"
-#include "removal/TrashRestore.h"
+#include "removal/UndoHistory.h"
 #include "settings/SettingsManager.h"
 #include "ui/main/ViewController.h"
 #include "ui/shell/Alert.h"
 
 namespace twinsweep::ui {
 
-std::vector<TrashedCopy>& lastCleanTrashed() {
-    static std::vector<TrashedCopy> copies;
-    return copies;
-}
-
 void ViewController::updateUndoClean() {
-    actionUndoClean->setEnabled(!lastCleanTrashed().empty());
+    actionUndoClean->setEnabled(hasCleanToUndo());
 }
 
 void ViewController::OnUndoClean() {
-    std::vector<TrashedCopy>& copies = lastCleanTrashed();
-    if (copies.empty()) {
-        return;
-    }
     CleaningLock lock;
     if (lock.tryTake() != CleaningLock::Outcome::Taken) {
         showInformation(this, QString::fromStdString(lock.message() + ". Nothing was restored."));
         return;
     }
-    const RestoreOutcome outcome = restoreFromTrash(copies);
-    copies = outcome.left;
+    const UndoReport report = undoNewestClean();
     updateUndoClean();
+    if (!report.error.empty()) {
+        showInformation(this, QFile::decodeName(QByteArray::fromStdString(report.error)));
+        return;
+    }
+    const RestoreOutcome& outcome = report.outcome;
     const std::size_t done = outcome.restored.size();
     QString text = done == 1 ? QStringLiteral("1 file was put back where it was.")
                              : QStringLiteral("%1 files were put back where they were.").arg(done);
