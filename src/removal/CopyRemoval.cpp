@@ -54,7 +54,8 @@ bool openAsSeen(const DuplicateFile& m, Opened& o, std::string& reason, SweptFol
     }
     if (walked.foreignLink) {
         // Another user chose where that link leads.
-        reason = m.path + ": reached through a symbolic link that belongs to another user, left alone";
+        reason =
+            m.path + ": reached through a symbolic link that belongs to another user, left alone";
         return false;
     }
     const std::string folder = parentOf(m.path);

@@ -4,8 +4,8 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <stdio.h>
 #include <set>
+#include <stdio.h>
 #include <string>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -139,8 +139,8 @@ RemovalResult replaceWithHardLink(const RemovalTarget& t) {
     struct stat copy {};
     struct stat kept {};
     struct stat folder {};
-    const Fd copyFd(::openat(t.folderFd, t.entry.c_str(),
-                             O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    const Fd copyFd(
+        ::openat(t.folderFd, t.entry.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!copyFd.ok() || ::fstat(copyFd.get(), &copy) != 0 || ::fstat(t.keptFd, &kept) != 0 ||
         ::fstat(t.folderFd, &folder) != 0) {
         return leftAlone(t, std::strerror(errno));

@@ -43,7 +43,8 @@ struct Resolver {
         const Fd folder(::open(r.folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         struct stat fs {};
         if (!folder.ok() || ::fstat(folder.get(), &fs) != 0) {
-            note(at + r.hidden + ": left by a clean that was stopped; its folder can't be opened (" +
+            note(at + r.hidden +
+                 ": left by a clean that was stopped; its folder can't be opened (" +
                  std::strerror(errno) + ")");
             return false;
         }
@@ -84,23 +85,26 @@ struct Resolver {
         if (hidden.st_ino == r.keptInode && hidden.st_ino != r.copyInode) {
             // Made, never swapped in: the copy is still at its name.
             if (::unlinkat(folderFd, r.hidden.c_str(), 0) == 0) {
-                note(at + r.name + ": a link a stopped clean had not put in place was removed; "
-                                   "the copy is unchanged");
+                note(at + r.name +
+                     ": a link a stopped clean had not put in place was removed; "
+                     "the copy is unchanged");
                 return true;
             }
         } else if (hidden.st_ino == r.copyInode && hasVisible && visible.st_ino == r.keptInode) {
             // Swapped in: the name is the kept file's; the old copy, checked
             // byte for byte before, is freed.
             if (::unlinkat(folderFd, r.hidden.c_str(), 0) == 0) {
-                note(at + r.name + ": linked to the kept copy by a clean that was stopped; "
-                                   "its old copy was freed");
+                note(at + r.name +
+                     ": linked to the kept copy by a clean that was stopped; "
+                     "its old copy was freed");
                 return true;
             }
         } else if (hidden.st_ino == r.copyInode && !hasVisible) {
             return putBack(r, folderFd, at);
         } else {
-            note(at + r.hidden + ": left by a clean that was stopped, not as it left it; "
-                                 "left alone");
+            note(at + r.hidden +
+                 ": left by a clean that was stopped, not as it left it; "
+                 "left alone");
             return true;
         }
         note(at + r.hidden + ": left by a clean that was stopped: " + std::strerror(errno));
