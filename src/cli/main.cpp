@@ -18,6 +18,7 @@
 #include "engine/FileTools.h"
 #include "engine/SearchJob.h"
 #include "removal/PlatformRemover.h"
+#include "removal/StoppedCleans.h"
 #include "settings/SettingsManager.h"
 
 using namespace twinsweep;
@@ -190,6 +191,14 @@ int main(int argc, char** argv) {
             if (taken != CleaningLock::Outcome::Taken) {
                 std::fprintf(stderr, "twinsweep-cli: %s; nothing was removed\n",
                              lock.message().c_str());
+                std::fflush(nullptr);
+                ::_exit(1);
+            }
+            // What a stopped clean left hidden comes back first, wherever it is.
+            const Recovery recovered = recoverStoppedCleans();
+            if (!recovered.ok) {
+                std::fprintf(stderr, "twinsweep-cli: %s; nothing was removed\n",
+                             recovered.error.c_str());
                 std::fflush(nullptr);
                 ::_exit(1);
             }

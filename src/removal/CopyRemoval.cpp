@@ -10,6 +10,7 @@
 #include "engine/FolderRegistry.h"
 #include "removal/AsideLeftovers.h"
 #include "removal/Fd.h"
+#include "removal/RemovalJournal.h"
 #include "removal/SameContents.h"
 
 namespace twinsweep {
@@ -26,6 +27,7 @@ RemovalResult failure(std::string why) {
 // A member reached through its open folder.
 struct Opened {
     Fd folder;
+    struct stat folderSt {};
     std::string name;
     struct stat st {};
 };
@@ -50,9 +52,15 @@ bool openAsSeen(const DuplicateFile& m, Opened& o, std::string& reason, SweptFol
         reason = m.path + ": its folder was not walked by the search, not removed";
         return false;
     }
+    if (walked.foreignLink) {
+        // Another user chose where that link leads.
+        reason =
+            m.path + ": reached through a symbolic link that belongs to another user, left alone";
+        return false;
+    }
     const std::string folder = parentOf(m.path);
     o.folder.reset(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    struct stat fs {};
+    struct stat& fs = o.folderSt;
     if (!o.folder.ok() || ::fstat(o.folder.get(), &fs) != 0) {
         reason = m.path + ": " + std::strerror(errno);
         return false;
@@ -121,19 +129,28 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
         return act(target); // the user chose to remove the whole group
     }
 
-    bool aside = false;
+    std::string journalled; // the aside entry's record, while it may exist
+    const auto resolved = [&](RemovalResult r) {
+        struct stat st {};
+        if (!journalled.empty() &&
+            ::fstatat(target.folderFd, target.entry.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
+            journalForget(journalled);
+        }
+        return r;
+    };
     const auto putBack = [&](RemovalResult r) {
         struct stat st {};
-        if (aside &&
+        if (!journalled.empty() &&
             ::fstatat(target.folderFd, target.entry.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0 &&
             renameNoReplace(target.folderFd, target.entry, target.folderFd, target.name) != 0) {
             r.error += " (it waits under the name " + parentOf(member.path) + "/" + target.entry +
                        ": " + std::strerror(errno) + ")";
         }
-        return r;
+        return resolved(std::move(r));
     };
 
     std::string keptWhy;   // why no kept copy could vouch
+    std::string ownerWhy;  // a kept copy of another owner
     std::string differWhy; // a kept copy as seen, but with other bytes
     std::string actWhy;    // the act could not use a kept copy (tryOtherKept)
     for (const DuplicateFilePtr& k : group.duplicates) {
@@ -142,6 +159,11 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
         }
         Opened kept;
         if (!openAsSeen(*k, kept, keptWhy, swept)) {
+            continue;
+        }
+        // Another user's twin may go tomorrow, by that user's hand.
+        if (kept.st.st_uid != mine.st.st_uid) {
+            ownerWhy = member.path + ": kept copy belongs to another user, not removed";
             continue;
         }
         if (sameFile(member.path, {mine.st.st_dev, mine.st.st_ino}, k->path,
@@ -154,12 +176,25 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
             differWhy = reason;
             continue;
         }
-        if (!aside) {
+        if (journalled.empty()) {
             const std::string name = asideName(mine.name);
-            if (renameNoReplace(target.folderFd, mine.name, target.folderFd, name) != 0) {
-                return failure(member.path + ": " + std::strerror(errno) + ", not removed");
+            JournalRecord record = thisProcessRecord();
+            record.folder = parentOf(member.path);
+            record.device = static_cast<std::uint64_t>(mine.folderSt.st_dev);
+            record.inode = static_cast<std::uint64_t>(mine.folderSt.st_ino);
+            record.hidden = name;
+            record.name = mine.name;
+            record.copyInode = static_cast<std::uint64_t>(mine.st.st_ino);
+            std::string why;
+            journalled = journalNote(record, why);
+            if (journalled.empty()) {
+                return failure(member.path + ": " + why + ", not removed");
             }
-            aside = true;
+            if (renameNoReplace(target.folderFd, mine.name, target.folderFd, name) != 0) {
+                const int err = errno;
+                journalForget(journalled);
+                return failure(member.path + ": " + std::strerror(err) + ", not removed");
+            }
             target.entry = name;
             struct stat now {};
             if (::fstatat(target.folderFd, name.c_str(), &now, AT_SYMLINK_NOFOLLOW) != 0 ||
@@ -172,18 +207,37 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
             keptWhy = k->path + ": changed or went away during the clean";
             continue;
         }
+        // The kept file itself, held from here on: the act links this one.
+        Fd keptFile;
+        if (S_ISREG(kept.st.st_mode)) {
+            keptFile.reset(::openat(kept.folder.get(), kept.name.c_str(),
+                                    O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+            struct stat held {};
+            if (!keptFile.ok() || ::fstat(keptFile.get(), &held) != 0 ||
+                held.st_dev != kept.st.st_dev || held.st_ino != kept.st.st_ino ||
+                !unchanged(held, k->seen)) {
+                keptWhy = k->path + ": changed or went away during the clean";
+                continue;
+            }
+        }
         target.keptFolderFd = kept.folder.get();
         target.keptEntry = kept.name;
         target.keptPath = k->path;
+        target.keptFd = keptFile.get();
+        target.keptProtected = k->isProtected;
         RemovalResult r = act(target);
+        target.keptFd = -1;
         if (!r.ok && r.tryOtherKept) {
             actWhy = r.error;
             continue;
         }
-        return r.ok ? r : putBack(std::move(r));
+        return r.ok ? resolved(std::move(r)) : putBack(std::move(r));
     }
     if (!actWhy.empty()) {
         return putBack(failure(actWhy));
+    }
+    if (!ownerWhy.empty()) {
+        return putBack(failure(ownerWhy));
     }
     if (!differWhy.empty() && keptWhy.empty()) {
         return putBack(failure(differWhy + ", not removed"));

@@ -4,9 +4,15 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <set>
 #include <stdio.h>
+#include <string>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
+
+#include "removal/Fd.h"
+#include "removal/RemovalJournal.h"
 
 namespace twinsweep {
 
@@ -33,6 +39,87 @@ bool sameInode(const struct stat& a, const struct stat& b) {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
+// The value of one extended attribute; "" with absent set when there is none.
+std::string attr(int fd, const char* name, bool& absent) {
+    absent = false;
+    for (;;) {
+        const ssize_t size = ::fgetxattr(fd, name, nullptr, 0);
+        if (size < 0) {
+            absent = true;
+            return {};
+        }
+        std::string value(static_cast<std::size_t>(size), '\0');
+        const ssize_t got = ::fgetxattr(fd, name, value.data(), value.size());
+        if (got >= 0) {
+            value.resize(static_cast<std::size_t>(got));
+            return value;
+        }
+        if (errno != ERANGE) {
+            absent = true;
+            return {};
+        }
+    }
+}
+
+std::set<std::string> securityAttrs(int fd) {
+    std::set<std::string> names;
+    const ssize_t size = ::flistxattr(fd, nullptr, 0);
+    if (size <= 0) {
+        return names;
+    }
+    std::string list(static_cast<std::size_t>(size), '\0');
+    const ssize_t got = ::flistxattr(fd, list.data(), list.size());
+    for (std::size_t at = 0; got > 0 && at < static_cast<std::size_t>(got);) {
+        const std::string name(list.c_str() + at);
+        if (name.rfind("security.", 0) == 0) {
+            names.insert(name);
+        }
+        at += name.size() + 1;
+    }
+    return names;
+}
+
+// Whether one inode may stand for both: a link gives the copy's path the kept
+// file's owner, group, mode, ACL and security labels.
+bool sameAccess(int copyFd, const struct stat& copy, int keptFd, const struct stat& kept) {
+    if (copy.st_uid != kept.st_uid || copy.st_gid != kept.st_gid || copy.st_mode != kept.st_mode) {
+        return false;
+    }
+    std::set<std::string> names = securityAttrs(copyFd);
+    names.merge(securityAttrs(keptFd));
+    names.insert("system.posix_acl_access");
+    for (const std::string& name : names) {
+        bool copyAbsent = false;
+        bool keptAbsent = false;
+        const std::string a = attr(copyFd, name.c_str(), copyAbsent);
+        const std::string b = attr(keptFd, name.c_str(), keptAbsent);
+        if (copyAbsent != keptAbsent || a != b) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// A new name for the open file, in folderFd: straight from the descriptor
+// when we may (CAP_DAC_READ_SEARCH), else through /proc, which names the same
+// open file. Never a second look-up of the kept path.
+int linkFromFd(int fd, int folderFd, const std::string& name) {
+    if (::linkat(fd, "", folderFd, name.c_str(), AT_EMPTY_PATH) == 0) {
+        return 0;
+    }
+    if (errno != EPERM && errno != EACCES) {
+        return -1;
+    }
+    const std::string self = "/proc/self/fd/" + std::to_string(fd);
+    return ::linkat(AT_FDCWD, self.c_str(), folderFd, name.c_str(), AT_SYMLINK_FOLLOW);
+}
+
+RemovalResult tryOther(const RemovalTarget& t, const std::string& why) {
+    RemovalResult r = leftAlone(t, why);
+    r.tryOtherKept = true;
+    return r;
+}
+
 } // namespace
 
 RemovalResult replaceWithHardLink(const RemovalTarget& t) {
@@ -42,29 +129,55 @@ RemovalResult replaceWithHardLink(const RemovalTarget& t) {
     if (t.keptFolderFd < 0) {
         return leftAlone(t, "every copy of its group is marked, so there is nothing to link to");
     }
+    if (t.keptProtected) {
+        // Through the link, editing the copy would rewrite the protected file.
+        return tryOther(t, "kept copy is protected");
+    }
+    if (t.keptFd < 0) {
+        return tryOther(t, "kept copy is not a regular file");
+    }
     struct stat copy {};
     struct stat kept {};
     struct stat folder {};
-    if (::fstatat(t.folderFd, t.entry.c_str(), &copy, AT_SYMLINK_NOFOLLOW) != 0 ||
-        ::fstatat(t.keptFolderFd, t.keptEntry.c_str(), &kept, AT_SYMLINK_NOFOLLOW) != 0 ||
+    const Fd copyFd(
+        ::openat(t.folderFd, t.entry.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!copyFd.ok() || ::fstat(copyFd.get(), &copy) != 0 || ::fstat(t.keptFd, &kept) != 0 ||
         ::fstat(t.folderFd, &folder) != 0) {
         return leftAlone(t, std::strerror(errno));
     }
     if (kept.st_dev != folder.st_dev) {
-        RemovalResult r = leftAlone(t, "on another file system than every kept copy");
-        r.tryOtherKept = true;
-        return r;
+        return tryOther(t, "on another file system than every kept copy");
+    }
+    if (!sameAccess(copyFd.get(), copy, t.keptFd, kept)) {
+        return tryOther(t, "owner or mode differ from the kept copy");
     }
     const std::string tmp = linkName(t.name);
-    if (::linkat(t.keptFolderFd, t.keptEntry.c_str(), t.folderFd, tmp.c_str(), 0) != 0) {
+    JournalRecord record = thisProcessRecord();
+    record.kind = JournalRecord::Kind::Link;
+    record.folder = parentOf(t.path);
+    record.device = static_cast<std::uint64_t>(folder.st_dev);
+    record.inode = static_cast<std::uint64_t>(folder.st_ino);
+    record.hidden = tmp;
+    record.name = t.name;
+    record.copyInode = static_cast<std::uint64_t>(copy.st_ino);
+    record.keptInode = static_cast<std::uint64_t>(kept.st_ino);
+    std::string why;
+    const std::string journalled = journalNote(record, why);
+    if (journalled.empty()) {
+        return leftAlone(t, why);
+    }
+    if (linkFromFd(t.keptFd, t.folderFd, tmp) != 0) {
         const int err = errno;
+        journalForget(journalled);
         RemovalResult r =
             leftAlone(t, std::string("can't link to ") + t.keptPath + ": " + std::strerror(err));
-        r.tryOtherKept = err == EXDEV || err == EMLINK;
+        r.tryOtherKept = err == EXDEV || err == EMLINK || err == ENOENT;
         return r;
     }
     const auto undoLink = [&](RemovalResult r) {
-        ::unlinkat(t.folderFd, tmp.c_str(), 0);
+        if (::unlinkat(t.folderFd, tmp.c_str(), 0) == 0) {
+            journalForget(journalled);
+        }
         return r;
     };
     struct stat linked {};
@@ -95,6 +208,7 @@ RemovalResult replaceWithHardLink(const RemovalTarget& t) {
             t.path + ": linked, but the old copy waits under " + tmp + ": " + std::strerror(errno);
         return r;
     }
+    journalForget(journalled);
     RemovalResult done;
     // A copy with other names elsewhere frees nothing when this one goes.
     if (copy.st_nlink > 1) {

@@ -23,6 +23,11 @@ struct RemovalTarget {
     int keptFolderFd = -1;
     std::string keptEntry;
     std::string keptPath;
+    // The kept file itself, open since it was checked again (a regular file;
+    // -1 otherwise): a link is made from it, never from its name.
+    int keptFd = -1;
+    // The kept copy is protected: it may vouch, but never be linked to.
+    bool keptProtected = false;
 };
 
 // Where a copy went in the Trash, so that it can be put back, and what undo

@@ -1,6 +1,7 @@
 #include "selection/Cleaning.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "engine/Diagnostics.h"
 #include "engine/ProtectedFolders.h"
@@ -70,8 +71,31 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
     }
     const SameFile sameFile;
     SweptFolders swept;
+    // Attempted members leave their group in one pass per group, and groups
+    // left with fewer than two members leave the list in one pass at the
+    // end, also when the clean stops early: linear in the listed members.
+    std::unordered_set<std::string> finished; // group paths
+    const auto leaveGroup = [&](File& group, std::unordered_set<const DuplicateFile*>& attempted) {
+        if (attempted.empty()) {
+            return;
+        }
+        std::erase_if(group.duplicates,
+                      [&](const DuplicateFilePtr& d) { return attempted.count(d.get()) != 0; });
+        attempted.clear();
+        if (group.duplicates.size() < 2) {
+            finished.insert(group.path);
+        }
+    };
+    const auto prune = [&] {
+        if (!finished.empty()) {
+            std::erase_if(settings.duplicateFileList,
+                          [&](const FilePtr& g) { return finished.count(g->path) != 0; });
+        }
+        return report;
+    };
     // listed may be settings.duplicateFileList itself, which pruning edits.
     const FileList groups = listed;
+    std::unordered_set<const DuplicateFile*> attempted;
     for (const FilePtr& group : groups) {
         const std::vector<DuplicateFilePtr> members = group->duplicates;
         for (const DuplicateFilePtr& m : members) {
@@ -80,7 +104,8 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
             }
             if (run.stop && run.stop()) {
                 report.stopped = true;
-                return report;
+                leaveGroup(*group, attempted);
+                return prune();
             }
             RemovalResult result;
             if (isProtectedCopy(*m, settings.protectedFolders)) {
@@ -97,20 +122,16 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
                 report.bytesFreed += result.bytesFreed;
                 printErrorLine("Error:  ", result.error);
             }
-            std::erase_if(group->duplicates,
-                          [&](const DuplicateFilePtr& d) { return d->path == m->path; });
-            if (group->duplicates.size() < 2) {
-                const std::string path = group->path;
-                std::erase_if(settings.duplicateFileList,
-                              [&](const FilePtr& g) { return g->path == path; });
-            }
+            attempted.insert(m.get());
             if (run.done && !run.done(*m, result)) {
                 report.stopped = true;
-                return report;
+                leaveGroup(*group, attempted);
+                return prune();
             }
         }
+        leaveGroup(*group, attempted);
     }
-    return report;
+    return prune();
 }
 
 } // namespace twinsweep

@@ -1,0 +1,93 @@
+// A hard link never gives a copy's path another owner, group, mode, label or
+// a protected file, and is made to the very file that was compared.
+#include <filesystem>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include "CoreSupport.h"
+#include "removal/Fd.h"
+#include "removal/HardLink.h"
+
+using namespace twinsweep;
+using namespace twinsweep::testing;
+namespace fs = std::filesystem;
+
+TEST(Links, NeverMergeOwnersModesOrProtection) {
+    TempTree tree;
+    const auto pair = [&](const std::string& dir, gid_t gid, mode_t mode) {
+        for (const std::string name : {"/a", "/b"}) {
+            const std::string p = tree.write(dir + name, "shared bytes of " + dir);
+            EXPECT_EQ(::chown(p.c_str(), 2001, name == "/a" ? 2001 : gid), 0);
+            EXPECT_EQ(::chmod(p.c_str(), name == "/a" ? 0644 : mode), 0);
+        }
+    };
+    pair("same", 2001, 0644);  // linked
+    pair("mode", 2001, 0600);  // alice's private file never becomes a readable one
+    pair("group", 2002, 0644); // nor another group's
+    pair("label", 2001, 0644);
+    const bool labels =
+        ::setxattr(tree.path("label/b").c_str(), "security.twinsweep", "x", 1, 0) == 0;
+    // A protected archive, never linked to (editing the copy would rewrite it).
+    tree.write("prot/archive/b", "shared bytes of prot");
+    tree.write("prot/b", "shared bytes of prot");
+    const Snapshot before = snapshot(tree.root());
+    const CliOutcome r = runCli({"--any-location", "--keep", "oldest", "--link", "--protect",
+                                 tree.path("prot/archive"), tree.root()});
+    EXPECT_EQ(r.status, 1) << r.err;
+    const std::vector<std::string> linked = listed(r.out, "linked: ");
+    ASSERT_EQ(linked.size(), 1u) << r.out << r.err;
+    EXPECT_EQ(rel(tree.root(), parentOf(linked[0])), "same");
+    EXPECT_TRUE(fs::equivalent(tree.path("same/a"), tree.path("same/b")));
+    for (const std::string dir : {"mode", "group", "label", "prot"}) {
+        if (dir == "label" && !labels) {
+            continue; // no security labels on this file system
+        }
+        const std::string a = dir == "prot" ? "/archive/b" : "/a";
+        EXPECT_FALSE(fs::equivalent(tree.path(dir + a), tree.path(dir + "/b"))) << dir;
+        EXPECT_TRUE(says(r.err, "/" + dir + "/")) << dir;
+    }
+    EXPECT_TRUE(says(r.err, ": owner or mode differ from the kept copy, left alone"));
+    EXPECT_TRUE(says(r.err, tree.path("prot/b") + ": kept copy is protected, left alone"));
+    EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
+}
+
+// An editor saves the kept file by rename between the last check and the
+// link: the link still names the bytes that were compared, never the new ones.
+TEST(Links, MadeFromTheComparedFile) {
+    for (const bool backup : {true, false}) {
+        SCOPED_TRACE(backup ? "the old file kept as a backup" : "the old file replaced");
+        TempTree tree;
+        tree.write("kept/doc.txt", "the compared bytes");
+        tree.write("copy/doc.txt", "the compared bytes");
+        const auto settings = SettingsManager::shared();
+        const FileList groups = searchJob(tree.root(), 0);
+        ASSERT_EQ(groups.size(), 1u);
+        for (const DuplicateFilePtr& m : groups[0]->duplicates) {
+            m->checkState = m->path == tree.path("copy/doc.txt") ? 1 : 0;
+        }
+        CleaningRun run;
+        run.action = [&](const RemovalTarget& target) {
+            if (backup) {
+                ::rename(tree.path("kept/doc.txt").c_str(), tree.path("kept/doc.txt~").c_str());
+            }
+            ::rename(tree.write("kept/.doc.txt.new", "the EDITED bytes!!").c_str(),
+                     tree.path("kept/doc.txt").c_str());
+            return replaceWithHardLink(target);
+        };
+        SayYes yes;
+        PlatformRemover remover;
+        const CleaningReport report = clean(groups, *settings, yes, remover, run);
+        EXPECT_EQ(report.removed, backup ? 1 : 0);
+        const Snapshot after = snapshot(tree.root());
+        EXPECT_EQ(after.at("copy/doc.txt"),
+                  fileEntry("the compared bytes", tree.path("copy/doc.txt")));
+        EXPECT_EQ(after.at("kept/doc.txt"),
+                  fileEntry("the EDITED bytes!!", tree.path("kept/doc.txt")));
+        EXPECT_EQ(after.size(), backup ? 5u : 4u); // two folders and their files
+        if (backup) {
+            EXPECT_TRUE(fs::equivalent(tree.path("copy/doc.txt"), tree.path("kept/doc.txt~")));
+        }
+        settings->duplicateFileList.clear();
+    }
+}
