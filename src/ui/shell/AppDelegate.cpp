@@ -1,8 +1,11 @@
 #include "ui/shell/AppDelegate.h"
 
 #include <QApplication>
+#include <QFile>
 
+#include "removal/PlatformRemover.h"
 #include "removal/StoppedCleans.h"
+#include "removal/UndoHistory.h"
 #include "ui/platform/FileTypeIcons.h"
 #include "ui/shell/Alert.h"
 
@@ -15,13 +18,23 @@ AppDelegate::AppDelegate(QApplication& app) : QObject(&app) {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
-    const Recovery recovered = recoverStoppedCleans();
-    if (recovered.notes.empty()) {
+    // Only with the cleaning lock: a clean running now (the command-line
+    // tool's) is never mistaken for a stopped one. When it is busy, that
+    // clean resolves what stopped ones left before it acts.
+    CleaningLock lock;
+    if (lock.tryTake() != CleaningLock::Outcome::Taken) {
         return;
     }
-    QString text = QStringLiteral("A clean that was stopped left files hidden:");
-    for (const std::string& note : recovered.notes) {
-        text += QLatin1Char('\n') + QString::fromStdString(note);
+    std::vector<std::string> notes = recoverStoppedCleans().notes;
+    for (std::string& note : tidyTrashRecords()) {
+        notes.push_back(std::move(note));
+    }
+    if (notes.empty()) {
+        return;
+    }
+    QString text = QStringLiteral("Finished what a stopped clean left behind:");
+    for (const std::string& note : notes) {
+        text += QLatin1Char('\n') + QFile::decodeName(note.c_str());
     }
     showInformation(QApplication::activeWindow(), text);
 }
