@@ -42,6 +42,16 @@ bool LinkTrust::trusted(const Link& before, int dirFd, const std::string& name, 
     return user_ != 0 || insideTops(target);
 }
 
+bool LinkTrust::trustedEntry(int dirFd, const std::string& name) const {
+    const Link link = read(dirFd, name);
+    const int fd = ::openat(dirFd, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool ok = fd >= 0 && trusted(link, dirFd, name, fd);
+    if (fd >= 0) {
+        ::close(fd);
+    }
+    return ok;
+}
+
 bool LinkTrust::insideTops(int target) const {
     // Up through "..", which is where the folder really is (a mount's root
     // leads to the folder it is mounted on), never the path text.

@@ -34,6 +34,9 @@ class LinkTrust {
     // trusted and (for root) target lies inside a folder given.
     bool trusted(const Link& before, int dirFd, const std::string& name, int target) const;
 
+    // The same for the link name in dirFd, followed here.
+    bool trustedEntry(int dirFd, const std::string& name) const;
+
   private:
     bool insideTops(int target) const;
 

@@ -130,8 +130,14 @@ bool ProtectedFolders::covers(const DuplicateFile& member) const {
     if (walked.known && inside_.contains(idOf(walked.device, walked.inode))) {
         return true;
     }
+    // A package: a folder that is, or holds, a protected one. Its name is
+    // read to tell it from a file whose inode number came free and was
+    // given to such a folder since.
     const DevIno own = idOf(member.seen.device, member.seen.inode);
-    return member.seen.known && (inside_.contains(own) || holders_.contains(own));
+    struct stat st {};
+    return member.seen.known && (inside_.contains(own) || holders_.contains(own)) &&
+           ::lstat(member.path.c_str(), &st) == 0 && S_ISDIR(st.st_mode) &&
+           idOf(st.st_dev, st.st_ino) == own;
 }
 
 void applyProtection(FileList& groups, const std::vector<std::string>& folders) {

@@ -310,18 +310,10 @@ class FileTools::Walk {
     // another path it is not taken again.
     void takePackage(const ListedEntry& e, bool folder, std::uint32_t identity, bool foreign) {
         const int dirFd = chain_.fd();
-        if (e.type == DT_LNK && !foreign) {
-            // A package that is a link: its contents are reached through it.
-            const LinkTrust::Link link = LinkTrust::read(dirFd, e.name);
-            const int fd = ::openat(dirFd, e.name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-            foreign = fd < 0 || !trust_.trusted(link, dirFd, e.name, fd);
-            if (fd >= 0) {
-                ::close(fd);
-            }
-            if (foreign) {
-                const FolderIdentity at = FolderRegistry::at(identity);
-                identity = FolderRegistry::remember(at.device, at.inode, true);
-            }
+        // A package that is a link: its contents are reached through it.
+        if (e.type == DT_LNK && !foreign && !trust_.trustedEntry(dirFd, e.name)) {
+            const FolderIdentity at = FolderRegistry::at(identity);
+            identity = FolderRegistry::remember(at.device, at.inode, true);
         }
         struct stat target {};
         if (folder && (::fstatat(dirFd, e.name.c_str(), &target, 0) != 0 ||
