@@ -15,9 +15,9 @@ void dropSecondViews(File& group, const SameFile& sameFile) {
     std::vector<DuplicateFilePtr> kept;
     const auto id = [](const FileIdentity& s) { return SameFile::DevIno{s.device, s.inode}; };
     for (const DuplicateFilePtr& m : group.duplicates) {
-        bool twice = sameFile(group.path, id(group.seen), m->path, id(m->seen));
+        bool twice = sameFile.known(group.path, id(group.seen), m->path, id(m->seen));
         for (std::size_t i = 0; !twice && i < kept.size(); ++i) {
-            twice = sameFile(kept[i]->path, id(kept[i]->seen), m->path, id(m->seen));
+            twice = sameFile.known(kept[i]->path, id(kept[i]->seen), m->path, id(m->seen));
         }
         if (!twice) {
             kept.push_back(m);

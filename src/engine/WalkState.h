@@ -18,6 +18,8 @@ struct FileTools::WalkState {
     std::set<DevIno> folders;
     // Files with more than one hard link that were already taken.
     std::set<DevIno> linkedFiles;
+    // The folders given, by identity: where root's walk may follow links to.
+    std::set<DevIno> tops;
 };
 
 } // namespace twinsweep

@@ -25,6 +25,7 @@
 #include "engine/FolderChain.h"
 #include "engine/FolderListing.h"
 #include "engine/FolderRegistry.h"
+#include "engine/LinkTrust.h"
 #include "engine/WalkState.h"
 
 namespace twinsweep {
@@ -64,7 +65,7 @@ class FileTools::Walk {
          std::uint64_t minimum, std::uint64_t maximum)
         : tools_(tools), state_(*tools.walk_), rules_{&tools.locationGate, &tools.packageSet_,
                                                       &extensions, ignorePackages},
-          minimum_(minimum), maximum_(maximum), chain_(workingFolder()) {}
+          minimum_(minimum), maximum_(maximum), chain_(workingFolder()), trust_(state_.tops) {}
 
     void run(const std::vector<std::string>& folders) {
         if (tools_.canceled() || !listTopFolders(folders)) {
@@ -93,6 +94,9 @@ class FileTools::Walk {
     struct Frame {
         std::vector<std::shared_ptr<FolderListing>> dirs;
         std::vector<std::uint32_t> identity; // FolderRegistry index per folder
+        // Reached through a link the search does not trust (LinkTrust), here
+        // or above: what lies below is listed, never acted on.
+        bool foreign = false;
         // Top level only: each folder's path and its descriptor until it is entered.
         std::vector<std::string> paths;
         std::vector<FolderFdPtr> fds;
@@ -115,6 +119,7 @@ class FileTools::Walk {
                 printErrorLine(kOoops, folders[k], node->error);
                 return false;
             }
+            state_.tops.insert({node->device, node->inode});
             if (!state_.folders.insert({node->device, node->inode}).second) {
                 continue; // walked already under another path
             }
@@ -237,7 +242,7 @@ class FileTools::Walk {
         }
         const std::uint32_t identity = frames_[k].identity[frames_[k].dir];
         if (asPackage) {
-            takePackage(e, folder, identity);
+            takePackage(e, folder, identity, frames_[k].foreign);
         } else {
             takeFile(e, identity);
         }
@@ -251,6 +256,9 @@ class FileTools::Walk {
         }
         std::shared_ptr<FolderListing> node = std::move(e.child);
         FolderFdPtr fd;
+        const bool viaLink = e.type == DT_LNK;
+        bool foreign = frames_.back().foreign;
+        LinkTrust::Link link;
         if (node && pool_ && pool_->take(*node)) {
             fd = node->fd.lock();
             // Entered: it no longer counts as gathered ahead, however deep
@@ -264,7 +272,13 @@ class FileTools::Walk {
             if (parentFd == -1) {
                 node->error = errno;
             } else {
+                if (viaLink && !foreign) {
+                    link = LinkTrust::read(parentFd, e.name);
+                }
                 fd = gather(*node, parentFd, e.name, path_);
+                if (fd && viaLink && !foreign) {
+                    foreign = !trust_.trusted(link, parentFd, e.name, fd->get());
+                }
                 if (fd && pool_) {
                     pool_->submit(*node, fd);
                 }
@@ -284,7 +298,8 @@ class FileTools::Walk {
             return;
         }
         Frame child;
-        child.identity.push_back(FolderRegistry::remember(node->device, node->inode));
+        child.foreign = foreign;
+        child.identity.push_back(FolderRegistry::remember(node->device, node->inode, foreign));
         chain_.push(std::move(fd), e.name, node->device, node->inode);
         child.dirs.push_back(std::move(node));
         child.pathLen = path_.size();
@@ -293,8 +308,13 @@ class FileTools::Walk {
 
     // A package is one item; if its folder was taken or walked already under
     // another path it is not taken again.
-    void takePackage(const ListedEntry& e, bool folder, std::uint32_t identity) {
+    void takePackage(const ListedEntry& e, bool folder, std::uint32_t identity, bool foreign) {
         const int dirFd = chain_.fd();
+        // A package that is a link: its contents are reached through it.
+        if (e.type == DT_LNK && !foreign && !trust_.trustedEntry(dirFd, e.name)) {
+            const FolderIdentity at = FolderRegistry::at(identity);
+            identity = FolderRegistry::remember(at.device, at.inode, true);
+        }
         struct stat target {};
         if (folder && (::fstatat(dirFd, e.name.c_str(), &target, 0) != 0 ||
                        !state_.folders
@@ -352,6 +372,7 @@ class FileTools::Walk {
     std::uint64_t minimum_;
     std::uint64_t maximum_;
     FolderChain chain_;
+    LinkTrust trust_;
     std::vector<Frame> frames_;
     std::string path_; // the absolute path of the entry being examined
     std::unique_ptr<ListingPool> pool_;
@@ -379,77 +400,6 @@ void FileTools::scanFolders(const std::vector<std::string>& folders, bool ignore
     // the search, so give back the unused half.
     fileList.shrink_to_fit();
     postWalkProgress();
-}
-
-std::uint64_t FileTools::packageSize(const std::string& path) {
-    return packageSizeAt(AT_FDCWD, path, path);
-}
-
-std::uint64_t FileTools::packageSizeAt(int parentFd, const std::string& name,
-                                       const std::string& path) {
-    // The same kind of walk as above, without filters: every regular file
-    // counts, hidden ones included. A link back to a folder being summed
-    // counts nothing.
-    struct Level {
-        std::unique_ptr<FolderListing> node;
-        std::size_t next = 0;
-        std::size_t pathLen = 0;
-    };
-    FolderChain chain(parentFd == AT_FDCWD ? workingFolder()
-                                           : std::make_shared<FolderFd>(::dup(parentFd)));
-    std::set<DevIno> active;
-    std::vector<Level> levels;
-    std::string p = path;
-    // Enters the folder n (relative to the innermost level); false when it
-    // can't be listed or is being summed already.
-    auto enter = [&](const std::string& n) {
-        auto node = std::make_unique<FolderListing>();
-        const int at = chain.fd();
-        FolderFdPtr fd =
-            at == -1 ? nullptr : gatherListing(*node, at, n.c_str(), p, nullptr, false);
-        if (!fd) {
-            printErrorLine(kOoops, p, at == -1 ? errno : node->error);
-            return;
-        }
-        if (!active.insert({node->device, node->inode}).second) {
-            return;
-        }
-        chain.push(std::move(fd), n, node->device, node->inode);
-        levels.push_back({std::move(node), 0, p.size()});
-    };
-    enter(name);
-    std::uint64_t total = 0;
-    while (!levels.empty()) {
-        Level& level = levels.back();
-        if (level.next == level.node->entries.size()) {
-            active.erase({level.node->device, level.node->inode});
-            levels.pop_back();
-            chain.pop();
-            continue;
-        }
-        if (canceled()) {
-            break;
-        }
-        const std::string& n = level.node->entries[level.next++].name;
-        p.resize(level.pathLen);
-        appendName(p, n);
-        const int dirFd = chain.fd();
-        struct stat target {};
-        if (::fstatat(dirFd, n.c_str(), &target, 0) != 0) {
-            continue; // vanished, or a broken link
-        }
-        if (S_ISDIR(target.st_mode)) {
-            enter(n);
-            continue;
-        }
-        struct stat own {};
-        if (::fstatat(dirFd, n.c_str(), &own, AT_SYMLINK_NOFOLLOW) != 0) {
-            printErrorLine("Error: ", p, errno);
-            continue;
-        }
-        total += static_cast<std::uint64_t>(own.st_size);
-    }
-    return total;
 }
 
 } // namespace twinsweep

@@ -1,4 +1,7 @@
 // No keep option, rule or clean touches a copy in a protected folder.
+#include <sys/mount.h>
+#include <unistd.h>
+
 #include "CoreSupport.h"
 #include "selection/CustomMarking.h"
 #include "selection/CustomSettingsText.h"
@@ -103,4 +106,45 @@ TEST_F(Protected, CommandLineProtectsSearchesAndMarksProtectedCopies) {
     const CliOutcome cleaned = runCli(args);
     EXPECT_EQ(cleaned.status, 0) << cleaned.err;
     EXPECT_TRUE(nothingLost(before, snapshot(tree.root()), {"dl/a.jpg", "photos2/a.jpg"}));
+}
+
+TEST_F(Protected, ByIdentityThroughBindMountsAndLinkedParents) {
+    if (!privateMounts()) {
+        GTEST_SKIP() << "no mount namespace here (needs root and unshare)";
+    }
+    // The older copies are outside the protected folders: keeping the oldest
+    // would mark the protected ones, were they not seen as protected.
+    tree.write("search/dup.jpg", "protected bytes");
+    tree.write("search/Other.app/Contents/prot2/x", "package bytes");
+    tree.write("search/c1.txt", "unprotected twin");
+    ::sleep(1); // creation times a second apart
+    tree.write("prot/sub/keep.jpg", "protected bytes");
+    tree.write("real/App.app/Contents/prot2/x", "package bytes");
+    tree.write("search/c2.txt", "unprotected twin");
+    // A protected folder's subfolder bind-mounted into the search, and a
+    // package holding a protected folder reached through a linked parent.
+    tree.mkdir("search/bound");
+    ASSERT_EQ(::mount(tree.path("prot/sub").c_str(), tree.path("search/bound").c_str(), nullptr,
+                      MS_BIND, nullptr),
+              0);
+    const std::shared_ptr<void> unmount(
+        nullptr, [&](void*) { ::umount2(tree.path("search/bound").c_str(), MNT_DETACH); });
+    tree.symlink("../real", "search/linked");
+
+    const Snapshot before = snapshot(tree.root());
+    const CliOutcome r =
+        runCli({"--any-location", "--include-packages", "--protect", tree.path("prot"), "--protect",
+                tree.path("real/App.app/Contents/prot2"), "--keep", "oldest", "--trash", "--yes",
+                tree.path("search")});
+    EXPECT_EQ(r.status, 0) << r.out << r.err;
+    // The protected copies are kept instead, and vouch for their twins.
+    const std::vector<std::string> removed = listed(r.out, "removed: ");
+    EXPECT_EQ(std::set<std::string>(removed.begin(), removed.end()),
+              (std::set<std::string>{tree.path("search/c2.txt"), tree.path("search/dup.jpg"),
+                                     tree.path("search/Other.app")}))
+        << r.out << r.err;
+    EXPECT_TRUE(nothingLost(before, snapshot(tree.root()),
+                            {"search/c2.txt", "search/dup.jpg", "search/Other.app",
+                             "search/Other.app/Contents", "search/Other.app/Contents/prot2",
+                             "search/Other.app/Contents/prot2/x"}));
 }
