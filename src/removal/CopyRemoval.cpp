@@ -166,9 +166,15 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
             ownerWhy = member.path + ": kept copy belongs to another user, not removed";
             continue;
         }
-        if (sameFile(member.path, {mine.st.st_dev, mine.st.st_ino}, k->path,
-                     {kept.st.st_dev, kept.st.st_ino})) {
-            keptWhy = member.path + ": the same file as " + k->path + " (one file seen twice)";
+        const SameFile::Verdict same = sameFile.check(member.path, {mine.st.st_dev, mine.st.st_ino},
+                                                      k->path, {kept.st.st_dev, kept.st.st_ino});
+        if (same != SameFile::Verdict::Different) {
+            keptWhy =
+                member.path + (same == SameFile::Verdict::Same
+                                   ? ": the same file as " + k->path + " (one file seen twice)"
+                                   : ": may be the same file as " + k->path +
+                                         " (on a file system that can show another's "
+                                         "files, not proven different)");
             continue;
         }
         if (!sameContents({target.folderFd, target.entry, member.path, &mine.st},
