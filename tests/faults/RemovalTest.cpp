@@ -269,9 +269,8 @@ TEST(Removal, OddMountsNeverCostAFile) {
     }
     TempTree tree;
     // Everything is mounted under a tmpfs at the root, detached with it at the end.
-    ASSERT_EQ(::mount("tmpfs", tree.root().c_str(), "tmpfs", 0, nullptr), 0);
-    const std::shared_ptr<void> unmount(nullptr,
-                                        [&](void*) { ::umount2(tree.root().c_str(), MNT_DETACH); });
+    const std::shared_ptr<void> unmount = mountTmpfs(tree.root());
+    ASSERT_TRUE(unmount);
     const auto mount = [](const std::string& src, const std::string& at, const char* type,
                           const std::string& data) {
         return ::mount(src.c_str(), at.c_str(), type, type ? 0 : MS_BIND, data.c_str()) == 0;

@@ -22,9 +22,8 @@ TEST(Stacked, AnOverlayViewNeverVouchesForItsOwnLowerFile) {
         GTEST_SKIP() << "no mount namespace here (needs root and unshare)";
     }
     TempTree tree;
-    ASSERT_EQ(::mount("tmpfs", tree.root().c_str(), "tmpfs", 0, nullptr), 0);
-    const std::shared_ptr<void> unmount(nullptr,
-                                        [&](void*) { ::umount2(tree.root().c_str(), MNT_DETACH); });
+    const std::shared_ptr<void> unmount = mountTmpfs(tree.root());
+    ASSERT_TRUE(unmount);
     for (const char* d : {"rel/upper", "rel/work", "rel/view", "abs/upper", "abs/work", "abs/view",
                           "bound", "renamed/upper", "renamed/work", "renamed/view"}) {
         tree.mkdir(d);
