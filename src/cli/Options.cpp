@@ -30,7 +30,7 @@ std::string sizeOption(const std::string& name, const std::string& value, std::u
 
 std::string removal(Options& o, Removal r) {
     if (o.removalGiven && o.removal != r) {
-        return "choose one of --dry-run, --trash, --delete and --link";
+        return "choose one of --trash, --delete and --link";
     }
     o.removal = r;
     o.removalGiven = true;
@@ -157,7 +157,10 @@ const std::vector<OptionRule>& optionRules() {
              return {};
          }},
         {"--dry-run", false,
-         [](Options& o, const std::string&) { return removal(o, Removal::DryRun); }},
+         [](Options& o, const std::string&) {
+             o.dryRunGiven = true;
+             return std::string();
+         }},
         {"--trash", false,
          [](Options& o, const std::string&) { return removal(o, Removal::Trash); }},
         {"--delete", false,
@@ -362,7 +365,7 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
         result.error = "--keep-one goes with --rules";
         return result;
     }
-    if ((o.removalGiven || o.yes) && !marks(o)) {
+    if ((o.removalGiven || o.dryRunGiven || o.yes) && !marks(o)) {
         result.error =
             "--dry-run, --trash, --delete, --link and --yes need --keep or --rules to say "
             "which copies go";
@@ -438,7 +441,10 @@ std::string usageText() {
            "  --keep-one oldest|newest|no\n"
            "                         with --rules: when the rules select every copy of a\n"
            "                         group, keep its oldest (newest) one (default oldest)\n"
-           "  --dry-run              only list what would be removed (the default)\n"
+           "  --dry-run              change nothing: check every marked copy as the clean\n"
+           "                         would and list it as \"would remove\", \"would link\"\n"
+           "                         or \"would be left: REASON\" (the default; with --link\n"
+           "                         it checks links, with --trash or --delete removal)\n"
            "  --trash                move the marked copies to the Trash\n"
            "  --delete               delete them for good\n"
            "  --link                 replace each by a hard link to a kept copy of its\n"
