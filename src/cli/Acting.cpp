@@ -11,6 +11,7 @@
 #include "cli/Output.h"
 #include "engine/Diagnostics.h"
 #include "engine/FileTools.h"
+#include "export/CleanReport.h"
 #include "removal/TrashRecord.h"
 #include "removal/UndoHistory.h"
 #include "selection/CustomMarking.h"
@@ -38,23 +39,6 @@ std::string textSummary(bool dryRun, std::size_t files, std::uint64_t bytes) {
     out << (dryRun ? "would free " : "freed ") << FileTools::fileSizeText(bytes) << " (" << bytes
         << " bytes) from " << files << (files == 1 ? " file" : " files") << "\n";
     return out.str();
-}
-
-// Linked copies are listed as such: their paths are still there.
-std::string jsonSummary(bool dryRun, bool linking, const std::vector<std::string>& removed,
-                        std::uint64_t bytes, std::int64_t failed) {
-    std::string out = "{\"dryRun\":";
-    out += dryRun ? "true" : "false";
-    out += linking ? ",\"linked\":[" : ",\"removed\":[";
-    for (std::size_t i = 0; i < removed.size(); ++i) {
-        if (i > 0) {
-            out += ',';
-        }
-        out += jsonString(removed[i]);
-    }
-    out += "],\"bytesFreed\":" + std::to_string(bytes) + ",\"failed\":" + std::to_string(failed) +
-           "}\n";
-    return out;
 }
 
 // Says how to undo the clean: its record was kept as it went (PlatformRemover).
@@ -122,6 +106,12 @@ bool CommandLinePrompt::ask(CleaningAlert alert) {
         std::fprintf(messages_, "twinsweep-cli: no copy is marked for removal\n");
         return true;
     case CleaningAlert::Done:
+    case CleaningAlert::NothingLinked:
+        return true;
+    case CleaningAlert::WholeGroupsLinked:
+        // Nothing is lost: those copies are left as they are, each reported.
+        std::fprintf(messages_, "twinsweep-cli: note: some groups have every copy marked; with "
+                                "--link they are left as they are\n");
         return true;
     case CleaningAlert::WholeGroups:
     case CleaningAlert::PermanentDeletion:
@@ -164,7 +154,7 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
         applyCustomRulesToAll(groups, settings);
     }
 
-    const bool dryRun = options.removal == Removal::DryRun;
+    const bool dryRun = cli::dryRun(options);
     const bool json = options.format == OutputFormat::Json;
     settings.moveToTrash = options.removal != Removal::Delete;
     settings.replaceWithHardLinks = options.removal == Removal::Link;
@@ -175,7 +165,7 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
             printErrorLine("Note:   ", note);
         }
     }
-    if (options.removal == Removal::Trash) {
+    if (options.removal == Removal::Trash && !dryRun) {
         if (const PrivateFolder undo = openUndoFolder(); !undo.ok()) {
             std::fprintf(stderr,
                          "twinsweep-cli: cannot keep a record to undo this clean: %s; nothing "
@@ -188,21 +178,22 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
     }
     std::size_t trashed = 0;
     ActResult result;
-    std::vector<std::string> removed;
+    CleanLog log(groups, dryRun, linking);
+    const std::string doneLine = std::string(log.doneWord()) + ": ";
     CleaningRun run;
     run.dryRun = dryRun;
     run.stop = stop;
     run.done = [&](const DuplicateFile& m, const RemovalResult& r) {
-        if (!r.ok) {
-            return true;
+        log.record(m, r);
+        if (!r.ok && !dryRun) {
+            return true; // its "Error:  " line is written
         }
-        removed.push_back(m.path);
         if (!r.trashed.originalPath.empty()) {
             ++trashed;
         }
-        const char* verb = linking ? (dryRun ? "would link: " : "linked: ")
-                                   : (dryRun ? "would remove: " : "removed: ");
-        if (!json && !out(verb + textEscaped(m.path) + "\n")) {
+        const std::string line = r.ok ? doneLine + textEscaped(m.path)
+                                      : std::string("would be left: ") + textEscaped(r.error);
+        if (!json && !out(line + "\n")) {
             result.outputClosed = true;
             return false;
         }
@@ -218,15 +209,20 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
         return result;
     }
     if (!result.outputClosed) {
-        const std::string summary =
-            json ? jsonSummary(dryRun, linking, removed, report.bytesFreed, report.failed)
-                 : textSummary(dryRun, removed.size(), report.bytesFreed);
-        result.outputClosed = !out(summary);
+        result.outputClosed =
+            !(json ? log.writeJson(report.bytesFreed, report.failed, out)
+                   : out(textSummary(dryRun, log.done().size(), report.bytesFreed)));
     }
     if (!remover.trashRecordError().empty()) {
         result.exitCode = 1;
     }
-    if (report.failed > 0) {
+    // A dry run fails where the clean would: it says so the same way.
+    if (report.failed > 0 && dryRun) {
+        std::fprintf(stderr, "twinsweep-cli: %lld %s be left (see the \"would be left\" lines)\n",
+                     static_cast<long long>(report.failed),
+                     report.failed == 1 ? "copy would" : "copies would");
+        result.exitCode = 1;
+    } else if (report.failed > 0) {
         std::fprintf(stderr, "twinsweep-cli: %lld %s not %s (see the Error lines above)\n",
                      static_cast<long long>(report.failed),
                      report.failed == 1 ? "copy was" : "copies were",

@@ -30,7 +30,7 @@ std::string sizeOption(const std::string& name, const std::string& value, std::u
 
 std::string removal(Options& o, Removal r) {
     if (o.removalGiven && o.removal != r) {
-        return "choose one of --dry-run, --trash, --delete and --link";
+        return "choose one of --trash, --delete and --link";
     }
     o.removal = r;
     o.removalGiven = true;
@@ -157,7 +157,10 @@ const std::vector<OptionRule>& optionRules() {
              return {};
          }},
         {"--dry-run", false,
-         [](Options& o, const std::string&) { return removal(o, Removal::DryRun); }},
+         [](Options& o, const std::string&) {
+             o.dryRunGiven = true;
+             return std::string();
+         }},
         {"--trash", false,
          [](Options& o, const std::string&) { return removal(o, Removal::Trash); }},
         {"--delete", false,
@@ -362,7 +365,7 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
         result.error = "--keep-one goes with --rules";
         return result;
     }
-    if ((o.removalGiven || o.yes) && !marks(o)) {
+    if ((o.removalGiven || o.dryRunGiven || o.yes) && !marks(o)) {
         result.error =
             "--dry-run, --trash, --delete, --link and --yes need --keep or --rules to say "
             "which copies go";
@@ -403,68 +406,6 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
             physicalFolder(o.locationRoot, cwd).value_or(absoluteFolder(o.locationRoot, cwd));
     }
     return result;
-}
-
-std::string usageText() {
-    return "Usage: twinsweep-cli [options] FOLDER...\n"
-           "Finds files with the same contents under the given folders and prints them\n"
-           "in groups, the first file of each group followed by its copies.\n"
-           "\n"
-           "Options:\n"
-           "  --min-size SIZE        smallest file size to consider (default 1)\n"
-           "  --max-size SIZE        largest file size to consider (default: no limit)\n"
-           "                         SIZE is in bytes, optionally followed by K, M, G or T\n"
-           "                         (powers of 1024)\n"
-           "  --ext LIST             only files with these extensions, e.g. jpg,png\n"
-           "  --include-packages     take bundles (such as x.app folders) as single items\n"
-           "                         instead of skipping them\n"
-           "  --large-by-content     compare files of 100 MiB and more by content too\n"
-           "                         (by default equal size alone makes them copies)\n"
-           "  --location-root PREFIX look only under PREFIX/Users, PREFIX/Applications and\n"
-           "                         PREFIX/Volumes\n"
-           "  --any-location         look anywhere (by default only under /home, /opt,\n"
-           "                         /media, /mnt and /run/media)\n"
-           "  --format text|json|csv output format (default text); csv has one line per\n"
-           "                         copy: group number, path, size, date, category\n"
-           "  --protect FOLDER       search FOLDER too, but never mark or remove a copy in\n"
-           "                         it; repeatable. Groups of protected copies alone are\n"
-           "                         not listed; JSON adds \"protected\":true to such copies\n"
-           "\n"
-           "Removing copies (every group found):\n"
-           "  --keep oldest|newest   keep the oldest (newest) copy of each group, by\n"
-           "                         creation date; the first copy wins ties\n"
-           "  --keep all|none        keep every copy (remove nothing) or none of them\n"
-           "  --rules FILE           mark the copies that a custom rule text selects\n"
-           "  --keep-one oldest|newest|no\n"
-           "                         with --rules: when the rules select every copy of a\n"
-           "                         group, keep its oldest (newest) one (default oldest)\n"
-           "  --dry-run              only list what would be removed (the default)\n"
-           "  --trash                move the marked copies to the Trash\n"
-           "  --delete               delete them for good\n"
-           "  --link                 replace each by a hard link to a kept copy of its\n"
-           "                         group: every path keeps working, the bytes are kept\n"
-           "                         once; copies on another file system than every kept\n"
-           "                         copy, and packages, are left alone and reported\n"
-           "  --undo                 put back what the newest clean to the Trash moved\n"
-           "                         there (each clean's record: $XDG_STATE_HOME/twinsweep/\n"
-           "                         undo/), where the original path is free, its folder\n"
-           "                         the same and the file unchanged\n"
-           "  --yes                  answer yes to the questions: removing every copy of\n"
-           "                         a group, deleting for good (needed for --delete when\n"
-           "                         standard input is not a terminal)\n"
-           "                         A copy that changed since the search is never removed.\n"
-           "  --help                 show this help\n"
-           "  --version              show the version\n"
-           "\n"
-           "Text output: one path per line, a blank line between groups. Control\n"
-           "characters and backslashes in names are written as C escapes (\\n, \\\\, \\x1b).\n"
-           "JSON and CSV output: bytes that are not valid UTF-8 are written as \\udcXX\n"
-           "escapes (in CSV paths, a backslash is doubled).\n"
-           "Progress goes to standard error when it is a terminal.\n"
-           "\n"
-           "Exit status: 0 when the search (and any removal) ran, 1 when a removal\n"
-           "failed or was refused, or a question was answered no, 2 for a bad option,\n"
-           "folder or rule file, 130 when interrupted.\n";
 }
 
 } // namespace twinsweep::cli

@@ -32,11 +32,18 @@ struct Options {
     bool keepOneGiven = false;
     Removal removal = Removal::DryRun;
     bool removalGiven = false;
+    // --dry-run with --trash, --delete or --link: says what that clean would do.
+    bool dryRunGiven = false;
     bool yes = false;
     bool undo = false; // put back what the last run with --trash moved there
     bool help = false;
     bool version = false;
 };
+
+// True when the marked copies are only checked and listed, never acted on.
+inline bool dryRun(const Options& o) {
+    return o.removal == Removal::DryRun || o.dryRunGiven;
+}
 
 // True when the options mark copies, so the run acts instead of reporting.
 inline bool marks(const Options& o) {

@@ -124,7 +124,8 @@ int main(int argc, char** argv) {
                 return kExitBadUsage;
             }
         }
-        if (options.removal == cli::Removal::Delete && !options.yes && !::isatty(STDIN_FILENO)) {
+        if (options.removal == cli::Removal::Delete && !cli::dryRun(options) && !options.yes &&
+            !::isatty(STDIN_FILENO)) {
             std::fprintf(stderr, "twinsweep-cli: --delete needs --yes when standard input is not a "
                                  "terminal\n");
             return kExitBadUsage;
@@ -176,7 +177,7 @@ int main(int argc, char** argv) {
 
     const cli::ReportSink sink = [&](std::string_view piece) { return writeAll(reportFd, piece); };
     if (cli::marks(options)) {
-        const bool dryRun = options.removal == cli::Removal::DryRun;
+        const bool dryRun = cli::dryRun(options);
         CleaningLock lock;
         if (!dryRun) {
             CleaningLock::Outcome taken = lock.tryTake();

@@ -104,10 +104,8 @@ bool stillThere(const DuplicateFile& k, const Opened& o) {
            a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
-} // namespace
-
-RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const CopyAction& act,
-                        const SameFile& sameFile, SweptFolders* swept) {
+RemovalResult onCopy(const File& group, const DuplicateFile& member, const CopyAction& act,
+                     const SameFile& sameFile, SweptFolders* swept, bool dryRun) {
     Opened mine;
     std::string reason;
     if (!openAsSeen(member, mine, reason, swept)) {
@@ -182,7 +180,7 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
             differWhy = reason;
             continue;
         }
-        if (journalled.empty()) {
+        if (journalled.empty() && !dryRun) {
             const std::string name = asideName(mine.name);
             JournalRecord record = thisProcessRecord();
             record.folder = parentOf(member.path);
@@ -208,6 +206,14 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
                 !unchanged(now, member.seen)) {
                 return putBack(failure(member.path + ": changed during the clean, not removed"));
             }
+        }
+        struct stat now {};
+        if (dryRun &&
+            (::fstatat(target.folderFd, target.entry.c_str(), &now, AT_SYMLINK_NOFOLLOW) != 0 ||
+             now.st_dev != mine.st.st_dev || now.st_ino != mine.st.st_ino ||
+             !unchanged(now, member.seen))) {
+            // The check the clean makes on the copy once it is aside.
+            return failure(member.path + ": changed during the clean, not removed");
         }
         if (!stillThere(*k, kept)) {
             keptWhy = k->path + ": changed or went away during the clean";
@@ -250,6 +256,18 @@ RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const Co
     }
     return putBack(failure(member.path + ": no kept copy is left to compare with (" +
                            (keptWhy.empty() ? differWhy : keptWhy) + "), not removed"));
+}
+
+} // namespace
+
+RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const CopyAction& act,
+                        const SameFile& sameFile, SweptFolders* swept) {
+    return onCopy(group, member, act, sameFile, swept, false);
+}
+
+RemovalResult checkCopy(const File& group, const DuplicateFile& member, const CopyAction& check,
+                        const SameFile& sameFile) {
+    return onCopy(group, member, check, sameFile, nullptr, true);
 }
 
 } // namespace twinsweep

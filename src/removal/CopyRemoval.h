@@ -25,4 +25,11 @@ namespace twinsweep {
 RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const CopyAction& act,
                         const SameFile& sameFile, SweptFolders* swept = nullptr);
 
+// What actOnCopy would answer, changing nothing: the same checks, in the same
+// order, against the same kept copies, but the copy is not renamed aside (nor
+// journalled) and check, given the target as act would get it, stands for the
+// act (for a link: checkHardLink, HardLink.h).
+RemovalResult checkCopy(const File& group, const DuplicateFile& member, const CopyAction& check,
+                        const SameFile& sameFile);
+
 } // namespace twinsweep

@@ -120,9 +120,15 @@ RemovalResult tryOther(const RemovalTarget& t, const std::string& why) {
     return r;
 }
 
-} // namespace
+// The checks a link must pass, on the copy as it stands (under t.entry).
+struct Checked {
+    Fd copyFd;
+    struct stat copy {};
+    struct stat kept {};
+    struct stat folder {};
+};
 
-RemovalResult replaceWithHardLink(const RemovalTarget& t) {
+RemovalResult linkChecks(const RemovalTarget& t, Checked& c) {
     if (t.isFolder) {
         return leftAlone(t, "a package (folder) can't be replaced by a hard link");
     }
@@ -136,21 +142,43 @@ RemovalResult replaceWithHardLink(const RemovalTarget& t) {
     if (t.keptFd < 0) {
         return tryOther(t, "kept copy is not a regular file");
     }
-    struct stat copy {};
-    struct stat kept {};
-    struct stat folder {};
-    const Fd copyFd(
+    c.copyFd.reset(
         ::openat(t.folderFd, t.entry.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!copyFd.ok() || ::fstat(copyFd.get(), &copy) != 0 || ::fstat(t.keptFd, &kept) != 0 ||
-        ::fstat(t.folderFd, &folder) != 0) {
+    if (!c.copyFd.ok() || ::fstat(c.copyFd.get(), &c.copy) != 0 ||
+        ::fstat(t.keptFd, &c.kept) != 0 || ::fstat(t.folderFd, &c.folder) != 0) {
         return leftAlone(t, std::strerror(errno));
     }
-    if (kept.st_dev != folder.st_dev) {
+    if (c.kept.st_dev != c.folder.st_dev) {
         return tryOther(t, "on another file system than every kept copy");
     }
-    if (!sameAccess(copyFd.get(), copy, t.keptFd, kept)) {
+    if (!sameAccess(c.copyFd.get(), c.copy, t.keptFd, c.kept)) {
         return tryOther(t, "owner or mode differ from the kept copy");
     }
+    RemovalResult fine;
+    // A copy with other names elsewhere frees nothing when this one goes.
+    if (c.copy.st_nlink > 1) {
+        fine.partial = true;
+        fine.bytesFreed = 0;
+    }
+    return fine;
+}
+
+} // namespace
+
+RemovalResult checkHardLink(const RemovalTarget& t) {
+    Checked c;
+    return linkChecks(t, c);
+}
+
+RemovalResult replaceWithHardLink(const RemovalTarget& t) {
+    Checked c;
+    RemovalResult done = linkChecks(t, c);
+    if (!done.ok) {
+        return done;
+    }
+    const struct stat& copy = c.copy;
+    const struct stat& kept = c.kept;
+    const struct stat& folder = c.folder;
     const std::string tmp = linkName(t.name);
     JournalRecord record = thisProcessRecord();
     record.kind = JournalRecord::Kind::Link;
@@ -209,12 +237,6 @@ RemovalResult replaceWithHardLink(const RemovalTarget& t) {
         return r;
     }
     journalForget(journalled);
-    RemovalResult done;
-    // A copy with other names elsewhere frees nothing when this one goes.
-    if (copy.st_nlink > 1) {
-        done.partial = true;
-        done.bytesFreed = 0;
-    }
     return done;
 }
 

@@ -17,4 +17,9 @@ namespace twinsweep {
 // ACL or security label (a link would give the copy's path all of these).
 RemovalResult replaceWithHardLink(const RemovalTarget& target);
 
+// Every check replaceWithHardLink makes before it changes anything, with the
+// same answer (ok, with partial set when the copy has other names, or the
+// reason and tryOtherKept): a dry run asks this instead of linking.
+RemovalResult checkHardLink(const RemovalTarget& target);
+
 } // namespace twinsweep

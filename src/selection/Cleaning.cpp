@@ -7,6 +7,7 @@
 #include "engine/ProtectedFolders.h"
 #include "engine/SameFile.h"
 #include "removal/CopyRemoval.h"
+#include "removal/HardLink.h"
 #include "selection/KeepOptions.h"
 
 namespace twinsweep {
@@ -21,12 +22,23 @@ const AlertText& alertText(CleaningAlert alert) {
     static const AlertText permanent{
         "You are about to permanently remove the selected duplicate files. Continue?",
         {"Yes", "No"}};
+    static const AlertText wholeGroupsLinked{
+        "Some groups have every copy selected; with hard links, those groups are left as they "
+        "are. Continue?",
+        {"Yes", "No"}};
     static const AlertText done{"Duplicate files cleaned successfully. ", {"OK"}};
+    static const AlertText nothingLinked{
+        "No selected copy could be replaced by a hard link; every file was left as it was.",
+        {"OK"}};
     switch (alert) {
     case CleaningAlert::NothingMarked:
         return nothingMarked;
     case CleaningAlert::WholeGroups:
         return wholeGroups;
+    case CleaningAlert::WholeGroupsLinked:
+        return wholeGroupsLinked;
+    case CleaningAlert::NothingLinked:
+        return nothingLinked;
     case CleaningAlert::PermanentDeletion:
         return permanent;
     case CleaningAlert::Done:
@@ -47,23 +59,29 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
     const bool wholeGroup = std::any_of(listed.begin(), listed.end(), [](const FilePtr& g) {
         return markedCount(*g) == static_cast<std::int64_t>(g->duplicates.size());
     });
-    if (wholeGroup && !prompt.ask(CleaningAlert::WholeGroups)) {
+    const bool linking = settings.replaceWithHardLinks;
+    if (wholeGroup &&
+        !prompt.ask(linking ? CleaningAlert::WholeGroupsLinked : CleaningAlert::WholeGroups)) {
         report.outcome = CleaningOutcome::Declined;
         return report;
     }
     const bool toTrash = settings.moveToTrash;
     // Links lose nothing: no permanent-deletion question for them.
-    if (!toTrash && !settings.replaceWithHardLinks &&
-        !prompt.ask(CleaningAlert::PermanentDeletion)) {
+    if (!toTrash && !linking && !prompt.ask(CleaningAlert::PermanentDeletion)) {
         report.outcome = CleaningOutcome::Declined;
         return report;
     }
 
     report.outcome = CleaningOutcome::Cleaned;
     CopyAction act = run.action;
-    if (!act) {
+    if (run.dryRun) {
+        // Every check of the act, none of its changes.
         act = [&](const RemovalTarget& target) {
-            if (settings.replaceWithHardLinks) {
+            return linking ? checkHardLink(target) : RemovalResult{};
+        };
+    } else if (!act) {
+        act = [&](const RemovalTarget& target) {
+            if (linking) {
                 return remover.replaceWithLink(target);
             }
             return toTrash ? remover.moveToTrash(target) : remover.removeForGood(target);
@@ -111,7 +129,9 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
             if (isProtectedCopy(*m, settings.protectedFolders)) {
                 result.ok = false;
                 result.error = m->path + ": in a protected folder, not removed";
-            } else if (!run.dryRun) {
+            } else if (run.dryRun) {
+                result = checkCopy(*group, *m, act, sameFile);
+            } else {
                 result = actOnCopy(*group, *m, act, sameFile, &swept);
             }
             if (result.ok) {
@@ -120,9 +140,14 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
             } else {
                 ++report.failed;
                 report.bytesFreed += result.bytesFreed;
-                printErrorLine("Error:  ", result.error);
+                if (!run.dryRun) {
+                    printErrorLine("Error:  ", result.error);
+                }
             }
-            attempted.insert(m.get());
+            // A copy that was not linked is still a copy of its group.
+            if (result.ok || !linking) {
+                attempted.insert(m.get());
+            }
             if (run.done && !run.done(*m, result)) {
                 report.stopped = true;
                 leaveGroup(*group, attempted);

@@ -6,14 +6,24 @@
 #include <vector>
 
 #include "engine/File.h"
-#include "selection/AlertText.h"
 #include "removal/Removal.h"
+#include "selection/AlertText.h"
 #include "settings/SettingsManager.h"
 
 namespace twinsweep {
 
 // The alerts of the clean command, each a warning with an empty message text.
-enum class CleaningAlert { NothingMarked, WholeGroups, PermanentDeletion, Done };
+// WholeGroupsLinked stands for WholeGroups when copies are replaced by hard
+// links (nothing can be linked in a group with every copy marked), and
+// NothingLinked for Done when no copy could be linked.
+enum class CleaningAlert {
+    NothingMarked,
+    WholeGroups,
+    PermanentDeletion,
+    Done,
+    WholeGroupsLinked,
+    NothingLinked
+};
 
 // The exact informative text and button titles of an alert; the first button
 // accepts.
@@ -45,7 +55,9 @@ struct CleaningReport {
 
 // How one clean runs, beyond what the user answered.
 struct CleaningRun {
-    // Nothing is touched: every marked member is reported as removed.
+    // Nothing is touched: every check of the act runs (checkCopy, CopyRemoval.h)
+    // and each member is reported as the clean would leave it; no "Error:  "
+    // lines (done says what would be left).
     bool dryRun = false;
     // Asked before each removal; true stops the clean there.
     std::function<bool()> stop;
@@ -63,10 +75,12 @@ struct CleaningRun {
 // is still what the search saw, in the folder the search walked, and byte for
 // byte the same as a kept copy that is still there goes. A failed or refused
 // removal writes "Error:  " and the reason to standard output, and cleaning
-// goes on. Every attempted member leaves its group; a group left with fewer
+// goes on. Every attempted member leaves its group (with hard links, only a
+// linked one: a copy left alone is still a copy); a group left with fewer
 // than two members leaves settings.duplicateFileList (the listed groups are
 // rebuilt by the update that follows). Afterwards the caller runs a full
-// results update, shows the Done alert and closes the results when
+// results update, shows the Done alert (NothingLinked when links were asked
+// for and none was made) and closes the results when
 // settings.duplicateFileList is empty.
 CleaningReport clean(const FileList& listed, SettingsManager& settings, CleaningPrompt& prompt,
                      FileRemover& remover, const CleaningRun& run = {});

@@ -152,3 +152,56 @@ TEST_F(Acting, BadUsageAndRuleFilesStopBeforeAnything) {
     EXPECT_EQ(runCli({"--version"}).out.rfind("twinsweep-cli ", 0), 0U);
     EXPECT_EQ(filesLeft(), 5);
 }
+
+TEST_F(Acting, JsonOfACleanGivesEachCopyItsMarkAndOutcome) {
+    // The copies in a/ are the oldest, so they are kept; a/two.txt is another user's.
+    ::sleep(1);
+    for (const char* f : {"files/b/one.jpg", "files/c/one.jpg", "files/b/two.txt"}) {
+        ASSERT_EQ(::unlink(tree.path(f).c_str()), 0);
+        tree.write(f, f[8] == 'o' ? "one" : "two!");
+    }
+    ASSERT_EQ(::chown(tree.path("files/a/two.txt").c_str(), 2001, 2001), 0);
+    for (const bool dry : {true, false}) {
+        std::vector<std::string> args = {"--keep", "oldest",   "--format",
+                                         "json",   "--delete", "--yes"};
+        if (dry) {
+            args.push_back("--dry-run");
+        }
+        const CliOutcome r = run(args);
+        EXPECT_EQ(r.status, 1) << r.err;
+        const std::string done = dry ? "would remove" : "removed";
+        const auto member = [&](const char* f, bool marked, const std::string& outcome) {
+            return "{\"path\":\"" + tree.path(f) + "\",\"marked\":" + (marked ? "true" : "false") +
+                   ",\"outcome\":\"" + outcome + "\"";
+        };
+        EXPECT_EQ(r.out.rfind("{\"dryRun\":" + std::string(dry ? "true" : "false"), 0), 0u);
+        EXPECT_TRUE(says(r.out, "],\"bytesFreed\":6,\"failed\":1,\"groups\":[\n{\"path\":"));
+        EXPECT_TRUE(says(r.out, member("files/a/one.jpg", false, "kept") + "}"));
+        EXPECT_TRUE(says(r.out, member("files/b/one.jpg", true, done) + "}"));
+        EXPECT_TRUE(says(r.out, member("files/c/one.jpg", true, done) + "}"));
+        EXPECT_TRUE(says(r.out, member("files/a/two.txt", false, "kept") + "}"));
+        EXPECT_TRUE(says(r.out, member("files/b/two.txt", true, dry ? "would be left" : "left") +
+                                    ",\"reason\":\"" + tree.path("files/b/two.txt") +
+                                    ": kept copy belongs to another user, not removed\"}"));
+        EXPECT_EQ(filesLeft(), dry ? 5 : 3);
+    }
+}
+
+TEST_F(Acting, LinksWithEveryCopyMarkedLeaveTheGroupsAndSaySo) {
+    for (const bool yes : {false, true}) {
+        std::vector<std::string> args = {"--keep", "none", "--link"};
+        if (yes) {
+            args.push_back("--yes");
+        }
+        const CliOutcome r = run(args);
+        EXPECT_EQ(r.status, 1);
+        EXPECT_EQ(r.out, "freed 0 B (0 bytes) from 0 files\n");
+        EXPECT_TRUE(says(r.err, "twinsweep-cli: note: some groups have every copy marked; with "
+                                "--link they are left as they are\n"));
+        EXPECT_TRUE(says(r.err, "Error:  " + tree.path("files/c/one.jpg") +
+                                    ": every copy of its group is marked, so there is nothing "
+                                    "to link to, left alone\n"));
+        EXPECT_TRUE(says(r.err, "twinsweep-cli: 5 copies were not replaced by a link"));
+        EXPECT_EQ(filesLeft(), 5);
+    }
+}

@@ -86,7 +86,11 @@ void ViewControllerDuplicates::OnClean() {
     groupsModel_->refresh();
     selectGroupRow(0);
     UpdateResults();
-    prompt.ask(CleaningAlert::Done);
+    // With hard links a clean that linked nothing changed nothing: it says so
+    // instead of saying it cleaned.
+    prompt.ask(settingsManager->replaceWithHardLinks && report.removed == 0
+                   ? CleaningAlert::NothingLinked
+                   : CleaningAlert::Done);
     if (settingsManager->duplicateFileList.empty()) {
         close();
     }
