@@ -7,6 +7,8 @@
 #include <functional>
 #include <sys/stat.h>
 
+#include "engine/TextCase.h"
+
 namespace twinsweep::cli {
 
 namespace {
@@ -60,9 +62,7 @@ const std::vector<OptionRule>& optionRules() {
                  if (!ext.empty() && ext.front() == '.') {
                      ext.erase(0, 1);
                  }
-                 std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) {
-                     return static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-                 });
+                 ext = lowerCased(ext);
                  if (!ext.empty()) {
                      o.extensions.push_back(ext);
                  }

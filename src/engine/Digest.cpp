@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "engine/Diagnostics.h"
+#include "engine/WalkedFolders.h"
 
 namespace twinsweep {
 
@@ -110,8 +111,12 @@ Md5 md5Of(const void* data, std::size_t length) {
 
 // Only a regular file is read: a device could stream forever, and a FIFO
 // never ends.
-int openForReading(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+int openForReading(const std::string& path, std::uint32_t folder) {
+    ItemAt at;
+    if (!locateItem(folder, path, at)) {
+        return -1;
+    }
+    const int fd = ::openat(at.dirFd, at.name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (fd < 0) {
         return -1;
     }
@@ -136,13 +141,17 @@ long preadFully(int fd, unsigned char* data, std::size_t length, std::uint64_t o
     });
 }
 
-Md5 streamDigest(const std::string& path) {
-    thread_local std::vector<unsigned char> buffer(kBufferSize);
-    const int fd = openForReading(path);
+Md5 streamDigest(const std::string& path, std::uint32_t folder) {
+    const int fd = openForReading(path, folder);
     if (fd < 0) {
         printErrorLine(kOoops, path, errno);
         return md5Of(nullptr, 0);
     }
+    return streamDigestOf(fd, path);
+}
+
+Md5 streamDigestOf(int fd, const std::string& path) {
+    thread_local std::vector<unsigned char> buffer(kBufferSize);
 #ifdef POSIX_FADV_SEQUENTIAL
     ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
 #endif

@@ -18,12 +18,17 @@ Md5 md5Of(const void* data, std::size_t length);
 
 // MD5 of the whole contents, read through a fixed buffer. A file that can't be
 // read is digested as empty, after its "Ooops! Something went wrong: " line.
-Md5 streamDigest(const std::string& path);
+// folder: the walked folder it was found in (FolderRegistry), so that a path
+// deeper than PATH_MAX is read too; 0 when not known.
+Md5 streamDigest(const std::string& path, std::uint32_t folder = 0);
+// The same for a file already open (openForReading), which it closes; path
+// names it in the message.
+Md5 streamDigestOf(int fd, const std::string& path);
 
 // Opens a regular file for reading, never blocking on a FIFO or a device;
 // anything else fails (EISDIR for a folder, EINVAL otherwise). Returns -1 with
-// errno set on failure.
-int openForReading(const std::string& path);
+// errno set on failure. folder as for streamDigest.
+int openForReading(const std::string& path, std::uint32_t folder = 0);
 
 // Reads up to length bytes, retrying short reads; the count read (less only at
 // the end of the file), or -1 with errno set.

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include "engine/Diagnostics.h"
+#include "engine/TextCase.h"
 
 namespace twinsweep {
 
@@ -58,13 +59,7 @@ std::string extensionOf(const std::string& path) {
     if (dot == std::string::npos || dot < nameStart) {
         return {};
     }
-    std::string ext = path.substr(dot + 1);
-    for (char& c : ext) {
-        if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c - 'A' + 'a');
-        }
-    }
-    return ext;
+    return lowerCased(std::string_view(path).substr(dot + 1));
 }
 
 DuplicateFile::DuplicateFile(std::string p, std::string d, std::int64_t state)

@@ -95,8 +95,11 @@ class FileTools {
 
     // --- Display texts (Formatting.cpp) ---
     static std::string fileSizeText(std::uint64_t bytes);
-    // Absent when the item's attributes can't be read.
-    static std::optional<std::string> fileDateText(const std::string& path, DateKind which);
+    // Absent when the item's attributes can't be read. folder: the walked
+    // folder the item was found in (FolderRegistry), so that a path deeper
+    // than PATH_MAX has a date too; 0 when not known.
+    static std::optional<std::string> fileDateText(const std::string& path, DateKind which,
+                                                   std::uint32_t folder = 0);
 
     // Sets "totalFiles" to the length of fileList and "checkedFiles" to 0, and
     // posts "UpdateProgress".

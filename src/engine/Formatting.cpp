@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include "engine/FileTools.h"
+#include "engine/WalkedFolders.h"
 
 namespace twinsweep {
 
@@ -44,8 +45,10 @@ std::string FileTools::fileSizeText(std::uint64_t bytes) {
 
 namespace {
 
-bool readTimes(const std::string& path, DateKind which, std::int64_t& seconds) {
+bool readTimes(const std::string& path, std::uint32_t folder, DateKind which,
+               std::int64_t& seconds) {
 #if defined(__APPLE__)
+    (void)folder;
     struct stat st {};
     if (::lstat(path.c_str(), &st) != 0) {
         return false;
@@ -55,7 +58,9 @@ bool readTimes(const std::string& path, DateKind which, std::int64_t& seconds) {
 #elif defined(STATX_BTIME)
     struct statx stx {};
     const unsigned mask = which == DateKind::Creation ? (STATX_BTIME | STATX_MTIME) : STATX_MTIME;
-    if (::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, mask, &stx) != 0) {
+    ItemAt at;
+    if (!locateItem(folder, path, at) ||
+        ::statx(at.dirFd, at.name, AT_SYMLINK_NOFOLLOW, mask, &stx) != 0) {
         return false;
     }
     // File systems that keep no birth time give the modification time instead.
@@ -67,7 +72,9 @@ bool readTimes(const std::string& path, DateKind which, std::int64_t& seconds) {
     return true;
 #else
     struct stat st {};
-    if (::lstat(path.c_str(), &st) != 0) {
+    ItemAt at;
+    if (!locateItem(folder, path, at) ||
+        ::fstatat(at.dirFd, at.name, &st, AT_SYMLINK_NOFOLLOW) != 0) {
         return false;
     }
     seconds = st.st_mtim.tv_sec;
@@ -77,9 +84,10 @@ bool readTimes(const std::string& path, DateKind which, std::int64_t& seconds) {
 
 } // namespace
 
-std::optional<std::string> FileTools::fileDateText(const std::string& path, DateKind which) {
+std::optional<std::string> FileTools::fileDateText(const std::string& path, DateKind which,
+                                                   std::uint32_t folder) {
     std::int64_t seconds = 0;
-    if (!readTimes(path, which, seconds)) {
+    if (!readTimes(path, folder, which, seconds)) {
         return std::nullopt;
     }
     const auto t = static_cast<std::time_t>(seconds);

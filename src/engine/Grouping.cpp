@@ -93,7 +93,19 @@ std::string FileTools::digestText(File& file) const {
     static std::mutex lock;
     std::lock_guard guard(lock);
     if (file.MD5Hash.empty() && !file.duplicates.empty() && byContent(file.size)) {
-        file.MD5Hash = base64Text(contentDigest(file.path));
+        // Every member has the group's bytes, and the head's own entry (first
+        // while it is there) may have been cleaned since: the first member
+        // that can still be read gives the digest.
+        for (const DuplicateFilePtr& m : file.duplicates) {
+            const int fd = openForReading(m->path, m->folder);
+            if (fd >= 0) {
+                file.MD5Hash = base64Text(streamDigestOf(fd, m->path));
+                break;
+            }
+        }
+        if (file.MD5Hash.empty()) {
+            file.MD5Hash = base64Text(streamDigest(file.path, file.folder));
+        }
     }
     return file.MD5Hash.str();
 }

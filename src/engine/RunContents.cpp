@@ -146,7 +146,9 @@ class RunComparer final : public RunFiles {
         ++nextSet_;
     }
 
-    const std::string& pathOf(std::size_t k) const override { return file(k).path; }
+    int openFile(std::size_t k) const override {
+        return openForReading(file(k).path, file(k).folder);
+    }
 
     void unreadable(std::size_t k) override {
         printErrorLine(kOoops, file(k).path, errno);
@@ -155,7 +157,7 @@ class RunComparer final : public RunFiles {
 
     // Member k opened for reading, or -1 with it set aside as unreadable.
     int openMember(std::size_t k) {
-        const int fd = openForReading(file(k).path);
+        const int fd = openFile(k);
         if (fd < 0) {
             unreadable(k);
         }

@@ -43,7 +43,8 @@ bool runSearchJob(SettingsManager& settings, FileTools& tools) {
             continue;
         }
         auto own = std::make_shared<DuplicateFile>(
-            file->path, FileTools::fileDateText(file->path, DateKind::Creation).value_or(""), 0);
+            file->path,
+            FileTools::fileDateText(file->path, DateKind::Creation, file->folder).value_or(""), 0);
         own->seen = file->seen;
         own->folder = file->folder;
         file->duplicates.insert(file->duplicates.begin(), std::move(own));

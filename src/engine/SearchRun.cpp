@@ -59,7 +59,7 @@ bool FileTools::byContent(std::uint64_t size) const {
 DuplicateFilePtr FileTools::memberFor(const File& file) const {
     // A file that vanished since the walk has no date to show: the empty text.
     auto member = std::make_shared<DuplicateFile>(
-        file.path, fileDateText(file.path, DateKind::Creation).value_or(""), 0);
+        file.path, fileDateText(file.path, DateKind::Creation, file.folder).value_or(""), 0);
     member->seen = file.seen;
     member->folder = file.folder;
     return member;
@@ -165,7 +165,7 @@ bool FileTools::compareFiles() {
     // The plain loop counts each file's bytes once it is digested.
     auto digest = [&](File& f) {
         if (f.MD5Hash.empty()) {
-            f.MD5Hash = base64Text(contentDigest(f.path));
+            f.MD5Hash = base64Text(streamDigest(f.path, f.folder));
             progress.add(f.size);
         }
     };

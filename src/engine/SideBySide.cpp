@@ -46,7 +46,7 @@ bool compareSideBySide(const std::vector<std::size_t>& ks, std::uint64_t offset,
                        std::vector<std::vector<std::size_t>>& sets) {
     std::vector<Open> open;
     for (std::size_t k : ks) {
-        const int fd = openForReading(run.pathOf(k));
+        const int fd = run.openFile(k);
         if (fd < 0) {
             run.unreadable(k);
             continue;

@@ -20,7 +20,8 @@ inline constexpr std::size_t kMaxSideBySide = 16;
 // files are named by their number k in the run.
 class RunFiles {
   public:
-    virtual const std::string& pathOf(std::size_t k) const = 0;
+    // File k opened for reading (openForReading), or -1 with errno set.
+    virtual int openFile(std::size_t k) const = 0;
     // File k can't be read (errno tells why): its contents count as empty.
     virtual void unreadable(std::size_t k) = 0;
     // Bytes were read (nothing when bytes is not positive).

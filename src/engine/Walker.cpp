@@ -123,7 +123,8 @@ class FileTools::Walk {
             if (!state_.folders.insert({node->device, node->inode}).second) {
                 continue; // walked already under another path
             }
-            top.identity.push_back(FolderRegistry::remember(node->device, node->inode));
+            top.identity.push_back(
+                FolderRegistry::remember(node->device, node->inode, false, 0, folders[k]));
             top.dirs.push_back(std::move(node));
             top.paths.push_back(folders[k]);
             top.fds.push_back(std::move(fd));
@@ -285,8 +286,13 @@ class FileTools::Walk {
             }
         }
         if (node->error != 0) {
-            // Listed by its parent, gone or locked now: it contributes nothing.
-            printErrorLine(kOoops, path_, node->error);
+            // Listed by its parent, but it can't be listed now: it contributes
+            // nothing. Only a folder that still exists says so; one that
+            // fails the existence test (gone, or its parent can be listed but
+            // not searched) is skipped silently.
+            if (exists(e.name)) {
+                printErrorLine(kOoops, path_, node->error);
+            }
             tools_.postWalkProgress();
             return;
         }
@@ -299,11 +305,20 @@ class FileTools::Walk {
         }
         Frame child;
         child.foreign = foreign;
-        child.identity.push_back(FolderRegistry::remember(node->device, node->inode, foreign));
+        const Frame& parent = frames_.back();
+        child.identity.push_back(FolderRegistry::remember(node->device, node->inode, foreign,
+                                                          parent.identity[parent.dir], e.name));
         chain_.push(std::move(fd), e.name, node->device, node->inode);
         child.dirs.push_back(std::move(node));
         child.pathLen = path_.size();
         frames_.push_back(std::move(child));
+    }
+
+    // The existence test: the entry's target can be read (links followed).
+    bool exists(const std::string& name) {
+        const int dirFd = chain_.fd();
+        struct stat st {};
+        return dirFd != -1 && ::fstatat(dirFd, name.c_str(), &st, 0) == 0;
     }
 
     // A package is one item; if its folder was taken or walked already under
@@ -313,7 +328,10 @@ class FileTools::Walk {
         // A package that is a link: its contents are reached through it.
         if (e.type == DT_LNK && !foreign && !trust_.trustedEntry(dirFd, e.name)) {
             const FolderIdentity at = FolderRegistry::at(identity);
-            identity = FolderRegistry::remember(at.device, at.inode, true);
+            FolderRegistry::Place place;
+            FolderRegistry::placeOf(identity, place);
+            identity = FolderRegistry::remember(at.device, at.inode, true, place.parent,
+                                                std::move(place.name));
         }
         struct stat target {};
         if (folder && (::fstatat(dirFd, e.name.c_str(), &target, 0) != 0 ||
@@ -340,15 +358,9 @@ class FileTools::Walk {
             readEntryAttrs(chain_.fd(), e, true);
         }
         if (e.attrs.error != 0) {
-            // Listed, but its attributes can't be read now (gone since, or a
-            // folder that can be listed but not searched): a record says so
-            // and has size 0, which the size range then judges.
-            printErrorLine("Error: ", path_, e.attrs.error);
-            if (minimum_ == 0) {
-                auto file = std::make_shared<File>(path_, FileIdentity{}, File::Seen{});
-                file->folder = identity;
-                tools_.fileList.push_back(std::move(file));
-            }
+            // Listed, but it does not exist for a stat now (gone since, or in
+            // a folder that can be listed but not searched): it fails the
+            // existence test and is skipped silently.
             return;
         }
         if (!S_ISREG(e.attrs.mode)) {

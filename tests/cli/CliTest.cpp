@@ -122,6 +122,9 @@ TEST(CliOptions, FoldersBecomeAbsoluteAndOptionsTakeBothForms) {
     ASSERT_FALSE(r.error) << *r.error;
     EXPECT_EQ(r.options.minimumSize, 2048U);
     EXPECT_EQ(r.options.extensions, (std::vector<std::string>{"jpg", "png"}));
+    // Every letter is lower-cased, not only ASCII ones.
+    EXPECT_EQ(parseOptions({"--ext", "ÉPS,Ωx", "/tmp"}, "/").options.extensions,
+              (std::vector<std::string>{"éps", "ωx"}));
     EXPECT_EQ(r.options.format, OutputFormat::Json);
     EXPECT_EQ(r.options.locations, Locations::Anywhere);
     EXPECT_FALSE(r.options.ignorePackages);

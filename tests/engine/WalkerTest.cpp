@@ -7,8 +7,10 @@
 #include <thread>
 #include <unistd.h>
 
+#include "SearchSupport.h"
 #include "engine/FileTools.h"
 #include "engine/FolderRegistry.h"
+#include "engine/TextCase.h"
 #include "settings/SettingsManager.h"
 #include "support/TempTree.h"
 
@@ -80,6 +82,19 @@ TEST_F(Walker, OrderIsByNameDepthFirstFolderByFolderWithoutHiddenNamesOrBrokenLi
                      "Users/b/m.txt", "Users/b/z.txt"}));
 }
 
+TEST_F(Walker, ExtensionsAreLowerCasedLetterByLetterInAnyScript) {
+    tree.write("Users/b/x.ÉPS", "1");
+    tree.write("Users/b/y.éps", "2");
+    tree.write("Users/b/z.EPS", "3");
+    tree.write("Users/b/w.\xC9PS", "4"); // not UTF-8: only ASCII letters change
+    EXPECT_EQ(walk({tree.path("Users")}, true, {lowerCased("ÉPS")}),
+              (Paths{"Users/b/x.ÉPS", "Users/b/y.éps"}));
+    EXPECT_EQ(tools->fileList[0]->ext, "éps");
+    EXPECT_EQ(walk({tree.path("Users")}, true, {"eps"}), (Paths{"Users/b/z.EPS"}));
+    EXPECT_EQ(extensionOf("/a/w.\xC9PS"), "\xC9ps");
+    EXPECT_EQ(extensionOf("/a/Ü.ΣΑΒ"), "σαβ");
+}
+
 TEST_F(Walker, PackagesAreSkippedOrTakenWholeWithHiddenContentsCounted) {
     tree.write("Users/b/Mail.app/Contents/Info.plist", std::string(100, 'i'));
     tree.write("Users/b/Mail.app/Contents/.hidden", std::string(20, 'h'));
@@ -133,7 +148,7 @@ TEST_F(Walker, CancellingFromAnotherThreadStopsEveryLevelAndKeepsWhatWasFound) {
     EXPECT_EQ(tools->packageSize(tree.path("Users/b")), 0u);
 }
 
-TEST_F(Walker, EntriesGoneAfterTheListingAreReported) {
+TEST_F(Walker, EntriesThatFailTheExistenceTestAreSkippedSilently) {
     tree.write("Users/b/a.txt", "a");
     tree.write("Users/b/gone.txt", "g");
     tree.write("Users/b/sub/x.txt", "x");
@@ -149,14 +164,46 @@ TEST_F(Walker, EntriesGoneAfterTheListingAreReported) {
     });
     StdoutCapture out;
     tools->scanFolders({tree.path("Users")}, true, {}, 0, UINT64_MAX);
-    EXPECT_EQ(lines(out.finish()),
-              (Paths{"Error: " + tree.path("Users/b/gone.txt") + ": No such file or directory",
-                     "Ooops! Something went wrong: " + tree.path("Users/b/sub") +
-                         ": No such file or directory"}));
-    // The file that could not be read is a record of size 0, for the size range to judge.
-    EXPECT_EQ(found(), (Paths{"Users/b/a.txt", "Users/b/gone.txt", "Users/b/z.txt"}));
-    EXPECT_EQ(tools->fileList[1]->size, 0u);
-    EXPECT_FALSE(tools->fileList[1]->seen.known);
+    EXPECT_EQ(lines(out.finish()), Paths{});
+    EXPECT_EQ(found(), (Paths{"Users/b/a.txt", "Users/b/z.txt"}));
+}
+
+TEST_F(Walker, AFolderThatCanBeListedButNotSearchedGivesNothingAndSaysNothing) {
+    for (const char* name : {"Users/c/locked/a.txt", "Users/c/locked/b.txt", "Users/c/open/e1.txt",
+                             "Users/c/open/e2.txt"}) {
+        tree.write(name, "");
+    }
+    tree.write("Users/c/locked/sub/s.txt", "12");
+    tree.write("Users/c/open/p.txt", "12");
+    tree.write("Users/c/open/q.txt", "12");
+    tree.write("Users/c/unlisted/u.txt", "12");
+    tree.openToEveryone();
+    ASSERT_EQ(::chmod(tree.path("Users/c/locked").c_str(), 0444), 0);
+    ASSERT_EQ(::chmod(tree.path("Users/c/unlisted").c_str(), 0111), 0);
+    StdoutCapture out;
+    // As root every folder could be searched; with --min-size 0.
+    const int status = runUnprivileged([&] {
+        for (unsigned threads : {0U, 3U}) {
+            FileTools t;
+            prepare(t, 1);
+            t.walkThreads = threads;
+            t.walkAheadAfter = std::chrono::nanoseconds(0);
+            for (const std::string& line :
+                 groupLines(search(t, {tree.path("Users")}), tree.root())) {
+                std::printf("%s\n", line.c_str());
+            }
+        }
+        return 0;
+    });
+    EXPECT_EQ(status, 0);
+    // Only the folder that can't be listed at all says so.
+    const std::string unlisted =
+        "Ooops! Something went wrong: " + tree.path("Users/c/unlisted") + ": Permission denied";
+    const Paths once{unlisted, "Users/c/open/q.txt Users/c/open/p.txt",
+                     "Users/c/open/e1.txt Users/c/open/e2.txt"};
+    Paths twice = once;
+    twice.insert(twice.end(), once.begin(), once.end());
+    EXPECT_EQ(lines(out.finish()), twice);
 }
 
 TEST_F(Walker, ListingAheadOnThreadsChangesNothingTheWalkShows) {

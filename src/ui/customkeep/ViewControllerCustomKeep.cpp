@@ -11,6 +11,7 @@
 #include <cmath>
 #include <sys/stat.h>
 
+#include "engine/TextCase.h"
 #include "ui/customkeep/SizeField.h"
 #include "ui/customkeep/Stepper.h"
 #include "ui/shell/Alert.h"
@@ -211,7 +212,7 @@ void ViewControllerCustomKeep::OnStepperSecondFileSizeChanged() {
 
 void ViewControllerCustomKeep::OncustomFileTypesAddFileExtension() {
     const QString typed = textFieldExtension->text();
-    const std::string extension = typed.toLower().toStdString();
+    const std::string extension = lowerCased(typed.toStdString());
     if (!typed.isEmpty() && std::find(extensionsList.begin(), extensionsList.end(), extension) ==
                                 extensionsList.end()) {
         extensionsList.push_back(extension);

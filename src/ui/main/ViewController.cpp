@@ -16,6 +16,7 @@
 
 #include "engine/FileTools.h"
 #include "engine/LocationGate.h"
+#include "engine/TextCase.h"
 #include "settings/SettingsManager.h"
 #include "ui/main/FolderModel.h"
 #include "ui/main/FolderTableView.h"
@@ -150,7 +151,7 @@ void ViewController::OnCustomFileTypesSelected() {
 void ViewController::OncustomFileTypesAddFileExtension() {
     // Stored as typed, only lower-cased: a leading dot or blanks are the
     // user's to see in the list and remove.
-    const std::string typed = textFieldCustomFileTypesExtension->text().toLower().toStdString();
+    const std::string typed = lowerCased(textFieldCustomFileTypesExtension->text().toStdString());
     auto& list = settingsManager->listFileExtensions;
     if (!typed.empty() && std::find(list.begin(), list.end(), typed) == list.end()) {
         list.push_back(typed);
