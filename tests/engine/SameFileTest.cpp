@@ -15,24 +15,13 @@
 using namespace twinsweep;
 using namespace twinsweep::testing;
 
-namespace {
-
-bool privateMounts() {
-    static const bool ok = ::geteuid() == 0 && ::unshare(CLONE_NEWNS) == 0 &&
-                           ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-    return ok;
-}
-
-} // namespace
-
 TEST(SameFileTest, AFileCopiedUpIntoTheUpperLayerIsListedWithTheLowerOne) {
     if (!privateMounts()) {
         GTEST_SKIP() << "no mount namespace here (needs root and unshare)";
     }
     TempTree tree;
-    ASSERT_EQ(::mount("tmpfs", tree.root().c_str(), "tmpfs", 0, nullptr), 0);
-    const std::shared_ptr<void> unmount(nullptr,
-                                        [&](void*) { ::umount2(tree.root().c_str(), MNT_DETACH); });
+    const std::shared_ptr<void> unmount = mountTmpfs(tree.root());
+    ASSERT_TRUE(unmount);
     for (const char* d : {"upper", "work", "view"}) {
         tree.mkdir(d);
     }

@@ -61,23 +61,6 @@ Snapshot snapshot(const std::string& root) {
     return ::testing::AssertionFailure() << problems;
 }
 
-bool privateMounts() {
-    static const bool ok = ::geteuid() == 0 && ::unshare(CLONE_NEWNS) == 0 &&
-                           ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-    return ok;
-}
-
-std::shared_ptr<void> mountTmpfs(const std::string& folder) {
-    if (::mount("tmpfs", folder.c_str(), "tmpfs", 0, nullptr) != 0) {
-        return nullptr;
-    }
-    return std::shared_ptr<void>(new std::string(folder), [](void* p) {
-        const auto* at = static_cast<std::string*>(p);
-        ::umount2(at->c_str(), MNT_DETACH);
-        delete at;
-    });
-}
-
 std::string fileEntry(const std::string& bytes, const std::string& path) {
     struct stat st {};
     ::lstat(path.c_str(), &st);

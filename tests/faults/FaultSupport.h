@@ -30,12 +30,6 @@ std::string fileEntry(const std::string& bytes, const std::string& path);
 ::testing::AssertionResult nothingLost(const Snapshot& before, const Snapshot& after,
                                        const std::set<std::string>& gone = {});
 
-// A mount namespace of this process's own, so tests may mount; false: skip.
-bool privateMounts();
-
-// Mounts an empty tmpfs at folder (in the private mount namespace); the
-// returned guard detaches it. Null when the mount failed.
-std::shared_ptr<void> mountTmpfs(const std::string& folder);
 // Paths under root, relative to it.
 std::string rel(const std::string& root, const std::string& path);
 std::set<std::string> relSet(const std::string& root, const std::vector<std::string>& paths);

@@ -5,8 +5,10 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <sched.h>
 #include <sstream>
 #include <stdexcept>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -157,6 +159,23 @@ std::string slurp(const std::string& path) {
     std::stringstream ss;
     ss << in.rdbuf();
     return ss.str();
+}
+
+bool privateMounts() {
+    static const bool ok = ::geteuid() == 0 && ::unshare(CLONE_NEWNS) == 0 &&
+                           ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+    return ok;
+}
+
+std::shared_ptr<void> mountTmpfs(const std::string& folder) {
+    if (::mount("tmpfs", folder.c_str(), "tmpfs", 0, nullptr) != 0) {
+        return nullptr;
+    }
+    return std::shared_ptr<void>(new std::string(folder), [](void* p) {
+        const auto* at = static_cast<std::string*>(p);
+        ::umount2(at->c_str(), MNT_DETACH);
+        delete at;
+    });
 }
 
 } // namespace twinsweep::testing

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -60,5 +61,12 @@ std::string slurp(const std::string& path);
 // The tree must be reachable by that user (TempTree::openToEveryone).
 // Returns body's result, or -1 if the child failed.
 int runUnprivileged(const std::function<int()>& body);
+
+// A mount namespace of this process's own, so tests may mount; false: skip.
+bool privateMounts();
+
+// Mounts an empty tmpfs at folder (in the private mount namespace); the
+// returned guard detaches it. Null when the mount failed.
+std::shared_ptr<void> mountTmpfs(const std::string& folder);
 
 } // namespace twinsweep::testing
