@@ -272,10 +272,22 @@ class DuplicatesWindowTest : public QObject {
             typeKey(table, Qt::Key_Tab);
             QVERIFY(!table->hasFocus());
         }
-        members->clearSelection();
+        members->setCurrentIndex({});
         w.buttonReveal->click(); // no member selected: nothing to show
         QVERIFY(opened_.isEmpty());
-        members->selectRow(2);
+        // The member the commands act on looks like any other (the boxes
+        // tell the marks); ticking its box, by a click, makes it that member.
+        w.tableViewFiles->setFocus();
+        const QImage plain = members->viewport()->grab().toImage();
+        for (int row : {1, 2}) {
+            members->selectRow(row);
+            members->setCurrentIndex(members->model()->index(row, 1));
+            QCOMPARE(members->viewport()->grab().toImage(), plain);
+        }
+        members->setCurrentIndex({});
+        const QRect box = members->visualRect(members->model()->index(2, 0));
+        QTest::mouseClick(members->viewport(), Qt::LeftButton, {}, box.center());
+        QCOMPARE(marksOf(r.photos), (Marks{0, 1, 1}));
         w.buttonReveal->click();
         QDesktopServices::unsetUrlHandler(u"file"_s);
         const std::string path = r.photos->duplicates[2]->path;
@@ -286,6 +298,10 @@ class DuplicatesWindowTest : public QObject {
         typeKey(members, Qt::Key_I, Qt::ControlModifier);
         QVERIFY(r.answers.allAnswered());
         QCOMPARE(SettingsManager::shared()->currentSelectedFilePath, path);
+        r.tick(0); // a tick however it comes
+        r.answers.then("twinsweep::ui::ViewControllerInfo", [](QWidget* info) { info->close(); });
+        w.buttonInfo->click();
+        QCOMPARE(SettingsManager::shared()->currentSelectedFilePath, r.photos->duplicates[0]->path);
         // The keep options and apply-to-all from the keyboard.
         typeKey(w.tableViewFiles, Qt::Key_3, Qt::ControlModifier);
         QVERIFY(settled(w));
