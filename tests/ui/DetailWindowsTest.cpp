@@ -1,5 +1,6 @@
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
@@ -99,6 +100,29 @@ class DetailWindowsTest : public QObject {
         const QString invalid = QStringLiteral(
             "The custom file path you entered is not valid. Please enter a valid path.");
         QCOMPARE(answers.said, (QStringList{invalid, invalid}));
+        // Browse confirms with the window's own words; a folder typed there
+        // that is not present comes back for OK to judge, with no box of the
+        // toolkit's in between.
+        QString prompt;
+        ToolkitBoxes toolkit;
+        answers.then("QFileDialog", [&](QWidget* modal) {
+            auto* panel = qobject_cast<QFileDialog*>(modal);
+            prompt = panel->labelText(QFileDialog::Accept);
+            auto* edit = panel->findChild<QLineEdit*>(u"fileNameEdit"_s);
+            edit->setText(QString::fromStdString(tree.path("gone")));
+            QTimer::singleShot(0, panel, [edit, panel] {
+                QTest::keyClick(edit, Qt::Key_Return);
+                if (panel->isVisible()) {
+                    panel->reject();
+                }
+            });
+        });
+        w.findChild<QPushButton*>(u"buttonBrowse"_s)->click();
+        QVERIFY(answers.allAnswered());
+        QCOMPARE(toolkit.texts, QStringList());
+        QCOMPARE(prompt, u"Select File Path"_s);
+        QCOMPARE(w.textFieldCustomFilePath->text(), QString::fromStdString(tree.path("gone")));
+        QCOMPARE(answers.said.size(), 2);
         // The settings see the window's changes only through OK.
         QCOMPARE(SettingsManager::shared()->customFileExtensions, std::vector<std::string>{"jpg"});
         QCOMPARE(SettingsManager::shared()->customFilePathState, std::int64_t{0});
@@ -109,7 +133,7 @@ class DetailWindowsTest : public QObject {
         w.buttonOk->click();
         QVERIFY(!w.isVisible());
         const auto s = SettingsManager::shared();
-        QCOMPARE(s->customFilePath, tree.path("missing"));
+        QCOMPARE(s->customFilePath, tree.path("gone"));
         QCOMPARE(s->customFileExtensions, std::vector<std::string>{"mp3"});
         QCOMPARE(s->secondFileSize, std::int64_t{7});
         QCOMPARE(s->secondFileSizeUnit, std::int64_t{2});

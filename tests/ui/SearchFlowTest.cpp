@@ -172,8 +172,8 @@ void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
             estimated = estimated || line.endsWith(QStringLiteral(" left"));
             const QString percent = progress->textFieldPercents->text();
             const QProgressBar* indicator = progress->progressIndicator;
-            const QString bar = QString::asprintf(
-                "%.1f%%", indicator->value() * 100.0 / indicator->maximum());
+            const QString bar =
+                QString::asprintf("%.1f%%", indicator->value() * 100.0 / indicator->maximum());
             if (percents.isEmpty() || percents.back() != percent || barAt.back() != bar) {
                 percents.push_back(percent);
                 barAt.push_back(bar);
@@ -200,7 +200,8 @@ void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     percents.removeDuplicates();
     QVERIFY2(percents.size() >= 2, qPrintable(percents.join(QLatin1Char('|'))));
     for (const QString& percent : percents) {
-        QVERIFY2(QStringList({"0.0%", "16.7%", "33.3%", "50.0%", "66.7%", "83.3%", "100.0%"}).contains(percent),
+        QVERIFY2(QStringList({"0.0%", "16.7%", "33.3%", "50.0%", "66.7%", "83.3%", "100.0%"})
+                     .contains(percent),
                  qPrintable(percent));
     }
     if (!held) {

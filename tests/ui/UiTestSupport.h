@@ -119,6 +119,26 @@ class ModalAnswers : public QObject {
     QPointer<QWidget> last_;
 };
 
+// Answers message boxes without informative text, the toolkit's own (every
+// alert of ours has one), keeping their texts.
+class ToolkitBoxes : public QObject {
+  public:
+    ToolkitBoxes() {
+        connect(&timer_, &QTimer::timeout, this, [this] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (box != nullptr && box->isVisible() && box->informativeText().isEmpty()) {
+                texts << box->text();
+                box->buttons().front()->click();
+            }
+        });
+        timer_.start(5);
+    }
+    QStringList texts;
+
+  private:
+    QTimer timer_;
+};
+
 // Lets the event loop run until done() holds or the time runs out.
 inline bool waitUntil(const std::function<bool()>& done, int timeoutMs = 20000) {
     QElapsedTimer clock;
