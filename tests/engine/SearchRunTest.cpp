@@ -2,6 +2,7 @@
 
 #include "SearchSupport.h"
 #include "engine/SearchJob.h"
+#include "support/FileDates.h"
 #include "support/TempTree.h"
 
 using namespace twinsweep;
@@ -108,7 +109,8 @@ TEST(SearchRun, SearchJobPutsEachHeadsOwnEntryFirst) {
     ASSERT_EQ(head->duplicates.size(), 2U);
     EXPECT_EQ(head->duplicates[0]->path, head->path);
     EXPECT_EQ(head->duplicates[0]->seen, identityOf(head->path));
-    EXPECT_EQ(head->duplicates[0]->date.size(), 17U);
+    EXPECT_EQ(head->duplicates[0]->date, creationDateOf(head->path));
+    EXPECT_EQ(head->duplicates[1]->date, creationDateOf(head->duplicates[1]->path));
     EXPECT_NE(head->duplicates[1]->path, head->path);
     settings.duplicateFileList.clear();
 }

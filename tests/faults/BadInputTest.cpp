@@ -125,7 +125,9 @@ TEST(Faults, AHostileTreeIsWalkedOnceWithoutBlockingAndWhatCantBeReadIsReported)
               0);
     ASSERT_EQ(::mkfifo(tree.path(home + "/fifo").c_str(), 0644), 0);
     // Like /dev/zero, which never ends when read; only root may make one.
-    ::mknod(tree.path(home + "/zero").c_str(), S_IFCHR | 0666, makedev(1, 5));
+    const bool device =
+        ::mknod(tree.path(home + "/zero").c_str(), S_IFCHR | 0666, makedev(1, 5)) == 0;
+    ASSERT_TRUE(device || ::geteuid() != 0) << "mknod failed as root";
     tree.openToEveryone();
     ::chmod(tree.path(home + "/locked").c_str(), 0);
     ::chmod(tree.path(home + "/u\nu").c_str(), 0);
@@ -145,4 +147,7 @@ TEST(Faults, AHostileTreeIsWalkedOnceWithoutBlockingAndWhatCantBeReadIsReported)
     EXPECT_EQ(lines(r.err), (std::vector<std::string>{ooops + "/locked: Permission denied",
                                                       ooops + "/u\\nu: Permission denied"}));
     EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
+    if (!device) {
+        GTEST_SKIP() << "not root: no device node could be made, so none was walked past";
+    }
 }

@@ -1,5 +1,6 @@
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
@@ -53,13 +54,7 @@ class DetailWindowsTest : public QObject {
         } cases[] = {{"abc", "200", "100"}, {"-5", "0", "0"},      {"250000", "100000", "100000"},
                      {" 12", "200", "100"}, {"inf", "200", "100"}, {"12.5", "12.5", "12.5"},
                      {"", "200", "100"}};
-        // Numbers read the same whatever locale the environment asks for.
-        for (const char* locale : {"C", "de_DE.UTF-8"}) {
-            const ScopedLocale numbers(locale);
-            if (!numbers.ok) {
-                qWarning("locale %s is not installed; its case is skipped", locale);
-                continue;
-            }
+        const auto checkSizes = [&] {
             for (const auto& c : cases) {
                 typeSize(w.textFieldFirstFileSize, c.typed);
                 typeSize(w.textFieldSecondFileSize, c.typed);
@@ -67,6 +62,10 @@ class DetailWindowsTest : public QObject {
                 QCOMPARE(w.textFieldSecondFileSize->text(), c.second);
                 QCOMPARE(w.stepperFirstFileSize->value(), c.first.toDouble());
             }
+        };
+        {
+            const ScopedLocale plain("C");
+            checkSizes();
         }
         typeSize(w.textFieldFirstFileSize, u"41"_s);
         w.stepperFirstFileSize->stepBy(1);
@@ -99,6 +98,29 @@ class DetailWindowsTest : public QObject {
         const QString invalid = QStringLiteral(
             "The custom file path you entered is not valid. Please enter a valid path.");
         QCOMPARE(answers.said, (QStringList{invalid, invalid}));
+        // Browse confirms with the window's own words; a folder typed there
+        // that is not present comes back for OK to judge, with no box of the
+        // toolkit's in between.
+        QString prompt;
+        ToolkitBoxes toolkit;
+        answers.then("QFileDialog", [&](QWidget* modal) {
+            auto* panel = qobject_cast<QFileDialog*>(modal);
+            prompt = panel->labelText(QFileDialog::Accept);
+            auto* edit = panel->findChild<QLineEdit*>(u"fileNameEdit"_s);
+            edit->setText(QString::fromStdString(tree.path("gone")));
+            QTimer::singleShot(0, panel, [edit, panel] {
+                QTest::keyClick(edit, Qt::Key_Return);
+                if (panel->isVisible()) {
+                    panel->reject();
+                }
+            });
+        });
+        w.findChild<QPushButton*>(u"buttonBrowse"_s)->click();
+        QVERIFY(answers.allAnswered());
+        QCOMPARE(toolkit.texts, QStringList());
+        QCOMPARE(prompt, u"Select File Path"_s);
+        QCOMPARE(w.textFieldCustomFilePath->text(), QString::fromStdString(tree.path("gone")));
+        QCOMPARE(answers.said.size(), 2);
         // The settings see the window's changes only through OK.
         QCOMPARE(SettingsManager::shared()->customFileExtensions, std::vector<std::string>{"jpg"});
         QCOMPARE(SettingsManager::shared()->customFilePathState, std::int64_t{0});
@@ -109,10 +131,18 @@ class DetailWindowsTest : public QObject {
         w.buttonOk->click();
         QVERIFY(!w.isVisible());
         const auto s = SettingsManager::shared();
-        QCOMPARE(s->customFilePath, tree.path("missing"));
+        QCOMPARE(s->customFilePath, tree.path("gone"));
         QCOMPARE(s->customFileExtensions, std::vector<std::string>{"mp3"});
         QCOMPARE(s->secondFileSize, std::int64_t{7});
         QCOMPARE(s->secondFileSizeUnit, std::int64_t{2});
+
+        // Numbers read the same whatever locale the environment asks for
+        // (a German one writes "12,5").
+        const ScopedLocale german("de_DE.UTF-8");
+        if (!german.ok) {
+            QSKIP("locale de_DE.UTF-8 is not installed: sizes were not read under it");
+        }
+        checkSizes();
     }
 
     void resetThenClosingLeavesTheDefaults() {

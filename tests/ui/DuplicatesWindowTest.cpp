@@ -7,7 +7,6 @@
 #include <QPushButton>
 
 #include "UiTestSupport.h"
-#include "selection/Cleaning.h"
 #include "selection/CustomMarking.h"
 #include "ui/customkeep/ViewControllerCustomKeep.h"
 
@@ -18,9 +17,14 @@ using Marks = std::vector<std::int64_t>;
 
 namespace {
 
-QString text(CleaningAlert a) {
-    return QString::fromStdString(alertText(a).informativeText);
-}
+// The cleaning's messages, word for word.
+const QString kNothingMarked = u"You did not select any duplicate files. Please select at least "
+                               u"one duplicate file and try again."_s;
+const QString kWholeGroups = u"Some files have been selected to be removed completely. Are you "
+                             u"sure you want to continue?"_s;
+const QString kPermanentDeletion =
+    u"You are about to permanently remove the selected duplicate files. Continue?"_s;
+const QString kDone = u"Duplicate files cleaned successfully. "_s;
 
 } // namespace
 
@@ -178,7 +182,7 @@ class DuplicatesWindowTest : public QObject {
         QVERIFY(r.answers.allAnswered());
         QCOMPARE(storedRules, 1);
         QCOMPARE(r.answers.said,
-                 QStringList{QString::fromStdString(keepOneCopyQuestion().informativeText)});
+                 QStringList{u"Do you want to keep at least one copy of each duplicate file?"_s});
         QCOMPARE(marksOf(r.photos), (Marks{1, 0, 1}));
         QCOMPARE(marksOf(r.songs), (Marks{0, 0}));
     }
@@ -193,13 +197,13 @@ class DuplicatesWindowTest : public QObject {
         w.categoryChecks[0]->click();
         QVERIFY(settled(w));
         r.clean({"OK"});
-        QCOMPARE(r.answers.said, QStringList(2, text(CleaningAlert::NothingMarked)));
+        QCOMPARE(r.answers.said, QStringList(2, kNothingMarked));
         w.categoryChecks[0]->click();
         QVERIFY(settled(w));
         // One copy to the Trash: no question, then the done message.
         std::vector<std::string> gone{r.photos->duplicates[1]->path};
         r.clean({"OK"});
-        QCOMPARE(r.answers.said.back(), text(CleaningAlert::Done));
+        QCOMPARE(r.answers.said.back(), kDone);
         QVERIFY(settled(w));
         QCOMPARE(snapshot(r.tree.root()), without(r.before, gone));
         QVERIFY(std::filesystem::exists(qgetenv("XDG_DATA_HOME").toStdString() +
@@ -216,13 +220,12 @@ class DuplicatesWindowTest : public QObject {
         const Snapshot trashed = snapshot(r.tree.root());
         r.answers.said.clear();
         r.clean({"Yes", "No"});
-        QCOMPARE(r.answers.said, (QStringList{text(CleaningAlert::WholeGroups),
-                                              text(CleaningAlert::PermanentDeletion)}));
+        QCOMPARE(r.answers.said, (QStringList{kWholeGroups, kPermanentDeletion}));
         QCOMPARE(snapshot(r.tree.root()), trashed);
         gone.insert(gone.end(), {r.docs->duplicates[1]->path, r.songs->duplicates[0]->path,
                                  r.songs->duplicates[1]->path});
         r.clean({"Yes", "Yes", "OK"});
-        QCOMPARE(r.answers.said.back(), text(CleaningAlert::Done));
+        QCOMPARE(r.answers.said.back(), kDone);
         QVERIFY(settled(w));
         QCOMPARE(snapshot(r.tree.root()), without(r.before, gone));
         // Groups left with one copy or none are gone; the rest is listed anew.
@@ -272,10 +275,22 @@ class DuplicatesWindowTest : public QObject {
             typeKey(table, Qt::Key_Tab);
             QVERIFY(!table->hasFocus());
         }
-        members->clearSelection();
+        members->setCurrentIndex({});
         w.buttonReveal->click(); // no member selected: nothing to show
         QVERIFY(opened_.isEmpty());
-        members->selectRow(2);
+        // The member the commands act on looks like any other (the boxes
+        // tell the marks); ticking its box, by a click, makes it that member.
+        w.tableViewFiles->setFocus();
+        const QImage plain = members->viewport()->grab().toImage();
+        for (int row : {1, 2}) {
+            members->selectRow(row);
+            members->setCurrentIndex(members->model()->index(row, 1));
+            QCOMPARE(members->viewport()->grab().toImage(), plain);
+        }
+        members->setCurrentIndex({});
+        const QRect box = members->visualRect(members->model()->index(2, 0));
+        QTest::mouseClick(members->viewport(), Qt::LeftButton, {}, box.center());
+        QCOMPARE(marksOf(r.photos), (Marks{0, 1, 1}));
         w.buttonReveal->click();
         QDesktopServices::unsetUrlHandler(u"file"_s);
         const std::string path = r.photos->duplicates[2]->path;
@@ -286,6 +301,10 @@ class DuplicatesWindowTest : public QObject {
         typeKey(members, Qt::Key_I, Qt::ControlModifier);
         QVERIFY(r.answers.allAnswered());
         QCOMPARE(SettingsManager::shared()->currentSelectedFilePath, path);
+        r.tick(0); // a tick however it comes
+        r.answers.then("twinsweep::ui::ViewControllerInfo", [](QWidget* info) { info->close(); });
+        w.buttonInfo->click();
+        QCOMPARE(SettingsManager::shared()->currentSelectedFilePath, r.photos->duplicates[0]->path);
         // The keep options and apply-to-all from the keyboard.
         typeKey(w.tableViewFiles, Qt::Key_3, Qt::ControlModifier);
         QVERIFY(settled(w));

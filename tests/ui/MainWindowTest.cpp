@@ -105,6 +105,28 @@ class MainWindowTest : public QObject {
         window_->OnAddFolder();
         QVERIFY(answers.allAnswered());
         QCOMPARE(folders(), ab);
+        // A typed folder that is not there gets our alert, not the toolkit's
+        // box (which would keep the panel open: then it is cancelled here).
+        answers.then("QFileDialog", [&](QWidget* modal) {
+            auto* edit = modal->findChild<QLineEdit*>(u"fileNameEdit"_s);
+            edit->setText(QString::fromStdString(tree_.path("a/missing")));
+            // Typed after this handler returns, so a box it brings is answered.
+            QTimer::singleShot(0, modal, [edit, modal] {
+                QTest::keyClick(edit, Qt::Key_Return);
+                if (modal->isVisible()) {
+                    qobject_cast<QDialog*>(modal)->reject();
+                }
+            });
+        });
+        QStringList shown;
+        answers.then("QMessageBox", [&](QWidget* modal) {
+            auto* box = qobject_cast<QMessageBox*>(modal);
+            shown << box->text() + box->informativeText();
+            box->buttons().front()->click();
+        });
+        window_->OnAddFolder();
+        QCOMPARE(shown, QStringList{u"The selected folder(s) could not be added."_s});
+        QCOMPARE(folders(), ab);
         QVERIFY(!window_->tableViewFolders->model()->index(0, 0).data(Qt::DecorationRole).isNull());
     }
 
@@ -215,9 +237,19 @@ class MainWindowTest : public QObject {
         QCOMPARE(folders().size(), std::size_t{1});
         window_->buttonCustomFileTypesRemoveAll->click();
         QVERIFY(list.empty());
+        window_->textFieldCustomFileTypesExtension->setText(u"gif"_s);
+        window_->buttonCustomFileTypesAddFileExtension->click();
+        window_->tableViewFileTypes->selectRow(0);
         window_->radioScanAllFileTypes->click();
         QVERIFY(!SettingsManager::shared()->customFileTypes);
         QVERIFY(!window_->buttonCustomFileTypesRemoveAll->isEnabled());
+        // The menu's extension commands go with the list they act on.
+        for (const char* name : {"actionRemoveExtension", "actionRemoveAllExtensions"}) {
+            QAction* command = window_->findChild<QAction*>(QString::fromLatin1(name));
+            QVERIFY2(command != nullptr && !command->isEnabled(), name);
+            command->trigger();
+        }
+        QCOMPARE(list, Paths{"gif"});
     }
 
     void sizeStopsAndFileNewPutOptionsBack() {

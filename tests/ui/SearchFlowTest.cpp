@@ -1,4 +1,5 @@
 #include <QLabel>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSlider>
@@ -105,7 +106,7 @@ class SearchFlowTest : public QObject {
                              [&, progress] { restoredOnClosing = !progress->isMinimized(); });
             QVERIFY(waitUntil([&] { return gate.reached(); }));
             progress->findChild<QAction*>(u"actionMinimize"_s)->trigger();
-            QTest::qWait(50);
+            QTRY_VERIFY(progress->isMinimized());
             minimisedAndRunning =
                 progress->isMinimized() && QApplication::activeModalWidget() == progress;
             progress->buttonCancelSearch->click();
@@ -133,14 +134,17 @@ class SearchFlowTest : public QObject {
 
 void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     SearchTree where;
-    // Two pairs of copies, of two sizes: the larger pair is compared first,
-    // and the first read in the smaller pair's folder is held, so the bytes
-    // stop part way for as long as the estimate needs to show (20 s at most).
+    // Three pairs of copies, of three sizes, compared largest first. The
+    // first read in the middle pair's folder is held, so the bytes stop at
+    // nearly all done while half the files are, for as long as the estimate
+    // needs to show (20 s at most).
     std::string body(16 << 20, 'x');
     where.tree.write("Users/me/a1", body + "a");
     where.tree.write("Users/me/a2", body + "a");
-    where.tree.write("Users/me/small/b1", body);
-    where.tree.write("Users/me/small/b2", body);
+    where.tree.write("Users/me/small/b1", body.substr(0, 1 << 20));
+    where.tree.write("Users/me/small/b2", body.substr(0, 1 << 20));
+    where.tree.write("Users/me/c1", body.substr(0, 4096));
+    where.tree.write("Users/me/c2", body.substr(0, 4096));
     std::atomic<bool> estimated{false}, held{false};
     AccessWatch reads(where.tree.path("Users/me/small"), true);
     std::thread holder([&] {
@@ -153,18 +157,27 @@ void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     auto window = searchWindow({QString::fromStdString(where.home)});
 
     ModalAnswers answers;
-    QStringList lines;
+    QStringList lines, percents, barAt;
     answers.then("twinsweep::ui::ViewControllerProgress", [&](QWidget* modal) {
         ViewControllerProgress* progress = progressWindow(modal);
         QVERIFY(progress != nullptr);
-        // Note every line shown until the window goes.
+        // Note every line shown until the window goes, and the bar beside
+        // each percentage.
         auto* watch = new QTimer(progress);
-        QObject::connect(watch, &QTimer::timeout, progress, [&lines, &estimated, progress] {
+        QObject::connect(watch, &QTimer::timeout, progress, [&, progress] {
             const QString line = progress->textFieldBytesCompared->text();
             if (lines.isEmpty() || lines.back() != line) {
                 lines.push_back(line);
             }
             estimated = estimated || line.endsWith(QStringLiteral(" left"));
+            const QString percent = progress->textFieldPercents->text();
+            const QProgressBar* indicator = progress->progressIndicator;
+            const QString bar =
+                QString::asprintf("%.1f%%", indicator->value() * 100.0 / indicator->maximum());
+            if (percents.isEmpty() || percents.back() != percent || barAt.back() != bar) {
+                percents.push_back(percent);
+                barAt.push_back(bar);
+            }
         });
         watch->start(2);
     });
@@ -172,16 +185,25 @@ void SearchFlowTest::progressTellsBytesComparedOfLargeFiles() {
     window->buttonFindDuplicateFiles->click();
     holder.join();
 
-    // Empty during the walk (if the window saw it), then bytes of the 64 MB.
+    // Empty during the walk (if the window saw it), then bytes of the 34 MB.
     const QRegularExpression shape(QStringLiteral(
-        "^(\\d+(\\.\\d)? [KMG]?B) of 64\\.0 MB compared(, about \\d+ (s|min) left)?$"));
+        "^(\\d+(\\.\\d)? [KMG]?B) of 34\\.0 MB compared(, about \\d+ (s|min) left)?$"));
     int partial = 0;
     for (const QString& line : lines.mid(!lines.isEmpty() && lines.front().isEmpty() ? 1 : 0)) {
         const auto match = shape.match(line);
         QVERIFY2(match.hasMatch(), qPrintable(line));
-        partial += match.captured(1) != QStringLiteral("64.0 MB") ? 1 : 0;
+        partial += match.captured(1) != QStringLiteral("34.0 MB") ? 1 : 0;
     }
     QVERIFY2(partial >= 1, qPrintable(lines.join(QLatin1Char('|'))));
+    // The bar shows the files' percentage, whatever the bytes say.
+    QCOMPARE(barAt, percents);
+    percents.removeDuplicates();
+    QVERIFY2(percents.size() >= 2, qPrintable(percents.join(QLatin1Char('|'))));
+    for (const QString& percent : percents) {
+        QVERIFY2(QStringList({"0.0%", "16.7%", "33.3%", "50.0%", "66.7%", "83.3%", "100.0%"})
+                     .contains(percent),
+                 qPrintable(percent));
+    }
     if (!held) {
         QSKIP("opens can be held only as root (fanotify): the estimate was not waited for");
     }

@@ -14,9 +14,11 @@
 #include <QTimer>
 #include <clocale>
 #include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
+#include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -51,12 +53,25 @@ using namespace Qt::StringLiterals;
         return QTest::qExec(&test, argc, argv);                                                    \
     }
 
-// Every path under root, before and after a clean: only what was marked may go.
-using Snapshot = std::set<std::string>;
+// Every path under root with what it holds (a file's mode and bytes, a
+// link's target), before and after a clean: only what was marked may go, and
+// what stays is unchanged.
+using Snapshot = std::map<std::string, std::string>;
 inline Snapshot snapshot(const std::string& root) {
+    namespace fs = std::filesystem;
     Snapshot out;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
-        out.insert(entry.path().string());
+    for (const auto& entry : fs::recursive_directory_iterator(root)) {
+        const fs::file_status status = entry.symlink_status();
+        std::string held = std::to_string(static_cast<int>(status.permissions())) + " ";
+        if (fs::is_symlink(status)) {
+            held += "link " + fs::read_symlink(entry.path()).string();
+        } else if (fs::is_regular_file(status)) {
+            std::ifstream in(entry.path(), std::ios::binary);
+            held += "file " + std::string(std::istreambuf_iterator<char>(in), {});
+        } else {
+            held += fs::is_directory(status) ? "folder" : "other";
+        }
+        out.emplace(entry.path().string(), std::move(held));
     }
     return out;
 }
@@ -117,6 +132,26 @@ class ModalAnswers : public QObject {
     QTimer timer_;
     QList<std::pair<const char*, Handler>> handlers_;
     QPointer<QWidget> last_;
+};
+
+// Answers message boxes without informative text, the toolkit's own (every
+// alert of ours has one), keeping their texts.
+class ToolkitBoxes : public QObject {
+  public:
+    ToolkitBoxes() {
+        connect(&timer_, &QTimer::timeout, this, [this] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (box != nullptr && box->isVisible() && box->informativeText().isEmpty()) {
+                texts << box->text();
+                box->buttons().front()->click();
+            }
+        });
+        timer_.start(5);
+    }
+    QStringList texts;
+
+  private:
+    QTimer timer_;
 };
 
 // Lets the event loop run until done() holds or the time runs out.

@@ -5,7 +5,6 @@
 #include <QDateTimeEdit>
 #include <QDir>
 #include <QFile>
-#include <QFileDialog>
 #include <QLineEdit>
 #include <QListWidget>
 #include <cmath>
@@ -14,6 +13,7 @@
 #include "engine/TextCase.h"
 #include "ui/customkeep/SizeField.h"
 #include "ui/customkeep/Stepper.h"
+#include "ui/platform/FolderPicker.h"
 #include "ui/shell/Alert.h"
 
 namespace twinsweep::ui {
@@ -239,12 +239,9 @@ void ViewControllerCustomKeep::OnCustomFileTypesRemoveAll() {
 }
 
 void ViewControllerCustomKeep::OnBrowse() {
-    QFileDialog dialog(this, QStringLiteral("Select File Path"));
+    // A folder typed here that is not there is reported by OK, with the rule.
+    FolderDialog dialog(this, QStringLiteral("Select File Path"), false);
     dialog.setObjectName(QStringLiteral("BrowseFolder"));
-    dialog.setFileMode(QFileDialog::Directory);
-    dialog.setOptions(QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog |
-                      QFileDialog::ReadOnly);
-    dialog.setLabelText(QFileDialog::Accept, QStringLiteral("Select"));
     const QString current = textFieldCustomFilePath->text();
     if (isFolder(current)) {
         dialog.setDirectory(current);

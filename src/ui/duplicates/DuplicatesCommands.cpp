@@ -60,13 +60,9 @@ void ViewControllerDuplicates::buildCommands() {
 }
 
 void ViewControllerDuplicates::toggleCurrentMember() {
-    QModelIndex current = tableViewDuplicates->currentIndex();
+    const QModelIndex current = tableViewDuplicates->currentIndex();
     if (!current.isValid()) {
-        const QModelIndexList rows = tableViewDuplicates->selectionModel()->selectedRows();
-        if (rows.isEmpty()) {
-            return;
-        }
-        current = rows.front();
+        return;
     }
     membersModel_->setData(membersModel_->index(current.row(), MembersModel::ColumnCheck),
                            QVariant(), Qt::CheckStateRole);

@@ -86,6 +86,9 @@ void ViewControllerDuplicates::buildLayout() {
     tableViewDuplicates = makeTable(split, QStringLiteral("TableViewDuplicate"));
     membersModel_ = new MembersModel(this);
     tableViewDuplicates->setModel(membersModel_);
+    // No row is painted as selected: the boxes show the marks. The member
+    // the commands act on is the current row, which a click or a tick sets.
+    tableViewDuplicates->setSelectionMode(QAbstractItemView::NoSelection);
     QHeaderView* membersHeader = tableViewDuplicates->horizontalHeader();
     membersHeader->setSectionResizeMode(MembersModel::ColumnCheck, QHeaderView::Fixed);
     membersHeader->resizeSection(MembersModel::ColumnCheck, 26);

@@ -117,6 +117,12 @@ void ViewControllerDuplicates::toggleMember(int row) {
         return;
     }
     member.checkState = member.checkState == 0 ? 1 : 0;
+    // The member just ticked is the one File Info and Show in File Manager
+    // act on.
+    const QModelIndex ticked = membersModel_->index(row, MembersModel::ColumnCheck);
+    if (tableViewDuplicates->currentIndex().row() != row) {
+        tableViewDuplicates->setCurrentIndex(ticked);
+    }
     // Another entry of the same group (never the case with shared records)
     // carries the same mark.
     for (const FilePtr& other : settingsManager->duplicateFileList) {
@@ -128,12 +134,14 @@ void ViewControllerDuplicates::toggleMember(int row) {
 }
 
 DuplicateFilePtr ViewControllerDuplicates::selectedMember() const {
+    // The members table selects nothing visibly; its current row is the
+    // selected member.
     const FilePtr& group = membersModel_->group();
-    const QModelIndexList rows = tableViewDuplicates->selectionModel()->selectedRows();
-    if (!group || rows.isEmpty()) {
+    const QModelIndex current = tableViewDuplicates->currentIndex();
+    if (!group || !current.isValid()) {
         return nullptr;
     }
-    const auto row = static_cast<std::size_t>(rows.front().row());
+    const auto row = static_cast<std::size_t>(current.row());
     return row < group->duplicates.size() ? group->duplicates[row] : nullptr;
 }
 

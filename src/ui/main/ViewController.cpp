@@ -132,6 +132,8 @@ void ViewController::setExtensionControlsEnabled(bool enabled) {
     buttonCustomFileTypesAddFileExtension->setEnabled(enabled);
     buttonCustomFileTypesRemoveSelected->setEnabled(enabled);
     buttonCustomFileTypesRemoveAll->setEnabled(enabled);
+    actionRemoveExtension_->setEnabled(enabled);
+    actionRemoveAllExtensions_->setEnabled(enabled);
 }
 
 void ViewController::OnScanAllFileTypesSelected() {

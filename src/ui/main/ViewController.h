@@ -113,6 +113,8 @@ class ViewController : public QMainWindow {
     FolderModel* folderModel_ = nullptr;
     StringListModel* extensionModel_ = nullptr;
     QWidget* outsideLocationsLine_ = nullptr;
+    QAction* actionRemoveExtension_ = nullptr;
+    QAction* actionRemoveAllExtensions_ = nullptr;
 };
 
 } // namespace twinsweep::ui

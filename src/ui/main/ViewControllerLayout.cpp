@@ -288,13 +288,16 @@ void ViewController::buildListCommands(QMenu* edit) {
         edit, QStringLiteral("Remove All F&olders..."), removeAll, [this] { OnRemoveAll(); },
         tableViewFolders);
     edit->addSeparator();
-    addCommand(
+    // These two go with the extension controls: off while all file types
+    // are searched (setExtensionControlsEnabled).
+    actionRemoveExtension_ = addCommand(
         edit, QStringLiteral("Remove E&xtension"), QKeySequence::Delete,
-        [this] { OnCustomFileTypesRemoveSelected(); }, tableViewFileTypes)
-        ->setObjectName(QStringLiteral("actionRemoveExtension"));
-    addCommand(
+        [this] { OnCustomFileTypesRemoveSelected(); }, tableViewFileTypes);
+    actionRemoveExtension_->setObjectName(QStringLiteral("actionRemoveExtension"));
+    actionRemoveAllExtensions_ = addCommand(
         edit, QStringLiteral("Remove All Ex&tensions"), removeAll,
         [this] { OnCustomFileTypesRemoveAll(); }, tableViewFileTypes);
+    actionRemoveAllExtensions_->setObjectName(QStringLiteral("actionRemoveAllExtensions"));
 }
 
 } // namespace twinsweep::ui

@@ -2,31 +2,48 @@
 
 #include <QAbstractItemView>
 #include <QDir>
-#include <QFileDialog>
+#include <QFileInfo>
 #include <QListView>
 #include <QTreeView>
+#include <algorithm>
 
 namespace twinsweep::ui {
 
-std::optional<QStringList> chooseFolders(QWidget* parent) {
-    const QString prompt = QStringLiteral("Select Folder(s)");
-    QFileDialog dialog(parent, prompt, QDir::homePath());
-    dialog.setObjectName(QStringLiteral("FolderPicker"));
-    dialog.setFileMode(QFileDialog::Directory);
-    // The toolkit's own dialog: the desktop portals choose only one folder.
+FolderDialog::FolderDialog(QWidget* parent, const QString& prompt, bool several)
+    : QFileDialog(parent, prompt, QDir::homePath()) {
+    setFileMode(QFileDialog::Directory);
     // Read-only: folders are chosen here, never made or renamed.
-    dialog.setOptions(QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog |
-                      QFileDialog::ReadOnly);
-    dialog.setLabelText(QFileDialog::Accept, prompt);
-    if (auto* newFolder = dialog.findChild<QWidget*>(QStringLiteral("newFolderButton"))) {
+    setOptions(QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog |
+               QFileDialog::ReadOnly);
+    setLabelText(QFileDialog::Accept, prompt);
+    if (auto* newFolder = findChild<QWidget*>(QStringLiteral("newFolderButton"))) {
         newFolder->hide();
     }
-    for (QAbstractItemView* view : dialog.findChildren<QAbstractItemView*>()) {
-        if (qobject_cast<QListView*>(view) != nullptr ||
-            qobject_cast<QTreeView*>(view) != nullptr) {
-            view->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    if (several) {
+        for (QAbstractItemView* view : findChildren<QAbstractItemView*>()) {
+            if (qobject_cast<QListView*>(view) != nullptr ||
+                qobject_cast<QTreeView*>(view) != nullptr) {
+                view->setSelectionMode(QAbstractItemView::ExtendedSelection);
+            }
         }
     }
+}
+
+void FolderDialog::accept() {
+    const QStringList chosen = selectedFiles();
+    const bool allFolders = std::all_of(
+        chosen.begin(), chosen.end(), [](const QString& path) { return QFileInfo(path).isDir(); });
+    if (allFolders) {
+        QFileDialog::accept();
+        return;
+    }
+    // The toolkit would answer with its own box and keep the panel open.
+    QDialog::accept();
+}
+
+std::optional<QStringList> chooseFolders(QWidget* parent) {
+    FolderDialog dialog(parent, QStringLiteral("Select Folder(s)"), true);
+    dialog.setObjectName(QStringLiteral("FolderPicker"));
     if (dialog.exec() != QDialog::Accepted) {
         return std::nullopt;
     }

@@ -6,6 +6,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <cmath>
 
 #include "engine/FileTools.h"
 #include "engine/SearchJob.h"
@@ -66,7 +67,8 @@ void ViewControllerProgress::buildLayout() {
 
     progressIndicator = new QProgressBar(contents);
     progressIndicator->setObjectName(QStringLiteral("progressIndicator"));
-    progressIndicator->setRange(0, 100);
+    // Percent in tenths: the bar stands exactly where the one-decimal text says.
+    progressIndicator->setRange(0, 1000);
     progressIndicator->setTextVisible(false);
     progressIndicator->setMinimumWidth(380);
     layout->addWidget(progressIndicator);
@@ -114,22 +116,13 @@ void ViewControllerProgress::repaintLatest() {
 }
 
 void ViewControllerProgress::showBytes() {
-    const std::uint64_t total = bytes_->total();
-    const std::uint64_t done = bytes_->done();
     const std::int64_t checked = latestChecked_.load(std::memory_order_relaxed);
     const std::int64_t files = latestTotal_.load(std::memory_order_relaxed);
     const QString line =
         QString::fromStdString(timeLeft_.line(*bytes_, TimeLeft::Clock::now(), checked, files));
+    // The bar stays on the files' percentage; the bytes have this line.
     if (textFieldBytesCompared->text() != line) {
         textFieldBytesCompared->setText(line);
-    }
-    if (total > 0) {
-        // Large files move the bar as they are read; it never goes back.
-        const int percent =
-            static_cast<int>(TimeLeft::doneFraction(done, total, checked, files) * 100);
-        if (percent > progressIndicator->value()) {
-            progressIndicator->setValue(percent);
-        }
     }
 }
 
@@ -137,7 +130,10 @@ void ViewControllerProgress::ShowProgress(std::int64_t total, std::int64_t check
     const ProgressTexts texts = progressTexts(total, checked);
     textFieldFilesScanned->setText(texts.filesScanned);
     textFieldPercents->setText(texts.percents);
-    progressIndicator->setValue(static_cast<int>(texts.percent));
+    // Rounded as the text's "%.1f" rounds (to nearest, ties to even); the
+    // float times ten is exact in double, so the two never differ.
+    progressIndicator->setValue(
+        static_cast<int>(std::nearbyint(static_cast<double>(texts.percent) * 10.0)));
 }
 
 void ViewControllerProgress::SearchDone() {
