@@ -45,12 +45,6 @@ std::optional<std::int64_t> TimeLeft::secondsLeft(std::uint64_t done, std::uint6
     return static_cast<std::int64_t>(left + 0.999);
 }
 
-double TimeLeft::doneFraction(std::uint64_t done, std::uint64_t total, std::int64_t checked,
-                              std::int64_t files) {
-    const double all = work(total, files);
-    return all > 0 ? std::min(1.0, work(done, std::min(checked, files)) / all) : 0.0;
-}
-
 std::string TimeLeft::line(std::uint64_t done, std::uint64_t total, Clock::time_point now,
                            std::int64_t checked, std::int64_t files) {
     const std::optional<std::int64_t> left = secondsLeft(done, total, now, checked, files);

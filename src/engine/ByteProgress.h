@@ -61,10 +61,6 @@ class TimeLeft {
                                             Clock::time_point now, std::int64_t checked = 0,
                                             std::int64_t files = 0);
 
-    // How much of the comparison is done, 0 to 1, by the same weighing.
-    static double doneFraction(std::uint64_t done, std::uint64_t total, std::int64_t checked,
-                               std::int64_t files);
-
     // The line's text for given figures; secondsLeft absent: no estimate.
     static std::string text(std::uint64_t done, std::uint64_t total,
                             std::optional<std::int64_t> secondsLeft);

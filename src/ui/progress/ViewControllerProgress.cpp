@@ -67,8 +67,7 @@ void ViewControllerProgress::buildLayout() {
 
     progressIndicator = new QProgressBar(contents);
     progressIndicator->setObjectName(QStringLiteral("progressIndicator"));
-    // Percent in tenths: the bar stands exactly where the one-decimal text says.
-    progressIndicator->setRange(0, 1000);
+    progressIndicator->setRange(0, 100);
     progressIndicator->setTextVisible(false);
     progressIndicator->setMinimumWidth(380);
     layout->addWidget(progressIndicator);
@@ -130,10 +129,8 @@ void ViewControllerProgress::ShowProgress(std::int64_t total, std::int64_t check
     const ProgressTexts texts = progressTexts(total, checked);
     textFieldFilesScanned->setText(texts.filesScanned);
     textFieldPercents->setText(texts.percents);
-    // Rounded as the text's "%.1f" rounds (to nearest, ties to even); the
-    // float times ten is exact in double, so the two never differ.
-    progressIndicator->setValue(
-        static_cast<int>(std::nearbyint(static_cast<double>(texts.percent) * 10.0)));
+    // The same percentage as the text, to the whole percent the bar can hold.
+    progressIndicator->setValue(static_cast<int>(std::lround(texts.percent)));
 }
 
 void ViewControllerProgress::SearchDone() {
