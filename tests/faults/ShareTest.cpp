@@ -98,13 +98,15 @@ void sharesOn(const std::string& mkfs) {
     };
     EXPECT_TRUE(oneOf(listed(dry.out, "would share: "), "x")) << dry.out;
     EXPECT_TRUE(oneOf(listed(dry.out, "already shared: "), "y")) << dry.out;
+    EXPECT_TRUE(says(dry.out, "would free 1.0 MB (1048576 bytes) from 1 file"));
     EXPECT_NE(firstExtent(tree.path("x/b.bin")).first, firstExtent(tree.path("x/a.bin")).first);
 
-    const CliOutcome r = runCli({"--any-location", "--keep", "oldest", "--share", tree.root()});
+    const CliOutcome r =
+        runCli({"--any-location", "--keep", "oldest", "--share", "--format", "json", tree.root()});
     EXPECT_EQ(r.status, 0) << r.err;
-    EXPECT_TRUE(oneOf(listed(r.out, "shared: "), "x")) << r.out;
-    EXPECT_TRUE(oneOf(listed(r.out, "already shared: "), "y")) << r.out;
-    EXPECT_TRUE(says(r.out, "freed 1.0 MB (1048576 bytes) from 1 file"));
+    EXPECT_TRUE(says(r.out, "{\"dryRun\":false,\"shared\":[\"" + tree.path("x/")));
+    EXPECT_TRUE(says(r.out, "\"],\"bytesFreed\":1048576,\"failed\":0,"));
+    EXPECT_TRUE(says(r.out, "\"outcome\":\"already shared\"}"));
     // Every path, owner, mode and byte as it was; the copy on the kept extents.
     EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
     EXPECT_EQ(snapshot(tree.root()), before);

@@ -179,6 +179,7 @@ void ViewController::OnMoveDuplicateFilesToTrashSelected() {
     radioMoveDuplicateFilesToTrash->setChecked(true);
     radioRemoveDuplicateFilesPermanently->setChecked(false);
     radioReplaceWithHardLinks->setChecked(false);
+    radioShareStorage->setChecked(false);
     UpdateSettings();
 }
 
@@ -186,6 +187,7 @@ void ViewController::OnRemoveDuplicateFilesPermanentlySelected() {
     radioRemoveDuplicateFilesPermanently->setChecked(true);
     radioMoveDuplicateFilesToTrash->setChecked(false);
     radioReplaceWithHardLinks->setChecked(false);
+    radioShareStorage->setChecked(false);
     UpdateSettings();
 }
 
@@ -201,6 +203,7 @@ void ViewController::UpdateSettings() {
     settingsManager->customFileTypes = radioCustomFileTypes->isChecked();
     settingsManager->moveToTrash = radioMoveDuplicateFilesToTrash->isChecked();
     settingsManager->replaceWithHardLinks = radioReplaceWithHardLinks->isChecked();
+    settingsManager->shareStorage = radioShareStorage->isChecked();
     settingsManager->ignorePackages = checkIgnoreBundles->isChecked();
     settingsManager->compareLargeFilesByContent = checkCompareLargeFilesByContent->isChecked();
 }
@@ -221,6 +224,7 @@ void ViewController::ResetSettings() {
     radioMoveDuplicateFilesToTrash->setChecked(true);
     radioRemoveDuplicateFilesPermanently->setChecked(false);
     radioReplaceWithHardLinks->setChecked(false);
+    radioShareStorage->setChecked(false);
     checkIgnoreBundles->setChecked(true);
     checkCompareLargeFilesByContent->setChecked(false);
 
@@ -233,6 +237,7 @@ void ViewController::ResetSettings() {
     s.customFileTypes = false;
     s.moveToTrash = true;
     s.replaceWithHardLinks = false;
+    s.shareStorage = false;
     s.ignorePackages = true;
     s.compareLargeFilesByContent = false;
 
