@@ -201,7 +201,7 @@ void ViewController::buildLayout() {
     bottom->addWidget(buttonFindDuplicateFiles);
     page->addLayout(bottom);
     setCentralWidget(central);
-    resize(640, 750);
+    resize(640, 780); // room for every option below a folder table of five rows
 
     connect(buttonAddFolder, &QPushButton::clicked, this, &ViewController::OnAddFolder);
     connect(buttonRemoveSelected, &QPushButton::clicked, this, &ViewController::OnRemoveSelected);
