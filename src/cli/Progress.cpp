@@ -63,7 +63,8 @@ void TerminalProgress::show(std::int64_t total, std::int64_t checked) {
                       static_cast<long long>(checked), static_cast<long long>(total));
         line = counts;
     }
-    const std::string bytes = timeLeft_.line(*bytes_, TimeLeft::Clock::now(), checked, total);
+    const std::string bytes =
+        timeLeft_.line(*bytes_, TimeLeft::Clock::now(), checked, total);
     if (!bytes.empty()) {
         line += "; " + bytes;
     }
