@@ -14,6 +14,7 @@ PACKAGES=(
   xvfb xauth adwaita-icon-theme hicolor-icon-theme
   locales
   file desktop-file-utils appstream lintian bash-completion man-db
+  xfsprogs btrfs-progs
 )
 missing=()
 for p in "${PACKAGES[@]}"; do

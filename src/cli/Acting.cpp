@@ -12,6 +12,7 @@
 #include "engine/Diagnostics.h"
 #include "engine/FileTools.h"
 #include "export/CleanReport.h"
+#include "removal/Share.h"
 #include "removal/TrashRecord.h"
 #include "removal/UndoHistory.h"
 #include "selection/CustomMarking.h"
@@ -107,6 +108,14 @@ bool CommandLinePrompt::ask(CleaningAlert alert) {
         return true;
     case CleaningAlert::Done:
     case CleaningAlert::NothingLinked:
+    case CleaningAlert::NothingShared:
+        return true;
+    case CleaningAlert::CantShare:
+        std::fprintf(messages_, "twinsweep-cli: %s\n", kNothingCanShare);
+        return true;
+    case CleaningAlert::WholeGroupsShared:
+        std::fprintf(messages_, "twinsweep-cli: note: some groups have every copy marked; with "
+                                "--share they are left as they are\n");
         return true;
     case CleaningAlert::WholeGroupsLinked:
         // Nothing is lost: those copies are left as they are, each reported.
@@ -158,7 +167,9 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
     const bool json = options.format == OutputFormat::Json;
     settings.moveToTrash = options.removal != Removal::Delete;
     settings.replaceWithHardLinks = options.removal == Removal::Link;
+    settings.shareStorage = options.removal == Removal::Share;
     const bool linking = options.removal == Removal::Link;
+    const bool sharing = options.removal == Removal::Share;
     if (!dryRun) {
         // What a stopped clean left half done is finished first (the caller holds the lock).
         for (const std::string& note : tidyTrashRecords()) {
@@ -178,7 +189,7 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
     }
     std::size_t trashed = 0;
     ActResult result;
-    CleanLog log(groups, dryRun, linking);
+    CleanLog log(groups, dryRun, linking, sharing);
     const std::string doneLine = std::string(log.doneWord()) + ": ";
     CleaningRun run;
     run.dryRun = dryRun;
@@ -191,8 +202,9 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
         if (!r.trashed.originalPath.empty()) {
             ++trashed;
         }
-        const std::string line = r.ok ? doneLine + textEscaped(m.path)
-                                      : std::string("would be left: ") + textEscaped(r.error);
+        const std::string line = !r.ok             ? "would be left: " + textEscaped(r.error)
+                                 : r.alreadyShared ? "already shared: " + textEscaped(m.path)
+                                                   : doneLine + textEscaped(m.path);
         if (!json && !out(line + "\n")) {
             result.outputClosed = true;
             return false;
@@ -203,6 +215,10 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
     result.stopped = report.stopped;
     noteTrashed(trashed, remover);
 
+    if (report.outcome == CleaningOutcome::CantShare) {
+        result.exitCode = 2;
+        return result;
+    }
     if (report.outcome == CleaningOutcome::Declined) {
         std::fprintf(stderr, "twinsweep-cli: nothing was removed\n");
         result.exitCode = 1;
@@ -226,7 +242,9 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
         std::fprintf(stderr, "twinsweep-cli: %lld %s not %s (see the Error lines above)\n",
                      static_cast<long long>(report.failed),
                      report.failed == 1 ? "copy was" : "copies were",
-                     linking ? "replaced by a link" : "removed");
+                     sharing   ? "shared"
+                     : linking ? "replaced by a link"
+                               : "removed");
         result.exitCode = 1;
     }
     if (result.outputClosed) {

@@ -32,7 +32,7 @@ std::string sizeOption(const std::string& name, const std::string& value, std::u
 
 std::string removal(Options& o, Removal r) {
     if (o.removalGiven && o.removal != r) {
-        return "choose one of --trash, --delete and --link";
+        return "choose one of --trash, --delete, --link and --share";
     }
     o.removal = r;
     o.removalGiven = true;
@@ -166,6 +166,8 @@ const std::vector<OptionRule>& optionRules() {
         {"--delete", false,
          [](Options& o, const std::string&) { return removal(o, Removal::Delete); }},
         {"--link", false, [](Options& o, const std::string&) { return removal(o, Removal::Link); }},
+        {"--share", false,
+         [](Options& o, const std::string&) { return removal(o, Removal::Share); }},
         {"--undo", false,
          [](Options& o, const std::string&) {
              o.undo = true;
@@ -367,7 +369,7 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
     }
     if ((o.removalGiven || o.dryRunGiven || o.yes) && !marks(o)) {
         result.error =
-            "--dry-run, --trash, --delete, --link and --yes need --keep or --rules to say "
+            "--dry-run, --trash, --delete, --link, --share and --yes need --keep or --rules to say "
             "which copies go";
         return result;
     }

@@ -10,8 +10,8 @@ namespace twinsweep::cli {
 enum class OutputFormat { Text, Json, Csv };
 enum class Locations { PlatformDefault, MacLayoutUnder, Anywhere };
 // What happens to the marked copies: listed only, moved to the Trash, deleted,
-// replaced by hard links to a kept copy.
-enum class Removal { DryRun, Trash, Delete, Link };
+// replaced by hard links to a kept copy, sharing storage with a kept copy.
+enum class Removal { DryRun, Trash, Delete, Link, Share };
 
 struct Options {
     std::vector<std::string> folders; // absolute, as given otherwise
@@ -32,7 +32,7 @@ struct Options {
     bool keepOneGiven = false;
     Removal removal = Removal::DryRun;
     bool removalGiven = false;
-    // --dry-run with --trash, --delete or --link: says what that clean would do.
+    // --dry-run with --trash, --delete, --link or --share: says what that clean would do.
     bool dryRunGiven = false;
     bool yes = false;
     bool undo = false; // put back what the last run with --trash moved there

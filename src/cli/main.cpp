@@ -18,6 +18,7 @@
 #include "engine/FileTools.h"
 #include "engine/SearchJob.h"
 #include "removal/PlatformRemover.h"
+#include "removal/Share.h"
 #include "removal/StoppedCleans.h"
 #include "settings/SettingsManager.h"
 
@@ -123,6 +124,10 @@ int main(int argc, char** argv) {
                 std::fprintf(stderr, "twinsweep-cli: %s\n", err.c_str());
                 return kExitBadUsage;
             }
+        }
+        if (options.removal == cli::Removal::Share && !anyCanShareStorage(options.folders)) {
+            std::fprintf(stderr, "twinsweep-cli: %s\n", kNothingCanShare);
+            return kExitBadUsage;
         }
         if (options.removal == cli::Removal::Delete && !cli::dryRun(options) && !options.yes &&
             !::isatty(STDIN_FILENO)) {

@@ -4,8 +4,8 @@
 
 namespace twinsweep {
 
-CleanLog::CleanLog(const FileList& groups, bool dryRun, bool linking)
-    : dryRun_(dryRun), linking_(linking) {
+CleanLog::CleanLog(const FileList& groups, bool dryRun, bool linking, bool sharing)
+    : dryRun_(dryRun), linking_(linking), sharing_(sharing) {
     groups_.reserve(groups.size());
     for (const FilePtr& g : groups) {
         groups_.push_back({g->path, g->size, g->duplicates});
@@ -13,13 +13,17 @@ CleanLog::CleanLog(const FileList& groups, bool dryRun, bool linking)
 }
 
 void CleanLog::record(const DuplicateFile& member, const RemovalResult& result) {
-    outcomes_[&member] = {result.ok, result.ok ? std::string() : result.error};
-    if (result.ok) {
+    outcomes_[&member] = {result.ok, result.alreadyShared,
+                          result.ok ? std::string() : result.error};
+    if (result.ok && !result.alreadyShared) {
         done_.push_back(member.path);
     }
 }
 
 const char* CleanLog::doneWord() const {
+    if (sharing_) {
+        return dryRun_ ? "would share" : "shared";
+    }
     if (linking_) {
         return dryRun_ ? "would link" : "linked";
     }
@@ -36,7 +40,7 @@ bool CleanLog::writeJson(std::uint64_t bytesFreed, std::int64_t failed,
     std::string& text = out.text();
     text += "{\"dryRun\":";
     text += dryRun_ ? "true" : "false";
-    text += linking_ ? ",\"linked\":[" : ",\"removed\":[";
+    text += sharing_ ? ",\"shared\":[" : linking_ ? ",\"linked\":[" : ",\"removed\":[";
     for (std::size_t i = 0; i < done_.size(); ++i) {
         text += (i > 0 ? "," : "") + jsonString(done_[i]);
         if (!out.maybeFlush()) {
@@ -58,7 +62,8 @@ bool CleanLog::writeJson(std::uint64_t bytesFreed, std::int64_t failed,
             if (found == outcomes_.end()) {
                 text += marked ? "not reached\"}" : "kept\"}";
             } else if (found->second.ok) {
-                text += std::string(doneWord()) + "\"}";
+                text += std::string(found->second.alreadyShared ? "already shared" : doneWord()) +
+                        "\"}";
             } else {
                 text += std::string(leftWord()) +
                         "\",\"reason\":" + jsonString(found->second.reason) + "}";

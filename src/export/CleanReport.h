@@ -17,21 +17,23 @@ namespace twinsweep {
 // outcome of each marked one.
 class CleanLog {
   public:
-    CleanLog(const FileList& groups, bool dryRun, bool linking);
+    CleanLog(const FileList& groups, bool dryRun, bool linking, bool sharing = false);
 
     // The outcome of one attempted member.
     void record(const DuplicateFile& member, const RemovalResult& result);
 
-    // "removed", "linked", "would remove" or "would link".
+    // "removed", "linked", "shared", "would remove", "would link" or "would share".
     const char* doneWord() const;
     // "left" or "would be left".
     const char* leftWord() const;
-    // The members removed or linked (or that would be), in order.
+    // The members removed, linked or shared (or that would be), in order;
+    // not those whose storage was shared already.
     const std::vector<std::string>& done() const { return done_; }
 
-    // {"dryRun":…,"removed"|"linked":[paths],"bytesFreed":…,"failed":…,
+    // {"dryRun":…,"removed"|"linked"|"shared":[paths],"bytesFreed":…,"failed":…,
     //  "groups":[{"path","size","members":[{"path","marked","outcome","reason"}]}]}
     // One group a line; "outcome" is doneWord(), leftWord() (with "reason"),
+    // "already shared" for a copy whose storage was the kept copy's already,
     // "kept" for an unmarked member, "not reached" for a marked one the clean
     // stopped before.
     bool writeJson(std::uint64_t bytesFreed, std::int64_t failed, const ExportSink& sink) const;
@@ -39,6 +41,7 @@ class CleanLog {
   private:
     struct Outcome {
         bool ok = false;
+        bool alreadyShared = false;
         std::string reason;
     };
     struct Group {
@@ -48,6 +51,7 @@ class CleanLog {
     };
     bool dryRun_;
     bool linking_;
+    bool sharing_;
     std::vector<Group> groups_;
     std::unordered_map<const DuplicateFile*, Outcome> outcomes_;
     std::vector<std::string> done_;

@@ -104,8 +104,12 @@ bool stillThere(const DuplicateFile& k, const Opened& o) {
            a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
+// How the act treats the copy: set aside first (it may go), left at its name
+// (the act removes nothing), or not acted on at all (a dry run).
+enum class Mode { Aside, InPlace, DryRun };
+
 RemovalResult onCopy(const File& group, const DuplicateFile& member, const CopyAction& act,
-                     const SameFile& sameFile, SweptFolders* swept, bool dryRun) {
+                     const SameFile& sameFile, SweptFolders* swept, Mode mode) {
     Opened mine;
     std::string reason;
     if (!openAsSeen(member, mine, reason, swept)) {
@@ -118,6 +122,8 @@ RemovalResult onCopy(const File& group, const DuplicateFile& member, const CopyA
     target.path = member.path;
     target.isFolder = S_ISDIR(mine.st.st_mode);
     target.size = group.size;
+    target.device = static_cast<std::uint64_t>(mine.st.st_dev);
+    target.inode = static_cast<std::uint64_t>(mine.st.st_ino);
 
     bool anyKept = false;
     for (const DuplicateFilePtr& k : group.duplicates) {
@@ -180,7 +186,7 @@ RemovalResult onCopy(const File& group, const DuplicateFile& member, const CopyA
             differWhy = reason;
             continue;
         }
-        if (journalled.empty() && !dryRun) {
+        if (journalled.empty() && mode == Mode::Aside) {
             const std::string name = asideName(mine.name);
             JournalRecord record = thisProcessRecord();
             record.folder = parentOf(member.path);
@@ -208,11 +214,12 @@ RemovalResult onCopy(const File& group, const DuplicateFile& member, const CopyA
             }
         }
         struct stat now {};
-        if (dryRun &&
+        if (mode != Mode::Aside &&
             (::fstatat(target.folderFd, target.entry.c_str(), &now, AT_SYMLINK_NOFOLLOW) != 0 ||
              now.st_dev != mine.st.st_dev || now.st_ino != mine.st.st_ino ||
              !unchanged(now, member.seen))) {
-            // The check the clean makes on the copy once it is aside.
+            // The check the clean makes on the copy once it is aside (an act
+            // in place makes it here).
             return failure(member.path + ": changed during the clean, not removed");
         }
         if (!stillThere(*k, kept)) {
@@ -262,12 +269,18 @@ RemovalResult onCopy(const File& group, const DuplicateFile& member, const CopyA
 
 RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const CopyAction& act,
                         const SameFile& sameFile, SweptFolders* swept) {
-    return onCopy(group, member, act, sameFile, swept, false);
+    return onCopy(group, member, act, sameFile, swept, Mode::Aside);
+}
+
+RemovalResult actOnCopyInPlace(const File& group, const DuplicateFile& member,
+                               const CopyAction& act, const SameFile& sameFile,
+                               SweptFolders* swept) {
+    return onCopy(group, member, act, sameFile, swept, Mode::InPlace);
 }
 
 RemovalResult checkCopy(const File& group, const DuplicateFile& member, const CopyAction& check,
                         const SameFile& sameFile) {
-    return onCopy(group, member, check, sameFile, nullptr, true);
+    return onCopy(group, member, check, sameFile, nullptr, Mode::DryRun);
 }
 
 } // namespace twinsweep

@@ -25,6 +25,15 @@ namespace twinsweep {
 RemovalResult actOnCopy(const File& group, const DuplicateFile& member, const CopyAction& act,
                         const SameFile& sameFile, SweptFolders* swept = nullptr);
 
+// actOnCopy for an act that removes nothing (sharing storage): every check of
+// steps 1 and 2, then the copy, still at its name, is checked again to be the
+// file compared, the kept copy to be still there and unchanged, and act is
+// called; nothing is renamed aside or journalled, so a failed act leaves the
+// copy as it was.
+RemovalResult actOnCopyInPlace(const File& group, const DuplicateFile& member,
+                               const CopyAction& act, const SameFile& sameFile,
+                               SweptFolders* swept = nullptr);
+
 // What actOnCopy would answer, changing nothing: the same checks, in the same
 // order, against the same kept copies, but the copy is not renamed aside (nor
 // journalled) and check, given the target as act would get it, stands for the

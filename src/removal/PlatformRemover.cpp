@@ -10,6 +10,7 @@
 
 #include "removal/Fd.h"
 #include "removal/HardLink.h"
+#include "removal/Share.h"
 #include "removal/StateFolder.h"
 #include "removal/Trash.h"
 #include "removal/TreeWalk.h"
@@ -68,6 +69,10 @@ RemovalResult PlatformRemover::moveToTrash(const RemovalTarget& target) {
 
 RemovalResult PlatformRemover::replaceWithLink(const RemovalTarget& target) {
     return replaceWithHardLink(target);
+}
+
+RemovalResult PlatformRemover::shareStorage(const RemovalTarget& target) {
+    return shareWithKept(target);
 }
 
 RemovalResult PlatformRemover::removeForGood(const RemovalTarget& target) {

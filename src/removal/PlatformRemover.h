@@ -17,6 +17,7 @@ class PlatformRemover : public FileRemover {
     RemovalResult moveToTrash(const RemovalTarget& target) override;
     RemovalResult removeForGood(const RemovalTarget& target) override;
     RemovalResult replaceWithLink(const RemovalTarget& target) override;
+    RemovalResult shareStorage(const RemovalTarget& target) override;
 
     // Each remover that moves something to the Trash keeps the record of
     // its clean, for undo; nothing is moved that it can't note there.

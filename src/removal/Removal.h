@@ -17,6 +17,9 @@ struct RemovalTarget {
     std::string path;  // the path the user knows it by
     bool isFolder = false;
     std::uint64_t size = 0; // what removing it whole frees
+    // The entry as checked (an act that opens it again makes sure of it).
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
 
     // The kept copy that vouched for it; keptFolderFd is -1 when the user
     // chose to remove the whole group.
@@ -61,6 +64,8 @@ struct RemovalResult {
     // Failed only because the kept copy given can't serve (a hard link to a
     // file on another file system): the next kept copy may be tried.
     bool tryOtherKept = false;
+    // Its storage was shared with the kept copy's already: nothing to do.
+    bool alreadyShared = false;
 };
 
 // The final act on a checked copy. It must leave the entry where it is when it
@@ -82,6 +87,14 @@ class FileRemover {
         RemovalResult r;
         r.ok = false;
         r.error = target.path + ": hard links are not available here, left alone";
+        return r;
+    }
+    // Lets the entry share its storage with the kept copy (see Share.h); a
+    // remover that can't share leaves every copy alone.
+    virtual RemovalResult shareStorage(const RemovalTarget& target) {
+        RemovalResult r;
+        r.ok = false;
+        r.error = target.path + ": sharing storage is not available here, left as it was";
         return r;
     }
     // Why the record to undo its moves to the Trash could not be kept ("" when

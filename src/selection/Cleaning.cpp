@@ -8,6 +8,7 @@
 #include "engine/SameFile.h"
 #include "removal/CopyRemoval.h"
 #include "removal/HardLink.h"
+#include "removal/Share.h"
 #include "selection/KeepOptions.h"
 
 namespace twinsweep {
@@ -26,6 +27,18 @@ const AlertText& alertText(CleaningAlert alert) {
         "Some groups have every copy selected; with hard links, those groups are left as they "
         "are. Continue?",
         {"Yes", "No"}};
+    static const AlertText wholeGroupsShared{
+        "Some groups have every copy selected; when sharing storage, those groups are left as "
+        "they are. Continue?",
+        {"Yes", "No"}};
+    static const AlertText nothingShared{
+        "No selected copy could share its storage with a kept copy; every file was left as it "
+        "was.",
+        {"OK"}};
+    static const AlertText cantShare{
+        "None of the folders searched is on a file system that can share storage (Btrfs, or "
+        "XFS made with reflinks). Nothing was changed.",
+        {"OK"}};
     static const AlertText done{"Duplicate files cleaned successfully. ", {"OK"}};
     static const AlertText nothingLinked{
         "No selected copy could be replaced by a hard link; every file was left as it was.",
@@ -39,6 +52,12 @@ const AlertText& alertText(CleaningAlert alert) {
         return wholeGroupsLinked;
     case CleaningAlert::NothingLinked:
         return nothingLinked;
+    case CleaningAlert::WholeGroupsShared:
+        return wholeGroupsShared;
+    case CleaningAlert::NothingShared:
+        return nothingShared;
+    case CleaningAlert::CantShare:
+        return cantShare;
     case CleaningAlert::PermanentDeletion:
         return permanent;
     case CleaningAlert::Done:
@@ -59,15 +78,22 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
     const bool wholeGroup = std::any_of(listed.begin(), listed.end(), [](const FilePtr& g) {
         return markedCount(*g) == static_cast<std::int64_t>(g->duplicates.size());
     });
-    const bool linking = settings.replaceWithHardLinks;
-    if (wholeGroup &&
-        !prompt.ask(linking ? CleaningAlert::WholeGroupsLinked : CleaningAlert::WholeGroups)) {
+    const bool sharing = settings.shareStorage;
+    const bool linking = settings.replaceWithHardLinks && !sharing;
+    if (sharing && !anyCanShareStorage(settings.listFolderPaths)) {
+        prompt.ask(CleaningAlert::CantShare);
+        report.outcome = CleaningOutcome::CantShare;
+        return report;
+    }
+    if (wholeGroup && !prompt.ask(sharing   ? CleaningAlert::WholeGroupsShared
+                                  : linking ? CleaningAlert::WholeGroupsLinked
+                                            : CleaningAlert::WholeGroups)) {
         report.outcome = CleaningOutcome::Declined;
         return report;
     }
     const bool toTrash = settings.moveToTrash;
-    // Links lose nothing: no permanent-deletion question for them.
-    if (!toTrash && !linking && !prompt.ask(CleaningAlert::PermanentDeletion)) {
+    // Links and shared storage lose nothing: no permanent-deletion question.
+    if (!toTrash && !linking && !sharing && !prompt.ask(CleaningAlert::PermanentDeletion)) {
         report.outcome = CleaningOutcome::Declined;
         return report;
     }
@@ -77,10 +103,16 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
     if (run.dryRun) {
         // Every check of the act, none of its changes.
         act = [&](const RemovalTarget& target) {
+            if (sharing) {
+                return checkShare(target);
+            }
             return linking ? checkHardLink(target) : RemovalResult{};
         };
     } else if (!act) {
         act = [&](const RemovalTarget& target) {
+            if (sharing) {
+                return remover.shareStorage(target);
+            }
             if (linking) {
                 return remover.replaceWithLink(target);
             }
@@ -131,6 +163,8 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
                 result.error = m->path + ": in a protected folder, not removed";
             } else if (run.dryRun) {
                 result = checkCopy(*group, *m, act, sameFile);
+            } else if (sharing) {
+                result = actOnCopyInPlace(*group, *m, act, sameFile, &swept);
             } else {
                 result = actOnCopy(*group, *m, act, sameFile, &swept);
             }
@@ -144,8 +178,8 @@ CleaningReport clean(const FileList& listed, SettingsManager& settings, Cleaning
                     printErrorLine("Error:  ", result.error);
                 }
             }
-            // A copy that was not linked is still a copy of its group.
-            if (result.ok || !linking) {
+            // A copy that was not linked or shared is still a copy of its group.
+            if (result.ok || (!linking && !sharing)) {
                 attempted.insert(m.get());
             }
             if (run.done && !run.done(*m, result)) {

@@ -15,14 +15,19 @@ namespace twinsweep {
 // The alerts of the clean command, each a warning with an empty message text.
 // WholeGroupsLinked stands for WholeGroups when copies are replaced by hard
 // links (nothing can be linked in a group with every copy marked), and
-// NothingLinked for Done when no copy could be linked.
+// NothingLinked for Done when no copy could be linked; the same for sharing
+// storage, and CantShare when no folder searched is on a file system that
+// can share (nothing starts).
 enum class CleaningAlert {
     NothingMarked,
     WholeGroups,
     PermanentDeletion,
     Done,
     WholeGroupsLinked,
-    NothingLinked
+    NothingLinked,
+    WholeGroupsShared,
+    NothingShared,
+    CantShare
 };
 
 // The exact informative text and button titles of an alert; the first button
@@ -42,6 +47,7 @@ enum class CleaningOutcome {
     NothingMarked, // the nothing-marked alert was shown; nothing changed
     Declined,      // "No" to a question; nothing changed
     Cleaned,       // removals were attempted and the lists pruned
+    CantShare,     // sharing storage, but nothing searched can: nothing changed
 };
 
 struct CleaningReport {
@@ -64,23 +70,26 @@ struct CleaningRun {
     // Told of each attempted member as soon as it is done; false stops the clean.
     std::function<bool(const DuplicateFile&, const RemovalResult&)> done;
     // The final act on a checked copy; by default the remover's Trash or
-    // deletion for good, as settings.moveToTrash says.
+    // deletion for good, as settings.moveToTrash says (its link or shared
+    // storage when settings ask for those).
     CopyAction action;
 };
 
 // The clean command up to the update: checks that a listed group has a marked
 // member, asks before whole groups go and before permanent deletion (as
 // settings.moveToTrash says), then removes every marked member of the listed
-// groups, in order, each through actOnCopy (CopyRemoval.h): only a copy that
+// groups, in order, each through actOnCopy (CopyRemoval.h; actOnCopyInPlace
+// when sharing storage, which asks nothing and first makes sure a folder
+// searched can share): only a copy that
 // is still what the search saw, in the folder the search walked, and byte for
 // byte the same as a kept copy that is still there goes. A failed or refused
 // removal writes "Error:  " and the reason to standard output, and cleaning
-// goes on. Every attempted member leaves its group (with hard links, only a
-// linked one: a copy left alone is still a copy); a group left with fewer
+// goes on. Every attempted member leaves its group (with hard links or shared
+// storage, only a linked or shared one: a copy left alone is still a copy); a group left with fewer
 // than two members leaves settings.duplicateFileList (the listed groups are
 // rebuilt by the update that follows). Afterwards the caller runs a full
-// results update, shows the Done alert (NothingLinked when links were asked
-// for and none was made) and closes the results when
+// results update, shows the Done alert (NothingLinked or NothingShared when
+// links or sharing were asked for and no copy was) and closes the results when
 // settings.duplicateFileList is empty.
 CleaningReport clean(const FileList& listed, SettingsManager& settings, CleaningPrompt& prompt,
                      FileRemover& remover, const CleaningRun& run = {});

@@ -96,6 +96,10 @@ class SettingsManager {
     // Our extra removal choice: marked copies become hard links to a kept
     // copy (moveToTrash is then not consulted).
     bool replaceWithHardLinks = false;
+    // Our extra removal choice: marked copies share their storage with a
+    // kept copy (copy-on-write); nothing is removed, and moveToTrash and
+    // replaceWithHardLinks are then not consulted.
+    bool shareStorage = false;
 };
 
 } // namespace twinsweep

@@ -265,10 +265,14 @@ class MainWindowTest : public QObject {
         window_->radioCustomFileTypes->click();
         window_->radioReplaceWithHardLinks->click();
         QVERIFY(settings->replaceWithHardLinks && !settings->moveToTrash);
+        window_->radioShareStorage->click();
+        QVERIFY(settings->shareStorage && !settings->replaceWithHardLinks);
+        QVERIFY(!settings->moveToTrash);
         window_->checkCompareLargeFilesByContent->click();
         window_->findChild<QAction*>(u"actionFileNew"_s)->trigger();
         QVERIFY(settings->listFolderPaths.empty() && !settings->customFileTypes);
         QVERIFY(settings->moveToTrash && !settings->replaceWithHardLinks);
+        QVERIFY(!settings->shareStorage && !window_->radioShareStorage->isChecked());
         QVERIFY(!settings->compareLargeFilesByContent);
         QCOMPARE(settings->minimumFileSize, std::uint64_t{204800});
         // The widgets show the defaults too.

@@ -56,7 +56,8 @@ void ViewControllerDuplicates::OnClean() {
     }
     // Each clean to the Trash keeps its own record (Edit > Undo Clean reads
     // the newest); without one, nothing goes.
-    const bool toTrash = settingsManager->moveToTrash && !settingsManager->replaceWithHardLinks;
+    const bool toTrash = settingsManager->moveToTrash && !settingsManager->replaceWithHardLinks &&
+                         !settingsManager->shareStorage;
     if (const PrivateFolder undo = toTrash ? openUndoFolder() : PrivateFolder();
         toTrash && !undo.ok()) {
         runAlert(this,
@@ -86,11 +87,12 @@ void ViewControllerDuplicates::OnClean() {
     groupsModel_->refresh();
     selectGroupRow(0);
     UpdateResults();
-    // With hard links a clean that linked nothing changed nothing: it says so
-    // instead of saying it cleaned.
-    prompt.ask(settingsManager->replaceWithHardLinks && report.removed == 0
-                   ? CleaningAlert::NothingLinked
-                   : CleaningAlert::Done);
+    // With hard links or shared storage a clean that linked or shared nothing
+    // changed nothing: it says so instead of saying it cleaned.
+    const bool none = report.removed == 0;
+    prompt.ask(settingsManager->shareStorage && none           ? CleaningAlert::NothingShared
+               : settingsManager->replaceWithHardLinks && none ? CleaningAlert::NothingLinked
+                                                               : CleaningAlert::Done);
     if (settingsManager->duplicateFileList.empty()) {
         close();
     }

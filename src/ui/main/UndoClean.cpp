@@ -51,6 +51,15 @@ void ViewController::OnReplaceWithHardLinksSelected() {
     radioReplaceWithHardLinks->setChecked(true);
     radioMoveDuplicateFilesToTrash->setChecked(false);
     radioRemoveDuplicateFilesPermanently->setChecked(false);
+    radioShareStorage->setChecked(false);
+    UpdateSettings();
+}
+
+void ViewController::OnShareStorageSelected() {
+    radioShareStorage->setChecked(true);
+    radioReplaceWithHardLinks->setChecked(false);
+    radioMoveDuplicateFilesToTrash->setChecked(false);
+    radioRemoveDuplicateFilesPermanently->setChecked(false);
     UpdateSettings();
 }
 

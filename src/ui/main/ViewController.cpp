@@ -181,6 +181,7 @@ void ViewController::OnMoveDuplicateFilesToTrashSelected() {
     radioMoveDuplicateFilesToTrash->setChecked(true);
     radioRemoveDuplicateFilesPermanently->setChecked(false);
     radioReplaceWithHardLinks->setChecked(false);
+    radioShareStorage->setChecked(false);
     UpdateSettings();
 }
 
@@ -188,6 +189,7 @@ void ViewController::OnRemoveDuplicateFilesPermanentlySelected() {
     radioRemoveDuplicateFilesPermanently->setChecked(true);
     radioMoveDuplicateFilesToTrash->setChecked(false);
     radioReplaceWithHardLinks->setChecked(false);
+    radioShareStorage->setChecked(false);
     UpdateSettings();
 }
 
@@ -203,6 +205,7 @@ void ViewController::UpdateSettings() {
     settingsManager->customFileTypes = radioCustomFileTypes->isChecked();
     settingsManager->moveToTrash = radioMoveDuplicateFilesToTrash->isChecked();
     settingsManager->replaceWithHardLinks = radioReplaceWithHardLinks->isChecked();
+    settingsManager->shareStorage = radioShareStorage->isChecked();
     settingsManager->ignorePackages = checkIgnoreBundles->isChecked();
     settingsManager->compareLargeFilesByContent = checkCompareLargeFilesByContent->isChecked();
 }
@@ -223,6 +226,7 @@ void ViewController::ResetSettings() {
     radioMoveDuplicateFilesToTrash->setChecked(true);
     radioRemoveDuplicateFilesPermanently->setChecked(false);
     radioReplaceWithHardLinks->setChecked(false);
+    radioShareStorage->setChecked(false);
     checkIgnoreBundles->setChecked(true);
     checkCompareLargeFilesByContent->setChecked(false);
 
@@ -235,6 +239,7 @@ void ViewController::ResetSettings() {
     s.customFileTypes = false;
     s.moveToTrash = true;
     s.replaceWithHardLinks = false;
+    s.shareStorage = false;
     s.ignorePackages = true;
     s.compareLargeFilesByContent = false;
 

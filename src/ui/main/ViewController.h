@@ -53,6 +53,7 @@ class ViewController : public QMainWindow {
     QRadioButton* radioRemoveDuplicateFilesPermanently = nullptr;
     // Our addition: marked copies become hard links to a kept copy.
     QRadioButton* radioReplaceWithHardLinks = nullptr;
+    QRadioButton* radioShareStorage = nullptr;
     // Edit > Undo Clean, enabled while a clean to the Trash can be undone.
     QAction* actionUndoClean = nullptr;
     QCheckBox* checkIgnoreBundles = nullptr;
@@ -76,6 +77,7 @@ class ViewController : public QMainWindow {
     void OnMoveDuplicateFilesToTrashSelected();
     void OnRemoveDuplicateFilesPermanentlySelected();
     void OnReplaceWithHardLinksSelected();
+    void OnShareStorageSelected();
     // Puts back what the last clean to the Trash moved there (UndoClean.cpp).
     void OnUndoClean();
     void OnIgnoreBundlesChecked();

@@ -163,10 +163,18 @@ void ViewController::buildLayout() {
     radioReplaceWithHardLinks->setToolTip(
         QStringLiteral("Each removed copy becomes a hard link to a kept copy: every path keeps "
                        "working and the contents are stored once."));
+    radioShareStorage =
+        named(new QRadioButton(
+                  QStringLiteral("Share the storage of duplicate files (copy-on-write)"), options),
+              "radioShareStorage");
+    radioShareStorage->setToolTip(
+        QStringLiteral("On Btrfs and XFS, each copy shares its storage with a kept copy: nothing "
+                       "is removed, and every file keeps its own path, owner and later edits."));
     auto* removalGroup = new QButtonGroup(options);
     removalGroup->addButton(radioMoveDuplicateFilesToTrash);
     removalGroup->addButton(radioRemoveDuplicateFilesPermanently);
     removalGroup->addButton(radioReplaceWithHardLinks);
+    removalGroup->addButton(radioShareStorage);
     checkIgnoreBundles = named(
         new QCheckBox(QStringLiteral("Skip packages (application bundles and similar folders)"),
                       options),
@@ -178,7 +186,8 @@ void ViewController::buildLayout() {
         QStringLiteral("Files of 100 MB and more are otherwise matched by size alone."));
     for (QWidget* w : std::initializer_list<QWidget*>{
              radioMoveDuplicateFilesToTrash, radioRemoveDuplicateFilesPermanently,
-             radioReplaceWithHardLinks, checkIgnoreBundles, checkCompareLargeFilesByContent}) {
+             radioReplaceWithHardLinks, radioShareStorage, checkIgnoreBundles,
+             checkCompareLargeFilesByContent}) {
         optionRows->addWidget(w);
     }
     page->addWidget(options);
@@ -192,7 +201,7 @@ void ViewController::buildLayout() {
     bottom->addWidget(buttonFindDuplicateFiles);
     page->addLayout(bottom);
     setCentralWidget(central);
-    resize(640, 750);
+    resize(640, 780); // room for every option below a folder table of five rows
 
     connect(buttonAddFolder, &QPushButton::clicked, this, &ViewController::OnAddFolder);
     connect(buttonRemoveSelected, &QPushButton::clicked, this, &ViewController::OnRemoveSelected);
@@ -219,6 +228,8 @@ void ViewController::buildLayout() {
             &ViewController::OnRemoveDuplicateFilesPermanentlySelected);
     connect(radioReplaceWithHardLinks, &QRadioButton::clicked, this,
             &ViewController::OnReplaceWithHardLinksSelected);
+    connect(radioShareStorage, &QRadioButton::clicked, this,
+            &ViewController::OnShareStorageSelected);
     connect(checkIgnoreBundles, &QCheckBox::clicked, this, &ViewController::OnIgnoreBundlesChecked);
     connect(checkCompareLargeFilesByContent, &QCheckBox::clicked, this,
             &ViewController::OnCompareLargeFilesByContentChecked);
