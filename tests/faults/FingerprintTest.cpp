@@ -118,7 +118,7 @@ TEST(Fingerprints, SecondSearchReadsNothingAndAnyChangedKeyIsReadAgain) {
         [&] { sql(db, c + "mtime_ns = mtime_ns - 1" + where); },
         [&] { sql(db, c + "ctime_ns = ctime_ns + 1" + where); },
         [&] { sql(db, c + "inode = inode + 7" + where); },
-        [&] { ::chmod(tree.path("t/c").c_str(), 0640); }, // the change time alone
+        [&] { ::chmod(tree.path("t/c").c_str(), 0640); },     // the change time alone
         [&] { tree.write("t/c", std::string(300000, 'b')); }, // rewritten, same bytes
         [&] { // replaced by a copy with the same times
             tree.write("t/c2", std::string(300000, 'b'));
@@ -149,7 +149,8 @@ TEST(Fingerprints, UntrustedStoresAreSetAsideAndAForgedEntryCostsNoFile) {
     // Not a SQLite file; another program's SQLite file; another user's store.
     const std::vector<std::pair<std::function<void()>, std::string>> untrusted = {
         {[&] { tree.write("cache/twinsweep/fingerprints.sqlite", "not a database at all"); },
-         "fingerprints.sqlite: file is not a database; set aside as fingerprints.sqlite.set-aside-"},
+         "fingerprints.sqlite: file is not a database; set aside as "
+         "fingerprints.sqlite.set-aside-"},
         {[&] {
              ::unlink(db.c_str());
              sql(db, "CREATE TABLE fingerprints(a, b)");
@@ -184,8 +185,8 @@ TEST(Fingerprints, UntrustedStoresAreSetAsideAndAForgedEntryCostsNoFile) {
         << forged;
     const Snapshot before = snapshot(tree.path("t"));
     CliRun clean = run;
-    clean.args = {"--any-location", "--cache", "--keep", "oldest", "--delete", "--yes",
-                  tree.path("t")};
+    clean.args = {"--any-location", "--cache", "--keep",      "oldest",
+                  "--delete",       "--yes",   tree.path("t")};
     const CliOutcome cleaned = runCli(clean);
     EXPECT_EQ(cleaned.status, 1);
     EXPECT_TRUE(says(cleaned.out, "freed 0 B (0 bytes) from 0 files"));
