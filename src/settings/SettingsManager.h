@@ -96,6 +96,9 @@ class SettingsManager {
     // Our extra removal choice: marked copies become hard links to a kept
     // copy (moveToTrash is then not consulted).
     bool replaceWithHardLinks = false;
+    // Our extra option: fingerprints of the contents are remembered between
+    // searches ($XDG_CACHE_HOME/twinsweep) and trusted for unchanged files.
+    bool rememberFingerprints = false;
 };
 
 } // namespace twinsweep

@@ -234,7 +234,10 @@ class MainWindowTest : public QObject {
         window_->radioReplaceWithHardLinks->click();
         QVERIFY(settings->replaceWithHardLinks && !settings->moveToTrash);
         window_->checkCompareLargeFilesByContent->click();
+        window_->checkRememberFingerprints->click();
+        QVERIFY(settings->rememberFingerprints);
         window_->findChild<QAction*>(u"actionFileNew"_s)->trigger();
+        QVERIFY(!settings->rememberFingerprints);
         QVERIFY(settings->listFolderPaths.empty() && !settings->customFileTypes);
         QVERIFY(settings->moveToTrash && !settings->replaceWithHardLinks);
         QVERIFY(!settings->compareLargeFilesByContent);

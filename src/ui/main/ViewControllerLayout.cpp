@@ -176,9 +176,15 @@ void ViewController::buildLayout() {
               "checkCompareLargeFilesByContent");
     checkCompareLargeFilesByContent->setToolTip(
         QStringLiteral("Files of 100 MB and more are otherwise matched by size alone."));
+    checkRememberFingerprints =
+        named(new QCheckBox(QStringLiteral("Remember file fingerprints between searches"), options),
+              "checkRememberFingerprints");
+    checkRememberFingerprints->setToolTip(
+        QStringLiteral("Files unchanged since an earlier search are not read again."));
     for (QWidget* w : std::initializer_list<QWidget*>{
              radioMoveDuplicateFilesToTrash, radioRemoveDuplicateFilesPermanently,
-             radioReplaceWithHardLinks, checkIgnoreBundles, checkCompareLargeFilesByContent}) {
+             radioReplaceWithHardLinks, checkIgnoreBundles, checkCompareLargeFilesByContent,
+             checkRememberFingerprints}) {
         optionRows->addWidget(w);
     }
     page->addWidget(options);
@@ -192,7 +198,7 @@ void ViewController::buildLayout() {
     bottom->addWidget(buttonFindDuplicateFiles);
     page->addLayout(bottom);
     setCentralWidget(central);
-    resize(640, 750);
+    resize(640, 780);
 
     connect(buttonAddFolder, &QPushButton::clicked, this, &ViewController::OnAddFolder);
     connect(buttonRemoveSelected, &QPushButton::clicked, this, &ViewController::OnRemoveSelected);
@@ -222,6 +228,7 @@ void ViewController::buildLayout() {
     connect(checkIgnoreBundles, &QCheckBox::clicked, this, &ViewController::OnIgnoreBundlesChecked);
     connect(checkCompareLargeFilesByContent, &QCheckBox::clicked, this,
             &ViewController::OnCompareLargeFilesByContentChecked);
+    connect(checkRememberFingerprints, &QCheckBox::clicked, this, &ViewController::UpdateSettings);
     connect(buttonFindDuplicateFiles, &QPushButton::clicked, this,
             &ViewController::OnFindDuplicateFiles);
 }
@@ -258,6 +265,11 @@ void ViewController::buildMenus() {
     addCommand(file, QStringLiteral("&Find Duplicate Files"), QKeySequence::Find, [this] {
         OnFindDuplicateFiles();
     })->setObjectName(QStringLiteral("actionFindDuplicateFiles"));
+    file->addSeparator();
+    addCommand(file, QStringLiteral("Clear Remembered &Fingerprints"),
+               QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Delete),
+               [this] { OnClearRememberedFingerprints(); })
+        ->setObjectName(QStringLiteral("actionClearRememberedFingerprints"));
     file->addSeparator();
     QAction* quit = file->addAction(QStringLiteral("&Quit"));
     quit->setObjectName(QStringLiteral("actionQuit"));
