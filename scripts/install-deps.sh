@@ -8,7 +8,7 @@ PACKAGES=(
   build-essential cmake ninja-build pkg-config git python3
   qt6-base-dev qt6-base-dev-tools qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins
   libgl-dev libxkbcommon-dev
-  libssl-dev libutf8proc-dev
+  libssl-dev libutf8proc-dev libsqlite3-dev
   libgtest-dev libgmock-dev
   clang-format trash-cli
   xvfb xauth adwaita-icon-theme hicolor-icon-theme

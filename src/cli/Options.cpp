@@ -173,6 +173,16 @@ const std::vector<OptionRule>& optionRules() {
              o.undo = true;
              return std::string();
          }},
+        {"--cache", false,
+         [](Options& o, const std::string&) {
+             o.cache = true;
+             return std::string();
+         }},
+        {"--clear-cache", false,
+         [](Options& o, const std::string&) {
+             o.clearCache = true;
+             return std::string();
+         }},
         {"--yes", false,
          [](Options& o, const std::string&) {
              o.yes = true;
@@ -352,6 +362,12 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
     if (o.undo) {
         if (args.size() != 1) {
             result.error = "--undo takes no folder and no other option";
+        }
+        return result;
+    }
+    if (o.clearCache) {
+        if (args.size() != 1) {
+            result.error = "--clear-cache takes no folder and no other option";
         }
         return result;
     }

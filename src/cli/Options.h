@@ -36,6 +36,9 @@ struct Options {
     bool dryRunGiven = false;
     bool yes = false;
     bool undo = false; // put back what the last run with --trash moved there
+    // Remember fingerprints between searches, trusting those still valid.
+    bool cache = false;
+    bool clearCache = false; // forget every remembered fingerprint
     bool help = false;
     bool version = false;
 };

@@ -17,6 +17,7 @@
 #include "cli/Undo.h"
 #include "engine/FileTools.h"
 #include "engine/SearchJob.h"
+#include "fingerprints/FingerprintCache.h"
 #include "removal/PlatformRemover.h"
 #include "removal/Share.h"
 #include "removal/StoppedCleans.h"
@@ -102,6 +103,13 @@ int main(int argc, char** argv) {
     if (options.undo) {
         return cli::undoLastTrash();
     }
+    if (options.clearCache) {
+        if (const std::string err = clearFingerprintCache(); !err.empty()) {
+            std::fprintf(stderr, "twinsweep-cli: %s\n", err.c_str());
+            return 1;
+        }
+        return 0;
+    }
 
     switch (options.locations) {
     case cli::Locations::PlatformDefault:
@@ -167,6 +175,9 @@ int main(int argc, char** argv) {
     // The engine lives until the process ends: tearing down a million
     // records only to exit would cost time for nothing.
     auto* tools = new FileTools;
+    if (options.cache) {
+        tools->fingerprints = openFingerprintCache(); // says why when there is none
+    }
     bool completed = false;
     {
         std::unique_ptr<cli::TerminalProgress> progress;

@@ -17,6 +17,7 @@ class ByteProgress {
     using Clock = std::chrono::steady_clock;
     void start(std::uint64_t total) {
         done_.store(0, std::memory_order_relaxed);
+        remembered_.store(0, std::memory_order_relaxed);
         total_.store(total, std::memory_order_relaxed);
         started_.store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed);
     }
@@ -34,10 +35,16 @@ class ByteProgress {
         const std::uint64_t t = total();
         return d < t ? d : t;
     }
+    // Of the bytes done, those that remembered fingerprints spared reading.
+    void remembered(std::uint64_t bytes) {
+        remembered_.fetch_add(bytes, std::memory_order_relaxed);
+    }
+    std::uint64_t remembered() const { return remembered_.load(std::memory_order_relaxed); }
 
   private:
     std::atomic<std::uint64_t> total_{0};
     std::atomic<std::uint64_t> done_{0};
+    std::atomic<std::uint64_t> remembered_{0};
     std::atomic<Clock::rep> started_{0};
 };
 

@@ -12,6 +12,7 @@
 namespace twinsweep {
 
 class AtomicFlag;
+class FingerprintStore;
 
 // Compares the contents within the equal-size runs of a sorted file list on
 // worker threads, a bounded stretch ahead of the comparison loop that consumes
@@ -25,7 +26,8 @@ class DigestPipeline {
     };
 
     DigestPipeline(const FileList& list, std::vector<Run> runs, unsigned threads,
-                   const AtomicFlag& cancel, ByteProgress& progress);
+                   const AtomicFlag& cancel, ByteProgress& progress,
+                   FingerprintStore* store = nullptr);
     ~DigestPipeline();
     DigestPipeline(const DigestPipeline&) = delete;
     DigestPipeline& operator=(const DigestPipeline&) = delete;
@@ -45,6 +47,7 @@ class DigestPipeline {
     std::vector<Run> runs_;
     const AtomicFlag& cancel_;
     ByteProgress& progress_;
+    FingerprintStore* store_; // remembered fingerprints; none when null
     // Per run, per member: distance to the next member with the same digest.
     std::vector<std::vector<std::uint32_t>> next_;
     std::vector<char> done_;

@@ -12,6 +12,7 @@
 
 #include "engine/ByteProgress.h"
 #include "engine/File.h"
+#include "engine/Fingerprints.h"
 #include "engine/LocationGate.h"
 #include "engine/NotificationCenter.h"
 
@@ -56,6 +57,10 @@ class FileTools {
     unsigned walkThreads = defaultWalkThreads();
     std::chrono::nanoseconds walkAheadAfter = std::chrono::milliseconds(20);
     static unsigned defaultWalkThreads();
+    // Fingerprints remembered between searches (our extra option): the
+    // comparison on threads trusts them for runs whose every file is
+    // remembered unchanged, and remembers what it reads. None: every run is read.
+    std::shared_ptr<FingerprintStore> fingerprints;
     // Bytes to compare and compared so far, for the progress displays, which
     // may hand in their own before the search starts.
     std::shared_ptr<ByteProgress> byteProgress = std::make_shared<ByteProgress>();

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <optional>
 #include <string_view>
 #include <sys/uio.h>
 #include <unistd.h>
 
 #include "engine/Diagnostics.h"
 #include "engine/Digest.h"
+#include "engine/RunFingerprints.h"
 #include "engine/SideBySide.h"
 #include "settings/SettingsManager.h"
 
@@ -64,13 +66,23 @@ long readFirst(int fd, unsigned char* data, std::size_t length, bool& cold) {
 class RunComparer final : public RunFiles {
   public:
     RunComparer(const FileList& list, std::size_t begin, std::size_t end, const AtomicFlag& cancel,
-                ReadSignals& signals, ByteProgress& progress, std::vector<std::uint32_t>& setOf)
+                ReadSignals& signals, ByteProgress& progress, FingerprintStore* store,
+                std::vector<std::uint32_t>& setOf)
         : list_(list), begin_(begin), count_(end - begin), cancel_(cancel), signals_(signals),
           progress_(progress), budget_(count_ * list[begin]->size), setOf_(setOf) {
         setOf_.assign(count_, 0);
+        if (store != nullptr) {
+            prints_.emplace(list, begin, count_, *store);
+        }
     }
 
     bool run() {
+        if (prints_ && prints_->allRemembered(cancel_)) {
+            prints_->setsByFingerprint(setOf_);
+            progress_.add(budget_);
+            progress_.remembered(budget_);
+            return true;
+        }
         if (!readHeads()) {
             return false;
         }
@@ -121,6 +133,9 @@ class RunComparer final : public RunFiles {
                 file(k).MD5Hash = text;
             }
         }
+        if (prints_ && !prints_->finish(cancel_)) {
+            return false;
+        }
         // What was not read needed no reading.
         progress_.add(budget_ - counted_);
         return true;
@@ -139,6 +154,13 @@ class RunComparer final : public RunFiles {
         progress_.add(add);
     }
 
+    void readBytes(std::size_t k, std::uint64_t offset, const unsigned char* data, long n,
+                   std::size_t requested) override {
+        if (prints_) {
+            prints_->read(k, offset, data, n, requested);
+        }
+    }
+
     void newSet(const std::vector<std::size_t>& ks) {
         for (std::size_t k : ks) {
             setOf_[k] = nextSet_;
@@ -153,6 +175,9 @@ class RunComparer final : public RunFiles {
     void unreadable(std::size_t k) override {
         printErrorLine(kOoops, file(k).path, errno);
         empty_.push_back(k);
+        if (prints_) {
+            prints_->failed(k);
+        }
     }
 
     // Member k opened for reading, or -1 with it set aside as unreadable.
@@ -185,6 +210,7 @@ class RunComparer final : public RunFiles {
             const long n = readFirst(fd, arena_.data() + h.offset, cap, cold);
             signals_.sawRead(cold);
             counted(n);
+            readBytes(k, 0, arena_.data() + h.offset, n, cap);
             if (n < 0) {
                 arena_.resize(h.offset);
                 closeKeepingErrno(fd);
@@ -243,6 +269,7 @@ class RunComparer final : public RunFiles {
             while ((n = preadFully(fd, buffer.data(), kCompareBlock, at)) > 0) {
                 h = mix(h, quickHash(buffer.data(), static_cast<std::size_t>(n)));
                 counted(n);
+                readBytes(k, at, buffer.data(), n, kCompareBlock);
                 at += static_cast<std::uint64_t>(n);
                 if (static_cast<std::size_t>(n) < kCompareBlock) {
                     break;
@@ -336,14 +363,15 @@ class RunComparer final : public RunFiles {
     std::vector<Head> heads_;
     std::vector<unsigned char> arena_;
     std::vector<std::size_t> empty_; // read as empty: unreadable, or empty now
+    std::optional<RunFingerprints> prints_;
 };
 
 } // namespace
 
 bool compareRunContents(const FileList& list, std::size_t begin, std::size_t end,
                         const AtomicFlag& cancel, ReadSignals& signals, ByteProgress& progress,
-                        std::vector<std::uint32_t>& setOf) {
-    return RunComparer(list, begin, end, cancel, signals, progress, setOf).run();
+                        FingerprintStore* store, std::vector<std::uint32_t>& setOf) {
+    return RunComparer(list, begin, end, cancel, signals, progress, store, setOf).run();
 }
 
 } // namespace twinsweep

@@ -12,6 +12,7 @@
 namespace twinsweep {
 
 class AtomicFlag;
+class FingerprintStore;
 
 // What the readers of one search tell each other; relaxed counters, read for
 // pacing only.
@@ -49,9 +50,11 @@ struct ReadSignals {
 // whose contents are empty get the empty digest in MD5Hash; no other digest
 // is computed. The run's bytes (its size times its files) are added to
 // progress as they are read, the rest when the run is done. Returns false
-// when cancelled part way.
+// when cancelled part way. With a store, a run whose members are all
+// remembered is told apart by fingerprints, reading nothing; any other run is
+// read as without one, and its members are remembered (see RunFingerprints).
 bool compareRunContents(const FileList& list, std::size_t begin, std::size_t end,
                         const AtomicFlag& cancel, ReadSignals& signals, ByteProgress& progress,
-                        std::vector<std::uint32_t>& setOf);
+                        FingerprintStore* store, std::vector<std::uint32_t>& setOf);
 
 } // namespace twinsweep

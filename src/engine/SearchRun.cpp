@@ -143,6 +143,16 @@ bool FileTools::compareFiles() {
     // Runs of equal size that are compared by content go to the digest workers.
     std::vector<DigestPipeline::Run> runs;
     std::vector<std::size_t> runOf; // for each run start: its run number
+    // What the readers fingerprinted is kept however the comparison ends,
+    // once the readers have stopped (the pipeline goes first).
+    struct Flush {
+        FingerprintStore* store;
+        ~Flush() {
+            if (store != nullptr) {
+                store->flush();
+            }
+        }
+    } flush{fingerprints.get()};
     std::optional<DigestPipeline> pipeline;
     std::uint64_t bytesToCompare = 0;
     for (std::size_t i = 0; i < n;) {
@@ -160,7 +170,7 @@ bool FileTools::compareFiles() {
     progress.start(bytesToCompare);
     if (digestThreads > 0 && !runs.empty()) {
         pipeline.emplace(fileList, runs, digestThreads, settingsManager->searchCanceledByUser,
-                         progress);
+                         progress, fingerprints.get());
     }
     // The plain loop counts each file's bytes once it is digested.
     auto digest = [&](File& f) {

@@ -80,6 +80,7 @@ bool compareSideBySide(const std::vector<std::size_t>& ks, std::uint64_t offset,
         for (std::size_t s = 0; s < n; ++s) {
             counts[s] = preadFully(part.files[s].fd, block(s), kCompareBlock, part.offset);
             run.counted(counts[s]);
+            run.readBytes(part.files[s].k, part.offset, block(s), counts[s], kCompareBlock);
             if (counts[s] < 0) {
                 closeKeepingErrno(part.files[s].fd);
                 run.unreadable(part.files[s].k);

@@ -26,6 +26,9 @@ class RunFiles {
     virtual void unreadable(std::size_t k) = 0;
     // Bytes were read (nothing when bytes is not positive).
     virtual void counted(long bytes) = 0;
+    // File k gave n bytes at offset (fewer than requested: its end).
+    virtual void readBytes(std::size_t /*k*/, std::uint64_t /*offset*/,
+                           const unsigned char* /*data*/, long /*n*/, std::size_t /*requested*/) {}
 
   protected:
     ~RunFiles() = default;

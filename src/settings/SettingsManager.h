@@ -100,6 +100,9 @@ class SettingsManager {
     // kept copy (copy-on-write); nothing is removed, and moveToTrash and
     // replaceWithHardLinks are then not consulted.
     bool shareStorage = false;
+    // Our extra option: fingerprints of the contents are remembered between
+    // searches ($XDG_CACHE_HOME/twinsweep) and trusted for unchanged files.
+    bool rememberFingerprints = false;
 };
 
 } // namespace twinsweep

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
 
 #include "engine/FileTools.h"
+#include "fingerprints/FingerprintCache.h"
 #include "settings/SettingsManager.h"
 
 namespace twinsweep::testing {
@@ -46,11 +49,24 @@ struct PostLog {
     }
 };
 
-// An engine that may look anywhere, with the shared cancel flag cleared.
+// An engine that may look anywhere, with the shared cancel flag cleared. With
+// TWINSWEEP_TEST_FINGERPRINTS set, it remembers fingerprints in a new store
+// (removed with the engine's last reference to it), so that every search
+// gives what it gives without one while filling it.
 inline void prepare(FileTools& tools, unsigned threads) {
     tools.locationGate = LocationGate::anywhere();
     tools.digestThreads = threads;
     tools.settingsManager->searchCanceledByUser = false;
+    if (std::getenv("TWINSWEEP_TEST_FINGERPRINTS") != nullptr) {
+        std::string folder = "/tmp/twinsweep-fingerprints-XXXXXX";
+        if (::mkdtemp(folder.data()) != nullptr) {
+            std::shared_ptr<FingerprintStore> store = openFingerprintCache(folder);
+            tools.fingerprints.reset(store.get(), [store, folder](FingerprintStore*) mutable {
+                store.reset();
+                std::filesystem::remove_all(folder);
+            });
+        }
+    }
 }
 
 inline FileList search(FileTools& tools, const std::vector<std::string>& folders,

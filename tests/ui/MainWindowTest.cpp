@@ -269,7 +269,10 @@ class MainWindowTest : public QObject {
         QVERIFY(settings->shareStorage && !settings->replaceWithHardLinks);
         QVERIFY(!settings->moveToTrash);
         window_->checkCompareLargeFilesByContent->click();
+        window_->checkRememberFingerprints->click();
+        QVERIFY(settings->rememberFingerprints);
         window_->findChild<QAction*>(u"actionFileNew"_s)->trigger();
+        QVERIFY(!settings->rememberFingerprints);
         QVERIFY(settings->listFolderPaths.empty() && !settings->customFileTypes);
         QVERIFY(settings->moveToTrash && !settings->replaceWithHardLinks);
         QVERIFY(!settings->shareStorage && !window_->radioShareStorage->isChecked());

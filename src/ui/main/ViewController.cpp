@@ -208,6 +208,7 @@ void ViewController::UpdateSettings() {
     settingsManager->shareStorage = radioShareStorage->isChecked();
     settingsManager->ignorePackages = checkIgnoreBundles->isChecked();
     settingsManager->compareLargeFilesByContent = checkCompareLargeFilesByContent->isChecked();
+    settingsManager->rememberFingerprints = checkRememberFingerprints->isChecked();
 }
 
 void ViewController::ResetSettings() {
@@ -229,6 +230,7 @@ void ViewController::ResetSettings() {
     radioShareStorage->setChecked(false);
     checkIgnoreBundles->setChecked(true);
     checkCompareLargeFilesByContent->setChecked(false);
+    checkRememberFingerprints->setChecked(false);
 
     SettingsManager& s = *settingsManager;
     s.listFolderPaths.clear();
@@ -242,6 +244,7 @@ void ViewController::ResetSettings() {
     s.shareStorage = false;
     s.ignorePackages = true;
     s.compareLargeFilesByContent = false;
+    s.rememberFingerprints = false;
 
     folderModel_->reload();
     extensionModel_->reload();

@@ -58,6 +58,7 @@ class ViewController : public QMainWindow {
     QAction* actionUndoClean = nullptr;
     QCheckBox* checkIgnoreBundles = nullptr;
     QCheckBox* checkCompareLargeFilesByContent = nullptr;
+    QCheckBox* checkRememberFingerprints = nullptr;
     QPushButton* buttonFindDuplicateFiles = nullptr;
     // Under the folder table: which listed folders the search will not look
     // in, and where it does look. Hidden while there are none.
@@ -80,6 +81,8 @@ class ViewController : public QMainWindow {
     void OnShareStorageSelected();
     // Puts back what the last clean to the Trash moved there (UndoClean.cpp).
     void OnUndoClean();
+    // File > Clear Remembered Fingerprints (RememberedFingerprints.cpp).
+    void OnClearRememberedFingerprints();
     void OnIgnoreBundlesChecked();
     void OnCompareLargeFilesByContentChecked();
     void OnFindDuplicateFiles();

@@ -184,10 +184,15 @@ void ViewController::buildLayout() {
               "checkCompareLargeFilesByContent");
     checkCompareLargeFilesByContent->setToolTip(
         QStringLiteral("Files of 100 MB and more are otherwise matched by size alone."));
+    checkRememberFingerprints =
+        named(new QCheckBox(QStringLiteral("Remember file fingerprints between searches"), options),
+              "checkRememberFingerprints");
+    checkRememberFingerprints->setToolTip(
+        QStringLiteral("Files unchanged since an earlier search are not read again."));
     for (QWidget* w : std::initializer_list<QWidget*>{
              radioMoveDuplicateFilesToTrash, radioRemoveDuplicateFilesPermanently,
              radioReplaceWithHardLinks, radioShareStorage, checkIgnoreBundles,
-             checkCompareLargeFilesByContent}) {
+             checkCompareLargeFilesByContent, checkRememberFingerprints}) {
         optionRows->addWidget(w);
     }
     page->addWidget(options);
@@ -233,6 +238,7 @@ void ViewController::buildLayout() {
     connect(checkIgnoreBundles, &QCheckBox::clicked, this, &ViewController::OnIgnoreBundlesChecked);
     connect(checkCompareLargeFilesByContent, &QCheckBox::clicked, this,
             &ViewController::OnCompareLargeFilesByContentChecked);
+    connect(checkRememberFingerprints, &QCheckBox::clicked, this, &ViewController::UpdateSettings);
     connect(buttonFindDuplicateFiles, &QPushButton::clicked, this,
             &ViewController::OnFindDuplicateFiles);
 }
@@ -269,6 +275,11 @@ void ViewController::buildMenus() {
     addCommand(file, QStringLiteral("&Find Duplicate Files"), QKeySequence::Find, [this] {
         OnFindDuplicateFiles();
     })->setObjectName(QStringLiteral("actionFindDuplicateFiles"));
+    file->addSeparator();
+    addCommand(file, QStringLiteral("Clear Remembered &Fingerprints"),
+               QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Delete),
+               [this] { OnClearRememberedFingerprints(); })
+        ->setObjectName(QStringLiteral("actionClearRememberedFingerprints"));
     file->addSeparator();
     QAction* quit = file->addAction(QStringLiteral("&Quit"));
     quit->setObjectName(QStringLiteral("actionQuit"));

@@ -10,6 +10,7 @@
 
 #include "engine/FileTools.h"
 #include "engine/SearchJob.h"
+#include "fingerprints/FingerprintCache.h"
 #include "settings/SettingsManager.h"
 #include "ui/platform/MainQueue.h"
 #include "ui/progress/ProgressText.h"
@@ -100,6 +101,9 @@ void ViewControllerProgress::RunSearch() {
     {
         FileTools tools;
         tools.byteProgress = bytes_;
+        if (settingsManager->rememberFingerprints) {
+            tools.fingerprints = openFingerprintCache(); // says why when there is none
+        }
         runSearchJob(*settingsManager, tools);
     } // the engine's records are freed here, before SearchDone joins this thread
     submitToMain(this, [this] { SearchDone(); });
