@@ -35,6 +35,8 @@ struct Options {
     // --dry-run with --trash, --delete or --link: says what that clean would do.
     bool dryRunGiven = false;
     bool yes = false;
+    // --apply: the JSON plan whose marks the clean acts on, instead of a search.
+    std::string planFile;
     bool undo = false; // put back what the last run with --trash moved there
     bool help = false;
     bool version = false;
@@ -47,7 +49,7 @@ inline bool dryRun(const Options& o) {
 
 // True when the options mark copies, so the run acts instead of reporting.
 inline bool marks(const Options& o) {
-    return o.keepOption.has_value() || !o.rulesFile.empty();
+    return o.keepOption.has_value() || !o.rulesFile.empty() || !o.planFile.empty();
 }
 
 struct ParseResult {

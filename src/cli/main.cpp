@@ -11,11 +11,13 @@
 #include <unistd.h>
 
 #include "cli/Acting.h"
+#include "cli/Apply.h"
 #include "cli/Options.h"
 #include "cli/Output.h"
 #include "cli/Progress.h"
 #include "cli/Undo.h"
 #include "engine/FileTools.h"
+#include "engine/ProtectedFolders.h"
 #include "engine/SearchJob.h"
 #include "removal/PlatformRemover.h"
 #include "removal/StoppedCleans.h"
@@ -163,7 +165,18 @@ int main(int argc, char** argv) {
     // records only to exit would cost time for nothing.
     auto* tools = new FileTools;
     bool completed = false;
-    {
+    if (!options.planFile.empty()) {
+        // The plan stands for the search: its groups, marks and identities.
+        FileList groups;
+        if (const std::string err = cli::loadPlan(options, groups); !err.empty()) {
+            std::fprintf(stderr, "twinsweep-cli: %s; nothing was removed\n", err.c_str());
+            std::fflush(nullptr);
+            ::_exit(kExitBadUsage);
+        }
+        applyProtection(groups, options.protectedFolders);
+        settings->duplicateFileList = std::move(groups);
+        completed = true;
+    } else {
         std::unique_ptr<cli::TerminalProgress> progress;
         if (::isatty(STDERR_FILENO)) {
             progress = std::make_unique<cli::TerminalProgress>(STDERR_FILENO, tools->byteProgress);

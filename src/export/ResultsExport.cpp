@@ -1,6 +1,7 @@
 #include "export/ResultsExport.h"
 
 #include "engine/FileTools.h"
+#include "engine/FolderRegistry.h"
 #include "export/Chunked.h"
 
 namespace twinsweep {
@@ -28,6 +29,22 @@ const char* categoryName(int code) {
     static const char* const kNames[] = {"pictures", "music",     "movies",
                                          "archives", "documents", "other"};
     return code >= 1 && code <= 6 ? kNames[code - 1] : "other";
+}
+
+std::string jsonIdentity(const DuplicateFile& member) {
+    std::string out;
+    if (member.seen.known) {
+        out += ",\"identity\":{\"device\":" + std::to_string(member.seen.device) +
+               ",\"inode\":" + std::to_string(member.seen.inode) +
+               ",\"size\":" + std::to_string(member.seen.size) +
+               ",\"mtime\":" + std::to_string(member.seen.mtimeSec) +
+               ",\"mtimeNsec\":" + std::to_string(member.seen.mtimeNsec) + "}";
+    }
+    if (const FolderIdentity folder = FolderRegistry::at(member.folder); folder.known) {
+        out += ",\"folder\":{\"device\":" + std::to_string(folder.device) +
+               ",\"inode\":" + std::to_string(folder.inode) + "}";
+    }
+    return out;
 }
 
 bool writeJsonExport(const FileList& groups, const FileTools& tools, ExportFields fields,
@@ -58,6 +75,7 @@ bool writeJsonExport(const FileList& groups, const FileTools& tools, ExportField
             if (fields.marks) {
                 out += member.checkState == 1 ? ",\"marked\":true" : ",\"marked\":false";
             }
+            out += jsonIdentity(member);
             if (member.isProtected) {
                 out += ",\"protected\":true";
             }
