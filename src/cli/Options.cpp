@@ -166,6 +166,11 @@ const std::vector<OptionRule>& optionRules() {
         {"--delete", false,
          [](Options& o, const std::string&) { return removal(o, Removal::Delete); }},
         {"--link", false, [](Options& o, const std::string&) { return removal(o, Removal::Link); }},
+        {"--idle", false,
+         [](Options& o, const std::string&) {
+             o.idle = true;
+             return std::string();
+         }},
         {"--apply", true,
          [](Options& o, const std::string& v) {
              if (v.empty()) {

@@ -22,6 +22,7 @@ struct Options {
     std::vector<std::string> extensions; // lower-case, no dot; empty: every type
     bool ignorePackages = true;
     bool compareLargeByContent = false;
+    bool idle = false; // --idle: the search reads at idle I/O priority
     Locations locations = Locations::PlatformDefault;
     std::string locationRoot;
     OutputFormat format = OutputFormat::Text;

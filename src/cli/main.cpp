@@ -141,6 +141,7 @@ int main(int argc, char** argv) {
     settings->listFileExtensions = options.extensions;
     settings->ignorePackages = options.ignorePackages;
     settings->compareLargeFilesByContent = options.compareLargeByContent;
+    settings->idleSearch = options.idle;
     settings->searchCanceledByUser = false;
 
     cancelFlag = &settings->searchCanceledByUser;

@@ -1,4 +1,5 @@
 #include "engine/RunContents.h"
+#include "engine/GentleRead.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -191,7 +192,7 @@ class RunComparer final : public RunFiles {
                 unreadable(k);
                 continue;
             }
-            ::close(fd);
+            closeAfterReading(fd);
             h.length = static_cast<std::size_t>(n);
             arena_.resize(h.offset + h.length);
             // A short read is the real end of the file, whatever the walk saw.
@@ -253,7 +254,7 @@ class RunComparer final : public RunFiles {
                 unreadable(k);
                 continue;
             }
-            ::close(fd);
+            closeAfterReading(fd);
             keyed.push_back({{h, at}, k});
         }
         std::sort(keyed.begin(), keyed.end());

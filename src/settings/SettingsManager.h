@@ -96,6 +96,8 @@ class SettingsManager {
     // Our extra removal choice: marked copies become hard links to a kept
     // copy (moveToTrash is then not consulted).
     bool replaceWithHardLinks = false;
+    // Our extra option: the search reads at idle I/O priority.
+    bool idleSearch = false;
 };
 
 } // namespace twinsweep
