@@ -234,10 +234,13 @@ class MainWindowTest : public QObject {
         window_->radioReplaceWithHardLinks->click();
         QVERIFY(settings->replaceWithHardLinks && !settings->moveToTrash);
         window_->checkCompareLargeFilesByContent->click();
+        window_->checkIdleSearch->click();
+        QVERIFY(settings->idleSearch);
         window_->findChild<QAction*>(u"actionFileNew"_s)->trigger();
         QVERIFY(settings->listFolderPaths.empty() && !settings->customFileTypes);
         QVERIFY(settings->moveToTrash && !settings->replaceWithHardLinks);
-        QVERIFY(!settings->compareLargeFilesByContent);
+        QVERIFY(!settings->compareLargeFilesByContent && !settings->idleSearch);
+        QVERIFY(!window_->checkIdleSearch->isChecked());
         QCOMPARE(settings->minimumFileSize, std::uint64_t{204800});
         // The widgets show the defaults too.
         QCOMPARE(window_->textFieldMinimumFileSize->text(), u"200.0 KB"_s);

@@ -203,6 +203,7 @@ void ViewController::UpdateSettings() {
     settingsManager->replaceWithHardLinks = radioReplaceWithHardLinks->isChecked();
     settingsManager->ignorePackages = checkIgnoreBundles->isChecked();
     settingsManager->compareLargeFilesByContent = checkCompareLargeFilesByContent->isChecked();
+    settingsManager->idleSearch = checkIdleSearch->isChecked();
 }
 
 void ViewController::ResetSettings() {
@@ -223,6 +224,7 @@ void ViewController::ResetSettings() {
     radioReplaceWithHardLinks->setChecked(false);
     checkIgnoreBundles->setChecked(true);
     checkCompareLargeFilesByContent->setChecked(false);
+    checkIdleSearch->setChecked(false);
 
     SettingsManager& s = *settingsManager;
     s.listFolderPaths.clear();
@@ -235,6 +237,7 @@ void ViewController::ResetSettings() {
     s.replaceWithHardLinks = false;
     s.ignorePackages = true;
     s.compareLargeFilesByContent = false;
+    s.idleSearch = false;
 
     folderModel_->reload();
     extensionModel_->reload();

@@ -57,6 +57,7 @@ class ViewController : public QMainWindow {
     QAction* actionUndoClean = nullptr;
     QCheckBox* checkIgnoreBundles = nullptr;
     QCheckBox* checkCompareLargeFilesByContent = nullptr;
+    QCheckBox* checkIdleSearch = nullptr;
     QPushButton* buttonFindDuplicateFiles = nullptr;
     // Under the folder table: which listed folders the search will not look
     // in, and where it does look. Hidden while there are none.

@@ -176,9 +176,15 @@ void ViewController::buildLayout() {
               "checkCompareLargeFilesByContent");
     checkCompareLargeFilesByContent->setToolTip(
         QStringLiteral("Files of 100 MB and more are otherwise matched by size alone."));
+    checkIdleSearch = named(new QCheckBox(QStringLiteral("Search at idle disk priority"), options),
+                            "checkIdleSearch");
+    checkIdleSearch->setToolTip(QStringLiteral(
+        "The search reads only when no other program is waiting for the disk: slower, "
+        "but the desktop stays responsive."));
     for (QWidget* w : std::initializer_list<QWidget*>{
              radioMoveDuplicateFilesToTrash, radioRemoveDuplicateFilesPermanently,
-             radioReplaceWithHardLinks, checkIgnoreBundles, checkCompareLargeFilesByContent}) {
+             radioReplaceWithHardLinks, checkIgnoreBundles, checkCompareLargeFilesByContent,
+             checkIdleSearch}) {
         optionRows->addWidget(w);
     }
     page->addWidget(options);
@@ -222,6 +228,8 @@ void ViewController::buildLayout() {
     connect(checkIgnoreBundles, &QCheckBox::clicked, this, &ViewController::OnIgnoreBundlesChecked);
     connect(checkCompareLargeFilesByContent, &QCheckBox::clicked, this,
             &ViewController::OnCompareLargeFilesByContentChecked);
+    connect(checkIdleSearch, &QCheckBox::clicked, this,
+            &ViewController::OnCompareLargeFilesByContentChecked); // both just update the settings
     connect(buttonFindDuplicateFiles, &QPushButton::clicked, this,
             &ViewController::OnFindDuplicateFiles);
 }
