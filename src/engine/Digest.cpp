@@ -133,7 +133,7 @@ int openForReading(const std::string& path, std::uint32_t folder) {
         errno = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;
         return -1;
     }
-    noteOpenedForReading(fd, static_cast<std::uint64_t>(st.st_size));
+    noteOpenedForReading(fd, st);
     return fd;
 }
 

@@ -4,9 +4,12 @@
 #include <atomic>
 #include <cerrno>
 #include <fcntl.h>
+#include <mutex>
+#include <set>
 #include <sys/mman.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace twinsweep {
@@ -65,22 +68,52 @@ bool anyCached(int fd, std::uint64_t size) {
     return cached;
 }
 
+struct Uncached {
+    std::mutex lock;
+    std::set<std::pair<std::uint64_t, std::uint64_t>> files; // device, inode
+};
+
+Uncached& uncached() {
+    static Uncached u;
+    return u;
+}
+
 } // namespace
 
-void noteOpenedForReading(int fd, std::uint64_t size) {
-    if (fd < 0 || fd >= kTracked || size == 0) {
+void beginGentleSearch() {
+    Uncached& u = uncached();
+    const std::lock_guard guard(u.lock);
+    u.files.clear();
+}
+
+void noteOpenedForReading(int fd, const struct stat& st) {
+    if (fd < 0 || fd >= kTracked || st.st_size == 0) {
         return;
     }
     const int err = errno;
-    dropOnClose[static_cast<std::size_t>(fd)].store(!anyCached(fd, size),
-                                                    std::memory_order_relaxed);
+    // A file read in several passes keeps the judgement of its first opening:
+    // what an earlier pass left cached is the search's own.
+    const std::pair<std::uint64_t, std::uint64_t> id(st.st_dev, st.st_ino);
+    Uncached& u = uncached();
+    bool drop = false;
+    {
+        const std::lock_guard guard(u.lock);
+        drop = u.files.count(id) != 0;
+    }
+    if (!drop && !anyCached(fd, static_cast<std::uint64_t>(st.st_size))) {
+        drop = true;
+        const std::lock_guard guard(u.lock);
+        u.files.insert(id);
+    }
+    dropOnClose[static_cast<std::size_t>(fd)].store(drop, std::memory_order_relaxed);
     errno = err;
 }
 
-void closeAfterReading(int fd) {
+void closeAfterReading(int fd, bool drop) {
     const int err = errno;
     if (fd >= 0 && fd < kTracked &&
-        dropOnClose[static_cast<std::size_t>(fd)].exchange(false, std::memory_order_relaxed)) {
+        dropOnClose[static_cast<std::size_t>(fd)].exchange(false, std::memory_order_relaxed) &&
+        drop) {
         ::posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED);
     }
     ::close(fd);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <sys/stat.h>
 
 namespace twinsweep {
 
@@ -10,11 +11,15 @@ namespace twinsweep {
 // dropped again once the file is closed. A file that was cached stays cached.
 // Nothing of the results depends on it.
 
-// Notes whether the file just opened as fd (size bytes) was cached.
-void noteOpenedForReading(int fd, std::uint64_t size);
-// Closes fd, first dropping what was read of it when it was not cached.
-// Keeps errno.
-void closeAfterReading(int fd);
+// A search starts: files are judged afresh.
+void beginGentleSearch();
+// Notes whether the file just opened as fd (st) was cached when the search
+// first opened it.
+void noteOpenedForReading(int fd, const struct stat& st);
+// Closes fd, first dropping what was read of it when it was not cached;
+// drop false keeps it for a pass that reads it again (the first bytes read
+// ahead of the comparison). Keeps errno.
+void closeAfterReading(int fd, bool drop = true);
 
 // Runs the calling thread, and the threads it starts from now on, at idle
 // I/O priority while the object lives (the previous priority comes back

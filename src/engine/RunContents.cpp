@@ -192,7 +192,8 @@ class RunComparer final : public RunFiles {
                 unreadable(k);
                 continue;
             }
-            closeAfterReading(fd);
+            // A file read only in part is read again by the comparison.
+            closeAfterReading(fd, static_cast<std::size_t>(n) < cap);
             h.length = static_cast<std::size_t>(n);
             arena_.resize(h.offset + h.length);
             // A short read is the real end of the file, whatever the walk saw.

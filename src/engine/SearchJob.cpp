@@ -33,6 +33,7 @@ bool runSearchJob(SettingsManager& settings, FileTools& tools) {
     tools.compareLargeFilesByContent = settings.compareLargeFilesByContent;
     // The reading threads start below and inherit it.
     const IdleIoPriority idle(settings.idleSearch);
+    beginGentleSearch();
     const std::vector<std::string> extensions =
         settings.customFileTypes ? settings.listFileExtensions : std::vector<std::string>{};
     settings.fileList =
