@@ -54,17 +54,16 @@ bool CleanLog::writeJson(std::uint64_t bytesFreed, std::int64_t failed,
             const auto found = outcomes_.find(&m);
             const bool marked = found != outcomes_.end() || m.checkState == 1;
             text += (i > 0 ? ",{\"path\":" : "{\"path\":") + jsonString(m.path) +
-                    ",\"marked\":" + (marked ? "true" : "false") +
-                    (m.isProtected ? ",\"protected\":true" : "") + jsonIdentity(m) +
-                    ",\"outcome\":\"";
+                    ",\"marked\":" + (marked ? "true" : "false") + ",\"outcome\":\"";
             if (found == outcomes_.end()) {
-                text += marked ? "not reached\"}" : "kept\"}";
+                text += marked ? "not reached\"" : "kept\"";
             } else if (found->second.ok) {
-                text += std::string(doneWord()) + "\"}";
+                text += std::string(doneWord()) + "\"";
             } else {
-                text += std::string(leftWord()) +
-                        "\",\"reason\":" + jsonString(found->second.reason) + "}";
+                text +=
+                    std::string(leftWord()) + "\",\"reason\":" + jsonString(found->second.reason);
             }
+            text += (m.isProtected ? ",\"protected\":true" : "") + jsonIdentity(m) + "}";
         }
         text += "]}";
         if (!out.maybeFlush()) {

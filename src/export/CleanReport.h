@@ -30,11 +30,11 @@ class CleanLog {
     const std::vector<std::string>& done() const { return done_; }
 
     // {"dryRun":…,"removed"|"linked":[paths],"bytesFreed":…,"failed":…,
-    //  "groups":[{"path","size","members":[{"path","marked","identity","folder",
-    //  "outcome","reason"}]}]}
+    //  "groups":[{"path","size","members":[{"path","marked","outcome","reason",
+    //  "protected","device","inode","mtime","mtimeNsec","folderDevice","folderInode"}]}]}
     // One group a line; "outcome" is doneWord(), leftWord() (with "reason"),
     // "kept" for an unmarked member, "not reached" for a marked one the clean
-    // stopped before. "identity" and "folder" as in writeJsonExport, so the report
+    // stopped before. The identities as in writeJsonExport, so the report
     // of a dry run is a plan that twinsweep-cli --apply can act on.
     bool writeJson(std::uint64_t bytesFreed, std::int64_t failed, const ExportSink& sink) const;
 

@@ -18,13 +18,13 @@ bool readUnsigned(const JsonValue& object, const char* key, std::uint64_t max, s
     return true;
 }
 
-bool readIdentity(const JsonValue& id, FileIdentity& seen) {
+bool readIdentity(const JsonValue& id, std::uint64_t size, FileIdentity& seen) {
     std::uint64_t device = 0;
     std::uint64_t nsec = 0;
     const JsonValue* mtime = id.find("mtime");
-    if (id.kind != Kind::Object || !readUnsigned(id, "device", UINT32_MAX, device) ||
+    seen.size = size;
+    if (!readUnsigned(id, "device", UINT32_MAX, device) ||
         !readUnsigned(id, "inode", UINT64_MAX, seen.inode) ||
-        !readUnsigned(id, "size", UINT64_MAX, seen.size) ||
         !readUnsigned(id, "mtimeNsec", 999'999'999, nsec) || mtime == nullptr ||
         mtime->kind != Kind::Number || mtime->magnitude > static_cast<std::uint64_t>(INT64_MAX)) {
         return false;
@@ -59,18 +59,13 @@ std::string readMember(const JsonValue& m, std::uint64_t groupSize, PlanMember& 
     if (const JsonValue* d = m.find("date"); d != nullptr && d->kind == Kind::String) {
         out.date = d->text;
     }
-    if (const JsonValue* id = m.find("identity"); id != nullptr) {
-        if (!readIdentity(*id, out.seen)) {
-            return out.path + ": a malformed \"identity\"";
-        }
-        if (out.seen.size != groupSize) {
-            return out.path + ": its \"identity\" has another size than its group";
-        }
+    if (m.find("device") != nullptr && !readIdentity(m, groupSize, out.seen)) {
+        return out.path + ": a malformed \"device\", \"inode\", \"mtime\" or \"mtimeNsec\"";
     }
-    if (const JsonValue* f = m.find("folder"); f != nullptr) {
-        if (f->kind != Kind::Object || !readUnsigned(*f, "device", UINT64_MAX, out.folderDevice) ||
-            !readUnsigned(*f, "inode", UINT64_MAX, out.folderInode)) {
-            return out.path + ": a malformed \"folder\"";
+    if (m.find("folderDevice") != nullptr) {
+        if (!readUnsigned(m, "folderDevice", UINT64_MAX, out.folderDevice) ||
+            !readUnsigned(m, "folderInode", UINT64_MAX, out.folderInode)) {
+            return out.path + ": a malformed \"folderDevice\" or \"folderInode\"";
         }
         out.folderKnown = true;
     }

@@ -29,10 +29,10 @@ struct PlanGroup {
 
 // Reads the JSON that writeJsonExport (with marks) or CleanLog::writeJson
 // writes: {"groups":[{"path","size","members":[{"path","marked",
-// "identity":{…},"folder":{…},…}]}]}. Strict: any other JSON shape, a
-// duplicate key, a number that is not a whole number in range, a group of
-// fewer than two members, a member without "marked", a relative path or an
-// identity of another size than its group is refused with the reason
+// "device","inode","mtime","mtimeNsec","folderDevice","folderInode",…}]}]}.
+// Strict: any other JSON shape, a duplicate key, a number that is not a whole
+// number in range, a group of fewer than two members, a member without
+// "marked" or a relative path is refused with the reason
 // (returned; "" when the plan was read). Other keys are ignored. Strings take
 // \udcXX back to the byte XX, as jsonString writes bytes that are not UTF-8.
 std::string readPlan(std::string_view text, std::vector<PlanGroup>& groups);

@@ -34,15 +34,14 @@ const char* categoryName(int code) {
 std::string jsonIdentity(const DuplicateFile& member) {
     std::string out;
     if (member.seen.known) {
-        out += ",\"identity\":{\"device\":" + std::to_string(member.seen.device) +
+        out += ",\"device\":" + std::to_string(member.seen.device) +
                ",\"inode\":" + std::to_string(member.seen.inode) +
-               ",\"size\":" + std::to_string(member.seen.size) +
                ",\"mtime\":" + std::to_string(member.seen.mtimeSec) +
-               ",\"mtimeNsec\":" + std::to_string(member.seen.mtimeNsec) + "}";
+               ",\"mtimeNsec\":" + std::to_string(member.seen.mtimeNsec);
     }
     if (const FolderIdentity folder = FolderRegistry::at(member.folder); folder.known) {
-        out += ",\"folder\":{\"device\":" + std::to_string(folder.device) +
-               ",\"inode\":" + std::to_string(folder.inode) + "}";
+        out += ",\"folderDevice\":" + std::to_string(folder.device) +
+               ",\"folderInode\":" + std::to_string(folder.inode);
     }
     return out;
 }
@@ -72,10 +71,10 @@ bool writeJsonExport(const FileList& groups, const FileTools& tools, ExportField
                 out.push_back(',');
             }
             out += "{\"path\":" + jsonString(member.path) + ",\"date\":" + jsonString(member.date);
+            out += jsonIdentity(member);
             if (fields.marks) {
                 out += member.checkState == 1 ? ",\"marked\":true" : ",\"marked\":false";
             }
-            out += jsonIdentity(member);
             if (member.isProtected) {
                 out += ",\"protected\":true";
             }

@@ -23,12 +23,11 @@ std::string member(const std::string& path, bool marked, const std::string& extr
     EXPECT_EQ(::lstat(path.c_str(), &st), 0) << path;
     EXPECT_EQ(::stat(path.substr(0, path.rfind('/')).c_str(), &dir), 0) << path;
     return "{\"path\":\"" + path + "\",\"marked\":" + (marked ? "true" : "false") + extra +
-           ",\"identity\":{\"device\":" + std::to_string(st.st_dev) +
-           ",\"inode\":" + std::to_string(st.st_ino) + ",\"size\":" + std::to_string(st.st_size) +
+           ",\"device\":" + std::to_string(st.st_dev) + ",\"inode\":" + std::to_string(st.st_ino) +
            ",\"mtime\":" + std::to_string(st.st_mtim.tv_sec) +
            ",\"mtimeNsec\":" + std::to_string(st.st_mtim.tv_nsec) +
-           "},\"folder\":{\"device\":" + std::to_string(dir.st_dev) +
-           ",\"inode\":" + std::to_string(dir.st_ino) + "}}";
+           ",\"folderDevice\":" + std::to_string(dir.st_dev) +
+           ",\"folderInode\":" + std::to_string(dir.st_ino) + "}";
 }
 
 std::string group(std::uint64_t size, const std::vector<std::string>& members) {
@@ -124,8 +123,8 @@ TEST(Apply, AnEditedOrForeignPlanCanOnlyMakeACopyBeLeft) {
     // A forged identity, other bytes, a file outside the folders given, a
     // protected copy, a path through another user's link: each left.
     std::string forged = member(a, true);
-    forged.replace(forged.find("\"identity\""), std::string::npos,
-                   member(b, false).substr(member(b, false).find("\"identity\"")));
+    forged.replace(forged.find("\"device\""), std::string::npos,
+                   member(b, false).substr(member(b, false).find("\"device\"")));
     r = apply(
         plan({group(10, {forged, member(b, false)}), group(10, {member(c, true), member(b, false)}),
               group(10, {member(out, true), member(b, false)}),
@@ -149,7 +148,10 @@ TEST(Apply, AnEditedOrForeignPlanCanOnlyMakeACopyBeLeft) {
          {std::string("{\"groups\":[") + group(10, {member(a, true), ok}),
           plan({group(10, {member(a, true)})}), plan({group(10, {"{\"path\":\"" + a + "\"}", ok})}),
           plan({group(10, {"{\"path\":\"s/a\",\"marked\":true}", ok})}),
-          plan({group(9, {member(a, true), ok})}),
+          plan({group(10, {"{\"path\":\"" + a +
+                               "\",\"marked\":true,\"device\":-1,\"inode\":1,\"mtime\":0,"
+                               "\"mtimeNsec\":0}",
+                           ok})}),
           plan({group(10, {"{\"path\":\"" + a + "\",\"marked\":true,\"marked\":false}", ok})}),
           std::string("{\"groups\":[{\"path\":\"/x\",\"size\":1.5,\"members\":[]}]}")}) {
         r = apply(bad);

@@ -124,6 +124,9 @@ class MainWindowTest : public QObject {
         QVERIFY(!dropOnFolderTable(*window_, {file}, aboveRow(*window_, 0))); // only files
         // Below the last row appends.
         const std::string w = tree_.mkdir("w");
+        // Tall enough for room below five rows, whatever options the window shows.
+        window_->resize(window_->width(), window_->height() + 200);
+        QCoreApplication::processEvents();
         const QPoint empty(10, window_->tableViewFolders->viewport()->height() - 3);
         QVERIFY(dropOnFolderTable(*window_, {w}, empty));
         QCOMPARE(folders().back(), w);
