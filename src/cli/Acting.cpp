@@ -152,7 +152,9 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
                        FileRemover& remover, const ReportSink& out,
                        const std::function<bool()>& stop) {
     const FileList groups = settings.duplicateFileList;
-    if (options.keepOption) {
+    if (!options.planFile.empty()) {
+        // Marked as the plan says (loadPlan).
+    } else if (options.keepOption) {
         const SamePathIndex samePath(groups);
         for (const FilePtr& g : groups) {
             applyKeepOption(*g, *options.keepOption, samePath);

@@ -168,6 +168,19 @@ const std::vector<OptionRule>& optionRules() {
         {"--link", false, [](Options& o, const std::string&) { return removal(o, Removal::Link); }},
         {"--share", false,
          [](Options& o, const std::string&) { return removal(o, Removal::Share); }},
+        {"--idle", false,
+         [](Options& o, const std::string&) {
+             o.idle = true;
+             return std::string();
+         }},
+        {"--apply", true,
+         [](Options& o, const std::string& v) {
+             if (v.empty()) {
+                 return std::string("--apply needs a plan file");
+             }
+             o.planFile = v;
+             return std::string();
+         }},
         {"--undo", false,
          [](Options& o, const std::string&) {
              o.undo = true;
@@ -373,6 +386,18 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
     }
     if (o.minimumSize > o.maximumSize) {
         result.error = "--min-size is larger than --max-size";
+        return result;
+    }
+    if (!o.planFile.empty() && (o.keepOption || !o.rulesFile.empty())) {
+        result.error = "--apply takes its marks from the plan; leave out --keep and --rules";
+        return result;
+    }
+    if (!o.planFile.empty() && (!o.removalGiven || o.removal == Removal::DryRun)) {
+        result.error = "--apply needs --trash, --delete or --link (with --dry-run to check only)";
+        return result;
+    }
+    if (!o.planFile.empty() && given.empty() && o.protectedFolders.empty()) {
+        result.error = "--apply acts only inside the folders given: name at least one";
         return result;
     }
     if (o.keepOption && !o.rulesFile.empty()) {

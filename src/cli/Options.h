@@ -22,6 +22,7 @@ struct Options {
     std::vector<std::string> extensions; // lower-case, no dot; empty: every type
     bool ignorePackages = true;
     bool compareLargeByContent = false;
+    bool idle = false; // --idle: the search reads at idle I/O priority
     Locations locations = Locations::PlatformDefault;
     std::string locationRoot;
     OutputFormat format = OutputFormat::Text;
@@ -35,6 +36,8 @@ struct Options {
     // --dry-run with --trash, --delete, --link or --share: says what that clean would do.
     bool dryRunGiven = false;
     bool yes = false;
+    // --apply: the JSON plan whose marks the clean acts on, instead of a search.
+    std::string planFile;
     bool undo = false; // put back what the last run with --trash moved there
     // Remember fingerprints between searches, trusting those still valid.
     bool cache = false;
@@ -50,7 +53,7 @@ inline bool dryRun(const Options& o) {
 
 // True when the options mark copies, so the run acts instead of reporting.
 inline bool marks(const Options& o) {
-    return o.keepOption.has_value() || !o.rulesFile.empty();
+    return o.keepOption.has_value() || !o.rulesFile.empty() || !o.planFile.empty();
 }
 
 struct ParseResult {

@@ -11,11 +11,13 @@
 #include <unistd.h>
 
 #include "cli/Acting.h"
+#include "cli/Apply.h"
 #include "cli/Options.h"
 #include "cli/Output.h"
 #include "cli/Progress.h"
 #include "cli/Undo.h"
 #include "engine/FileTools.h"
+#include "engine/ProtectedFolders.h"
 #include "engine/SearchJob.h"
 #include "fingerprints/FingerprintCache.h"
 #include "removal/PlatformRemover.h"
@@ -152,6 +154,7 @@ int main(int argc, char** argv) {
     settings->listFileExtensions = options.extensions;
     settings->ignorePackages = options.ignorePackages;
     settings->compareLargeFilesByContent = options.compareLargeByContent;
+    settings->idleSearch = options.idle;
     settings->searchCanceledByUser = false;
 
     cancelFlag = &settings->searchCanceledByUser;
@@ -179,7 +182,18 @@ int main(int argc, char** argv) {
         tools->fingerprints = openFingerprintCache(); // says why when there is none
     }
     bool completed = false;
-    {
+    if (!options.planFile.empty()) {
+        // The plan stands for the search: its groups, marks and identities.
+        FileList groups;
+        if (const std::string err = cli::loadPlan(options, groups); !err.empty()) {
+            std::fprintf(stderr, "twinsweep-cli: %s; nothing was removed\n", err.c_str());
+            std::fflush(nullptr);
+            ::_exit(kExitBadUsage);
+        }
+        applyProtection(groups, options.protectedFolders);
+        settings->duplicateFileList = std::move(groups);
+        completed = true;
+    } else {
         std::unique_ptr<cli::TerminalProgress> progress;
         if (::isatty(STDERR_FILENO)) {
             progress = std::make_unique<cli::TerminalProgress>(STDERR_FILENO, tools->byteProgress);

@@ -1,6 +1,7 @@
 // Reading file contents: whole-file MD5 through a fixed buffer, and the short
 // prefix read that splits same-size files before any full read.
 #include "engine/Digest.h"
+#include "engine/GentleRead.h"
 
 #include <cerrno>
 #include <cstring>
@@ -132,6 +133,7 @@ int openForReading(const std::string& path, std::uint32_t folder) {
         errno = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;
         return -1;
     }
+    noteOpenedForReading(fd, st);
     return fd;
 }
 
@@ -162,7 +164,7 @@ Md5 streamDigestOf(int fd, const std::string& path) {
         if (n < 0) {
             // A failed read means the contents count as empty.
             printErrorLine(kOoops, path, errno);
-            ::close(fd);
+            closeAfterReading(fd);
             return md5Of(nullptr, 0);
         }
         EVP_DigestUpdate(ctx, buffer.data(), static_cast<std::size_t>(n));
@@ -170,7 +172,7 @@ Md5 streamDigestOf(int fd, const std::string& path) {
             break;
         }
     }
-    ::close(fd);
+    closeAfterReading(fd);
     Md5 out{};
     unsigned int len = 0;
     EVP_DigestFinal_ex(ctx, out.data(), &len);

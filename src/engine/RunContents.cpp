@@ -1,4 +1,5 @@
 #include "engine/RunContents.h"
+#include "engine/GentleRead.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -217,7 +218,8 @@ class RunComparer final : public RunFiles {
                 unreadable(k);
                 continue;
             }
-            ::close(fd);
+            // A file read only in part is read again by the comparison.
+            closeAfterReading(fd, static_cast<std::size_t>(n) < cap);
             h.length = static_cast<std::size_t>(n);
             arena_.resize(h.offset + h.length);
             // A short read is the real end of the file, whatever the walk saw.
@@ -280,7 +282,7 @@ class RunComparer final : public RunFiles {
                 unreadable(k);
                 continue;
             }
-            ::close(fd);
+            closeAfterReading(fd);
             keyed.push_back({{h, at}, k});
         }
         std::sort(keyed.begin(), keyed.end());

@@ -1,6 +1,7 @@
 #include "engine/SearchJob.h"
 
 #include "engine/FileTools.h"
+#include "engine/GentleRead.h"
 #include "engine/ProtectedFolders.h"
 #include "engine/SameFile.h"
 #include "settings/SettingsManager.h"
@@ -30,6 +31,9 @@ void dropSecondViews(File& group, const SameFile& sameFile) {
 
 bool runSearchJob(SettingsManager& settings, FileTools& tools) {
     tools.compareLargeFilesByContent = settings.compareLargeFilesByContent;
+    // The reading threads start below and inherit it.
+    const IdleIoPriority idle(settings.idleSearch);
+    beginGentleSearch();
     const std::vector<std::string> extensions =
         settings.customFileTypes ? settings.listFileExtensions : std::vector<std::string>{};
     settings.fileList =

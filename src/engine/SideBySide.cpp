@@ -1,5 +1,6 @@
 // The block-by-block comparison of files whose first bytes agree.
 #include "engine/SideBySide.h"
+#include "engine/GentleRead.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -21,16 +22,14 @@ struct Open {
 
 void closeAll(const std::vector<Open>& files) {
     for (const Open& f : files) {
-        ::close(f.fd);
+        closeAfterReading(f.fd);
     }
 }
 
 } // namespace
 
 void closeKeepingErrno(int fd) {
-    const int err = errno;
-    ::close(fd);
-    errno = err;
+    closeAfterReading(fd); // keeps errno
 }
 
 std::vector<unsigned char>& blockBuffer(std::size_t blocks) {

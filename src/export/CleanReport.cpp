@@ -60,14 +60,15 @@ bool CleanLog::writeJson(std::uint64_t bytesFreed, std::int64_t failed,
             text += (i > 0 ? ",{\"path\":" : "{\"path\":") + jsonString(m.path) +
                     ",\"marked\":" + (marked ? "true" : "false") + ",\"outcome\":\"";
             if (found == outcomes_.end()) {
-                text += marked ? "not reached\"}" : "kept\"}";
+                text += marked ? "not reached\"" : "kept\"";
             } else if (found->second.ok) {
-                text += std::string(found->second.alreadyShared ? "already shared" : doneWord()) +
-                        "\"}";
+                text +=
+                    std::string(found->second.alreadyShared ? "already shared" : doneWord()) + "\"";
             } else {
-                text += std::string(leftWord()) +
-                        "\",\"reason\":" + jsonString(found->second.reason) + "}";
+                text +=
+                    std::string(leftWord()) + "\",\"reason\":" + jsonString(found->second.reason);
             }
+            text += (m.isProtected ? ",\"protected\":true" : "") + jsonIdentity(m) + "}";
         }
         text += "]}";
         if (!out.maybeFlush()) {

@@ -31,11 +31,13 @@ class CleanLog {
     const std::vector<std::string>& done() const { return done_; }
 
     // {"dryRun":…,"removed"|"linked"|"shared":[paths],"bytesFreed":…,"failed":…,
-    //  "groups":[{"path","size","members":[{"path","marked","outcome","reason"}]}]}
+    //  "groups":[{"path","size","members":[{"path","marked","outcome","reason",
+    //  "protected","device","inode","mtime","mtimeNsec","folderDevice","folderInode"}]}]}
     // One group a line; "outcome" is doneWord(), leftWord() (with "reason"),
     // "already shared" for a copy whose storage was the kept copy's already,
     // "kept" for an unmarked member, "not reached" for a marked one the clean
-    // stopped before.
+    // stopped before. The identities as in writeJsonExport, so the report
+    // of a dry run is a plan that twinsweep-cli --apply can act on.
     bool writeJson(std::uint64_t bytesFreed, std::int64_t failed, const ExportSink& sink) const;
 
   private:

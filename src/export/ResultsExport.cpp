@@ -1,6 +1,7 @@
 #include "export/ResultsExport.h"
 
 #include "engine/FileTools.h"
+#include "engine/FolderRegistry.h"
 #include "export/Chunked.h"
 
 namespace twinsweep {
@@ -30,6 +31,21 @@ const char* categoryName(int code) {
     return code >= 1 && code <= 6 ? kNames[code - 1] : "other";
 }
 
+std::string jsonIdentity(const DuplicateFile& member) {
+    std::string out;
+    if (member.seen.known) {
+        out += ",\"device\":" + std::to_string(member.seen.device) +
+               ",\"inode\":" + std::to_string(member.seen.inode) +
+               ",\"mtime\":" + std::to_string(member.seen.mtimeSec) +
+               ",\"mtimeNsec\":" + std::to_string(member.seen.mtimeNsec);
+    }
+    if (const FolderIdentity folder = FolderRegistry::at(member.folder); folder.known) {
+        out += ",\"folderDevice\":" + std::to_string(folder.device) +
+               ",\"folderInode\":" + std::to_string(folder.inode);
+    }
+    return out;
+}
+
 bool writeJsonExport(const FileList& groups, const FileTools& tools, ExportFields fields,
                      const ExportSink& sink) {
     Chunked chunked(sink);
@@ -55,6 +71,7 @@ bool writeJsonExport(const FileList& groups, const FileTools& tools, ExportField
                 out.push_back(',');
             }
             out += "{\"path\":" + jsonString(member.path) + ",\"date\":" + jsonString(member.date);
+            out += jsonIdentity(member);
             if (fields.marks) {
                 out += member.checkState == 1 ? ",\"marked\":true" : ",\"marked\":false";
             }

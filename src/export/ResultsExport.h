@@ -22,7 +22,10 @@ struct ExportFields {
 // {"groups":[{"path","size","ext","category","md5","members":[{"path","date"}]}]}
 // with "marked":true|false on each member when fields.marks, and
 // "protected":true on each protected member. "md5" is null for files compared
-// by size alone. One group a line, written in bounded pieces.
+// by size alone. Each member also carries what the search saw of it
+// ("device", "inode", "mtime", "mtimeNsec"; its size is the group's) and of
+// the folder it was found in ("folderDevice", "folderInode"), so a plan can be
+// applied later (twinsweep-cli --apply). One group a line, written in bounded pieces.
 bool writeJsonExport(const FileList& groups, const FileTools& tools, ExportFields fields,
                      const ExportSink& sink);
 
@@ -33,6 +36,10 @@ bool writeJsonExport(const FileList& groups, const FileTools& tools, ExportField
 // that are not UTF-8 written \udcXX, as in the JSON, so the bytes come back.
 bool writeCsvExport(const FileList& groups, const FileTools& tools, ExportFields fields,
                     const ExportSink& sink);
+
+// ,"device":…,"folderInode":… of a member, as writeJsonExport describes
+// (nothing for what the search did not record).
+std::string jsonIdentity(const DuplicateFile& member);
 
 // A JSON string literal, quotes included. Bytes that are not valid UTF-8
 // become \udcXX (XX the byte), which Python's surrogateescape turns back

@@ -103,6 +103,8 @@ class SettingsManager {
     // Our extra option: fingerprints of the contents are remembered between
     // searches ($XDG_CACHE_HOME/twinsweep) and trusted for unchanged files.
     bool rememberFingerprints = false;
+    // Our extra option: the search reads at idle I/O priority.
+    bool idleSearch = false;
 };
 
 } // namespace twinsweep

@@ -146,6 +146,9 @@ class MainWindowTest : public QObject {
         QVERIFY(!dropOnFolderTable(*window_, {file}, aboveRow(*window_, 0))); // only files
         // Below the last row appends.
         const std::string w = tree_.mkdir("w");
+        // Tall enough for room below five rows, whatever options the window shows.
+        window_->resize(window_->width(), window_->height() + 200);
+        QCoreApplication::processEvents();
         const QPoint empty(10, window_->tableViewFolders->viewport()->height() - 3);
         QVERIFY(dropOnFolderTable(*window_, {w}, empty));
         QCOMPARE(folders().back(), w);
@@ -271,12 +274,15 @@ class MainWindowTest : public QObject {
         window_->checkCompareLargeFilesByContent->click();
         window_->checkRememberFingerprints->click();
         QVERIFY(settings->rememberFingerprints);
+        window_->checkIdleSearch->click();
+        QVERIFY(settings->idleSearch);
         window_->findChild<QAction*>(u"actionFileNew"_s)->trigger();
         QVERIFY(!settings->rememberFingerprints);
         QVERIFY(settings->listFolderPaths.empty() && !settings->customFileTypes);
         QVERIFY(settings->moveToTrash && !settings->replaceWithHardLinks);
         QVERIFY(!settings->shareStorage && !window_->radioShareStorage->isChecked());
-        QVERIFY(!settings->compareLargeFilesByContent);
+        QVERIFY(!settings->compareLargeFilesByContent && !settings->idleSearch);
+        QVERIFY(!window_->checkIdleSearch->isChecked());
         QCOMPARE(settings->minimumFileSize, std::uint64_t{204800});
         // The widgets show the defaults too.
         QCOMPARE(window_->textFieldMinimumFileSize->text(), u"200.0 KB"_s);

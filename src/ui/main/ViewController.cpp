@@ -209,6 +209,7 @@ void ViewController::UpdateSettings() {
     settingsManager->ignorePackages = checkIgnoreBundles->isChecked();
     settingsManager->compareLargeFilesByContent = checkCompareLargeFilesByContent->isChecked();
     settingsManager->rememberFingerprints = checkRememberFingerprints->isChecked();
+    settingsManager->idleSearch = checkIdleSearch->isChecked();
 }
 
 void ViewController::ResetSettings() {
@@ -231,6 +232,7 @@ void ViewController::ResetSettings() {
     checkIgnoreBundles->setChecked(true);
     checkCompareLargeFilesByContent->setChecked(false);
     checkRememberFingerprints->setChecked(false);
+    checkIdleSearch->setChecked(false);
 
     SettingsManager& s = *settingsManager;
     s.listFolderPaths.clear();
@@ -245,6 +247,7 @@ void ViewController::ResetSettings() {
     s.ignorePackages = true;
     s.compareLargeFilesByContent = false;
     s.rememberFingerprints = false;
+    s.idleSearch = false;
 
     folderModel_->reload();
     extensionModel_->reload();

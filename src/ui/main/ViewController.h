@@ -59,6 +59,7 @@ class ViewController : public QMainWindow {
     QCheckBox* checkIgnoreBundles = nullptr;
     QCheckBox* checkCompareLargeFilesByContent = nullptr;
     QCheckBox* checkRememberFingerprints = nullptr;
+    QCheckBox* checkIdleSearch = nullptr;
     QPushButton* buttonFindDuplicateFiles = nullptr;
     // Under the folder table: which listed folders the search will not look
     // in, and where it does look. Hidden while there are none.

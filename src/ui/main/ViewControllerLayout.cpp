@@ -189,10 +189,15 @@ void ViewController::buildLayout() {
               "checkRememberFingerprints");
     checkRememberFingerprints->setToolTip(
         QStringLiteral("Files unchanged since an earlier search are not read again."));
+    checkIdleSearch = named(new QCheckBox(QStringLiteral("Search at idle disk priority"), options),
+                            "checkIdleSearch");
+    checkIdleSearch->setToolTip(QStringLiteral(
+        "The search reads only when no other program is waiting for the disk: slower, "
+        "but the desktop stays responsive."));
     for (QWidget* w : std::initializer_list<QWidget*>{
              radioMoveDuplicateFilesToTrash, radioRemoveDuplicateFilesPermanently,
              radioReplaceWithHardLinks, radioShareStorage, checkIgnoreBundles,
-             checkCompareLargeFilesByContent, checkRememberFingerprints}) {
+             checkCompareLargeFilesByContent, checkRememberFingerprints, checkIdleSearch}) {
         optionRows->addWidget(w);
     }
     page->addWidget(options);
@@ -239,6 +244,8 @@ void ViewController::buildLayout() {
     connect(checkCompareLargeFilesByContent, &QCheckBox::clicked, this,
             &ViewController::OnCompareLargeFilesByContentChecked);
     connect(checkRememberFingerprints, &QCheckBox::clicked, this, &ViewController::UpdateSettings);
+    connect(checkIdleSearch, &QCheckBox::clicked, this,
+            &ViewController::OnCompareLargeFilesByContentChecked); // both just update the settings
     connect(buttonFindDuplicateFiles, &QPushButton::clicked, this,
             &ViewController::OnFindDuplicateFiles);
 }
