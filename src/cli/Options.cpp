@@ -393,7 +393,8 @@ ParseResult parseOptions(const std::vector<std::string>& args, const std::string
         return result;
     }
     if (!o.planFile.empty() && (!o.removalGiven || o.removal == Removal::DryRun)) {
-        result.error = "--apply needs --trash, --delete or --link (with --dry-run to check only)";
+        result.error =
+            "--apply needs --trash, --delete, --link or --share (with --dry-run to check only)";
         return result;
     }
     if (!o.planFile.empty() && given.empty() && o.protectedFolders.empty()) {
