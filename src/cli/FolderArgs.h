@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace twinsweep::cli {
+
+// The folder arguments of the command line, made absolute against cwd.
+
+// Lexically: "." and ".." folded, links left as they are.
+std::string absoluteFolder(const std::string& given, const std::string& cwd);
+
+// The path with every link and ".." resolved; absent (errno set) when it
+// can't be resolved.
+std::optional<std::string> physicalFolder(const std::string& given, const std::string& cwd);
+
+// The absolute form of a folder argument in folder; an error text when it is
+// not a folder (an empty argument never is).
+std::string checkedFolder(const std::string& given, const std::string& cwd, std::string& folder);
+
+} // namespace twinsweep::cli
