@@ -2,9 +2,7 @@
 // at any depth, and after the group's own head was cleaned.
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <climits>
-#include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,7 +11,8 @@
 #include "SearchSupport.h"
 #include "engine/SearchJob.h"
 #include "export/ResultsExport.h"
-#include "removal/Removal.h"
+#include "removal/Fd.h"
+#include "removal/PlatformRemover.h"
 #include "selection/Cleaning.h"
 #include "support/TempTree.h"
 
@@ -36,26 +35,6 @@ std::string dateOf(int fd) {
     return std::string(text, std::strftime(text, sizeof text, "%y-%m-%d %I:%M:%S", &local));
 }
 
-// Closes a descriptor however the test ends.
-struct Fd {
-    int fd;
-    ~Fd() {
-        if (fd >= 0) {
-            ::close(fd);
-        }
-    }
-};
-
-struct DeleteRemover : FileRemover {
-    RemovalResult moveToTrash(const RemovalTarget& t) override { return removeForGood(t); }
-    RemovalResult removeForGood(const RemovalTarget& t) override {
-        RemovalResult r;
-        r.ok = ::unlinkat(t.folderFd, t.entry.c_str(), 0) == 0;
-        r.error = r.ok ? "" : std::strerror(errno);
-        return r;
-    }
-};
-
 struct YesPrompt : CleaningPrompt {
     bool ask(CleaningAlert) override { return true; }
 };
@@ -66,23 +45,21 @@ TEST(Reading, FilesDeeperThanPathMaxAreComparedAndDatedWhereTheyLie) {
     TempTree tree;
     // 24 levels of 200-character names: the folder's path is about 4,850 bytes.
     const std::string name(200, 'n');
-    Fd at{::open(tree.root().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+    Fd at(::open(tree.root().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     std::string deep = tree.root();
     for (int level = 0; level < 24; ++level) {
-        ASSERT_EQ(::mkdirat(at.fd, name.c_str(), 0755), 0);
-        const int next = ::openat(at.fd, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        ASSERT_GE(next, 0);
-        ::close(at.fd);
-        at.fd = next;
+        ASSERT_EQ(::mkdirat(at.get(), name.c_str(), 0755), 0);
+        at.reset(::openat(at.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        ASSERT_TRUE(at.ok());
         deep += "/" + name;
     }
     ASSERT_GT(deep.size(), static_cast<std::size_t>(PATH_MAX));
     std::map<std::string, std::string> dates;
     for (const auto& [file, bytes] : std::vector<std::pair<std::string, std::string>>{
              {"a", "AAAAAAAA"}, {"b", "BBBBBBBB"}, {"c", "CCCCCCCC"}, {"d", "CCCCCCCC"}}) {
-        Fd f{::openat(at.fd, file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644)};
-        ASSERT_EQ(::write(f.fd, bytes.data(), bytes.size()), 8);
-        dates[file] = dateOf(f.fd);
+        const Fd f(::openat(at.get(), file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+        ASSERT_EQ(::write(f.get(), bytes.data(), bytes.size()), 8);
+        dates[file] = dateOf(f.get());
     }
     for (unsigned threads : {0U, 2U}) {
         FileTools tools;
@@ -116,7 +93,7 @@ TEST(Reading, TheDigestOfAGroupWhoseHeadWasCleanedComesFromAMemberLeft) {
     ASSERT_EQ(group->duplicates[0]->path, group->path);
     group->duplicates[0]->checkState = 1; // the head's own entry
     YesPrompt yes;
-    DeleteRemover remover;
+    PlatformRemover remover;
     StdoutCapture out;
     const CleaningReport report = clean(settings.duplicateFileList, settings, yes, remover);
     EXPECT_EQ(report.failed, 0);

@@ -2,7 +2,6 @@
 // apply time, so whatever changed since, and whatever a hand-edited or
 // another user's plan claims, can only make a copy be left, never make the
 // wrong file go.
-#include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,10 +10,6 @@
 using namespace twinsweep::testing;
 
 namespace {
-
-void writePlan(const std::string& path, const std::string& text) {
-    std::ofstream(path) << text;
-}
 
 // A member as an export records it, from what is at path now.
 std::string member(const std::string& path, bool marked, const std::string& extra = {}) {
@@ -62,8 +57,7 @@ TEST(Apply, WhatChangedSinceThePlanIsLeftAndReported) {
     const CliOutcome planned =
         runCli({"--any-location", "--format", "json", "--keep", "oldest", tree.path("s")});
     ASSERT_EQ(planned.status, 0) << planned.err;
-    const std::string planPath = tree.path("plan.json");
-    writePlan(planPath, planned.out);
+    const std::string planPath = tree.write("plan.json", planned.out);
 
     rewriteInPlace(tree.path("s/dup/edited"), "TWIN ");
     // Written before the old one goes, so it can't reuse its inode.
@@ -105,7 +99,7 @@ TEST(Apply, AnEditedOrForeignPlanCanOnlyMakeACopyBeLeft) {
     const std::string planPath = tree.path("plan.json");
     const Snapshot before = snapshot(tree.root());
     const auto apply = [&](const std::string& text, std::vector<std::string> extra = {}) {
-        writePlan(planPath, text);
+        tree.write("plan.json", text);
         std::vector<std::string> args = {"--apply", planPath, "--delete", "--yes"};
         args.insert(args.end(), extra.begin(), extra.end());
         args.push_back(tree.path("s"));
@@ -113,7 +107,7 @@ TEST(Apply, AnEditedOrForeignPlanCanOnlyMakeACopyBeLeft) {
     };
 
     // Every copy of a group marked: asked like any whole-group clean.
-    writePlan(planPath, plan({group(10, {member(a, true), member(b, true)})}));
+    tree.write("plan.json", plan({group(10, {member(a, true), member(b, true)})}));
     CliOutcome r = runCli({"--apply", planPath, "--delete", tree.path("s")});
     EXPECT_EQ(r.status, 2) << r.err; // --delete without --yes off a terminal
     r = runCli(CliRun({"--apply", planPath, "--trash", tree.path("s")}));

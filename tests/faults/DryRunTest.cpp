@@ -13,10 +13,6 @@ using namespace twinsweep::testing;
 
 namespace {
 
-void own(const std::string& path, uid_t uid) {
-    ASSERT_EQ(::chown(path.c_str(), uid, uid), 0) << path;
-}
-
 // Runs the tool while, at its first read of a file in changing/ (the search
 // never reads files grouped by size alone), both files there get a new
 // modification time (another at each run).
@@ -79,14 +75,15 @@ TEST(DryRun, PredictsExactlyWhatTheCleanDoes) {
         const std::vector<std::string> would =
             listed(dry.out, linking ? "would link: " : "would remove: ");
         EXPECT_EQ(would, listed(real.out, linking ? "linked: " : "removed: ")) << real.out;
+        const auto sorted = [](std::vector<std::string> v) {
+            std::sort(v.begin(), v.end());
+            return v;
+        };
         std::vector<std::string> done = {tree.path("s/plain/2.txt")};
         if (!linking) {
             done.push_back(tree.path("s/free/p.jpg")); // a protected copy vouches
         }
-        std::sort(done.begin(), done.end());
-        std::vector<std::string> sorted = would;
-        std::sort(sorted.begin(), sorted.end());
-        EXPECT_EQ(sorted, done) << dry.out;
+        EXPECT_EQ(sorted(would), sorted(done)) << dry.out;
 
         const std::vector<std::string> left = listed(dry.out, "would be left: ");
         EXPECT_EQ(left, listed(real.err, "Error:  ")) << dry.out << real.err;
@@ -100,10 +97,7 @@ TEST(DryRun, PredictsExactlyWhatTheCleanDoes) {
         if (linking) {
             reasons.push_back(tree.path("s/free/p.jpg") + ": kept copy is protected, left alone");
         }
-        std::sort(reasons.begin(), reasons.end());
-        sorted = left;
-        std::sort(sorted.begin(), sorted.end());
-        EXPECT_EQ(sorted, reasons) << dry.out;
+        EXPECT_EQ(sorted(left), sorted(reasons)) << dry.out;
 
         // The dry run changed nothing (but the times the test set).
         EXPECT_EQ(afterDry, before);

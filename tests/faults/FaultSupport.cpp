@@ -88,4 +88,24 @@ void rewriteInPlace(const std::string& path, const std::string& contents) {
     ::close(fd);
 }
 
+void twins(const TempTree& tree, const std::string& folder, const std::string& bytes) {
+    tree.write(folder + "/a/x", bytes);
+    tree.write(folder + "/b/x", bytes);
+}
+
+std::string own(const std::string& path, uid_t uid) {
+    EXPECT_EQ(::lchown(path.c_str(), uid, uid), 0) << path;
+    return path;
+}
+
+std::string inodeOf(const std::string& path) {
+    struct stat st {};
+    return ::lstat(path.c_str(), &st) == 0 ? std::to_string(st.st_ino) : "0";
+}
+
+bool mountAt(const std::string& src, const std::string& at, const char* type,
+             const std::string& data) {
+    return ::mount(src.c_str(), at.c_str(), type, type ? 0 : MS_BIND, data.c_str()) == 0;
+}
+
 } // namespace twinsweep::testing

@@ -37,4 +37,13 @@ std::set<std::string> relSet(const std::string& root, const std::vector<std::str
 // Overwrites path with contents of the same length, keeping its inode.
 void rewriteInPlace(const std::string& path, const std::string& contents);
 
+// folder/a/x and folder/b/x, both holding bytes.
+void twins(const TempTree& tree, const std::string& folder, const std::string& bytes);
+// Gives path (not followed) to uid:uid; returns path.
+std::string own(const std::string& path, uid_t uid);
+std::string inodeOf(const std::string& path);
+// Mounts a file system of type at at, or binds src there when type is null.
+bool mountAt(const std::string& src, const std::string& at, const char* type,
+             const std::string& data = {});
+
 } // namespace twinsweep::testing

@@ -9,14 +9,6 @@
 using namespace twinsweep;
 using namespace twinsweep::testing;
 
-namespace {
-
-void own(const std::string& path, uid_t uid) {
-    ASSERT_EQ(::chown(path.c_str(), uid, uid), 0) << path;
-}
-
-} // namespace
-
 TEST(Owners, AnotherUsersCopyNeverVouches) {
     TempTree tree;
     // alice's only copy of her thesis, and bob's copy of it.

@@ -17,11 +17,6 @@ bool startsWith(const std::string& s, const char* prefix) {
     return s.rfind(prefix, 0) == 0;
 }
 
-ino_t inodeOf(const std::string& path) {
-    struct stat st {};
-    return ::lstat(path.c_str(), &st) == 0 ? st.st_ino : 0;
-}
-
 // A clean of an unrelated folder with its state in state.
 CliOutcome cleanElsewhere(const TempTree& state, const std::string& folder) {
     CliRun run{{"--any-location", "--keep", "oldest", "--delete", "--yes", folder}};
@@ -61,10 +56,9 @@ TEST(Recovery, AKilledCleanIsPutBackByTheNextRunWhateverItSearches) {
     for (const Moment& m : moments) {
         SCOPED_TRACE(m.what);
         TempTree tree;
-        tree.write("a/thesis.tex", "chapter one, two, three");
-        tree.write("b/thesis.tex", "chapter one, two, three");
-        ASSERT_EQ(::chown(tree.path("a/thesis.tex").c_str(), 2001, 2001), 0);
-        ASSERT_EQ(::chown(tree.path("b/thesis.tex").c_str(), 2001, 2001), 0);
+        for (const char* f : {"a/thesis.tex", "b/thesis.tex"}) {
+            own(tree.write(f, "chapter one, two, three"), 2001);
+        }
         const Snapshot before = snapshot(tree.root());
         CliRun run{{"--any-location", "--keep", "oldest", "--yes", m.removal, tree.root()}};
         run.env = {"XDG_STATE_HOME=" + state.root()};
@@ -99,8 +93,8 @@ TEST(Recovery, ARecordOfAnotherBootIsRecoveredThoughItsPidNowRuns) {
           std::string("00000000-0000-0000-0000-000000000000"), std::string("1"), std::string("1"),
           tree.path("docs"), std::to_string(folder.st_dev), std::to_string(folder.st_ino),
           std::string(".twinsweep-aside-1-0-thesis.tex"), std::string("thesis.tex"),
-          std::to_string(inodeOf(tree.path("docs/.twinsweep-aside-1-0-thesis.tex"))),
-          std::string("0"), std::string("end")}) {
+          inodeOf(tree.path("docs/.twinsweep-aside-1-0-thesis.tex")), std::string("0"),
+          std::string("end")}) {
         record += field + '\0';
     }
     state.write("twinsweep/journal/1-1-0", record);

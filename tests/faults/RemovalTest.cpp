@@ -9,6 +9,7 @@
 
 #include "FaultSupport.h"
 #include "engine/Digest.h"
+#include "removal/Fd.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;
@@ -20,10 +21,6 @@ std::vector<std::string> marked(const std::string& root) {
     const CliOutcome dry = runCli({"--any-location", "--keep", "oldest", root});
     EXPECT_EQ(dry.status, 0) << dry.err;
     return listed(dry.out, "would remove: ");
-}
-
-std::string parentOf(const std::string& path) {
-    return path.substr(0, path.rfind('/'));
 }
 
 // Deletes for good, answering on a terminal; whenHeld runs while the first read in folder is held.
@@ -271,10 +268,6 @@ TEST(Removal, OddMountsNeverCostAFile) {
     // Everything is mounted under a tmpfs at the root, detached with it at the end.
     const std::shared_ptr<void> unmount = mountTmpfs(tree.root());
     ASSERT_TRUE(unmount);
-    const auto mount = [](const std::string& src, const std::string& at, const char* type,
-                          const std::string& data) {
-        return ::mount(src.c_str(), at.c_str(), type, type ? 0 : MS_BIND, data.c_str()) == 0;
-    };
     const auto cleaning = [](std::vector<std::string> args) {
         args.insert(args.begin(), {"--any-location", "--keep", "oldest", "--delete", "--yes"});
         return runCli(args);
@@ -283,14 +276,14 @@ TEST(Removal, OddMountsNeverCostAFile) {
     // One file seen twice, bind-mounted (link count 1) or through an overlay.
     tree.write("bind/a/file", "only copy");
     tree.write("bind/b/file", "");
-    ASSERT_TRUE(mount(tree.path("bind/a/file"), tree.path("bind/b/file"), nullptr, ""));
+    ASSERT_TRUE(mountAt(tree.path("bind/a/file"), tree.path("bind/b/file"), nullptr, ""));
     tree.write("ovl/lower/only", "the only copy under an overlay");
     for (const char* d : {"ovl/upper", "ovl/work", "ovl/view"}) {
         tree.mkdir(d);
     }
-    ASSERT_TRUE(mount("overlay", tree.path("ovl/view"), "overlay",
-                      "lowerdir=" + tree.path("ovl/lower") + ",upperdir=" + tree.path("ovl/upper") +
-                          ",workdir=" + tree.path("ovl/work")));
+    ASSERT_TRUE(mountAt("overlay", tree.path("ovl/view"), "overlay",
+                        "lowerdir=" + tree.path("ovl/lower") + ",upperdir=" +
+                            tree.path("ovl/upper") + ",workdir=" + tree.path("ovl/work")));
     for (const auto& roots : std::vector<std::vector<std::string>>{
              {tree.path("bind")}, {tree.path("ovl/lower"), tree.path("ovl/view")}}) {
         const Snapshot before = snapshot(tree.root());
@@ -309,7 +302,7 @@ TEST(Removal, OddMountsNeverCostAFile) {
         runCli({"--any-location", "--include-packages", "--keep", "oldest", tree.path("pkgs")});
     const std::vector<std::string> m = listed(dry.out, "would remove: ");
     ASSERT_EQ(m.size(), 1u) << dry.out;
-    ASSERT_TRUE(mount("tmpfs", m[0] + "/mnt", "tmpfs", "size=1m"));
+    ASSERT_TRUE(mountAt("tmpfs", m[0] + "/mnt", "tmpfs", "size=1m"));
     tree.write(rel(tree.root(), m[0]) + "/mnt/data", "mounted data");
     Snapshot before = snapshot(tree.root());
     CliOutcome r = cleaning({"--include-packages", tree.path("pkgs")});
@@ -324,9 +317,8 @@ TEST(Removal, OddMountsNeverCostAFile) {
 
     // Another file system's Trash is at its top, never one owned by someone else.
     tree.mkdir("full");
-    ASSERT_TRUE(mount("tmpfs", tree.path("full"), "tmpfs", "size=64k"));
-    tree.write("full/a/x", "twin");
-    tree.write("full/b/x", "twin");
+    ASSERT_TRUE(mountAt("tmpfs", tree.path("full"), "tmpfs", "size=64k"));
+    twins(tree, "full", "twin");
     const std::string uid = std::to_string(::geteuid());
     ::chmod(tree.mkdir("full/.Trash").c_str(), 01777);
     for (const std::string& d : {"full/.Trash/" + uid, "full/.Trash-" + uid}) {
@@ -351,7 +343,7 @@ TEST(Removal, OddMountsNeverCostAFile) {
     // Read-only records, then a full disk: nothing moves, no empty record stays.
     tree.write(rel(tree.root(), gone[0]), "twin");
     const std::string info = tree.path("full/.Trash-" + uid + "/info");
-    ASSERT_TRUE(mount(info, info, nullptr, ""));
+    ASSERT_TRUE(mountAt(info, info, nullptr, ""));
     ASSERT_EQ(::mount(nullptr, info.c_str(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr),
               0);
     for (const std::string why : {"Read-only file system", "No space left on device"}) {

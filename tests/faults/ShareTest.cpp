@@ -57,14 +57,6 @@ std::pair<std::uint64_t, bool> firstExtent(const std::string& path) {
             (map->fm_extents[0].fe_flags & FIEMAP_EXTENT_SHARED) != 0};
 }
 
-std::string owned(const TempTree& tree, const std::string& rel, const std::string& bytes,
-                  mode_t mode) {
-    const std::string p = tree.write(rel, bytes);
-    EXPECT_EQ(::chown(p.c_str(), 2001, 2001), 0);
-    EXPECT_EQ(::chmod(p.c_str(), mode), 0);
-    return p;
-}
-
 void sharesOn(const std::string& mkfs) {
     TempTree outer;
     std::string why;
@@ -78,14 +70,14 @@ void sharesOn(const std::string& mkfs) {
         bytes[i] = static_cast<char>((i * 7919) >> 5);
     }
     // Written twice: two files with their own extents, another mode.
-    owned(tree, "x/a.bin", bytes, 0644);
-    owned(tree, "x/b.bin", bytes, 0600);
+    own(tree.write("x/a.bin", bytes), 2001);
+    EXPECT_EQ(::chmod(own(tree.write("x/b.bin", bytes), 2001).c_str(), 0600), 0);
     // Already sharing its storage with its twin.
-    owned(tree, "y/a.bin", std::string(256 * 1024, 'y'), 0644);
+    own(tree.write("y/a.bin", std::string(256 * 1024, 'y')), 2001);
     const std::string cp =
         "cp --reflink=always '" + tree.path("y/a.bin") + "' '" + tree.path("y/b.bin") + "'";
     ASSERT_EQ(std::system(cp.c_str()), 0);
-    ASSERT_EQ(::chown(tree.path("y/b.bin").c_str(), 2001, 2001), 0);
+    own(tree.path("y/b.bin"), 2001);
     const Snapshot before = snapshot(tree.root());
 
     const CliOutcome dry =
@@ -108,7 +100,6 @@ void sharesOn(const std::string& mkfs) {
     EXPECT_TRUE(says(r.out, "\"],\"bytesFreed\":1048576,\"failed\":0,"));
     EXPECT_TRUE(says(r.out, "\"outcome\":\"already shared\","));
     // Every path, owner, mode and byte as it was; the copy on the kept extents.
-    EXPECT_TRUE(nothingLost(before, snapshot(tree.root())));
     EXPECT_EQ(snapshot(tree.root()), before);
     const auto kept = firstExtent(tree.path("x/a.bin"));
     EXPECT_EQ(firstExtent(tree.path("x/b.bin")), std::make_pair(kept.first, true));

@@ -8,15 +8,6 @@
 
 using namespace twinsweep::testing;
 
-namespace {
-
-bool mountAt(const std::string& src, const std::string& at, const char* type,
-             const std::string& data) {
-    return ::mount(src.c_str(), at.c_str(), type, type ? 0 : MS_BIND, data.c_str()) == 0;
-}
-
-} // namespace
-
 TEST(Stacked, AnOverlayViewNeverVouchesForItsOwnLowerFile) {
     if (!privateMounts()) {
         GTEST_SKIP() << "no mount namespace here (needs root and unshare)";

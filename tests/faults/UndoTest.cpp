@@ -25,16 +25,15 @@ struct UndoTree {
                                     "XDG_RUNTIME_DIR=" + tree.mkdir("run")};
     std::string undoFolder = tree.path("state/twinsweep/undo");
 
-    CliRun clean(const std::string& folder, const char* keep = "oldest") const {
-        CliRun r{{"--any-location", "--keep", keep, "--trash", folder}};
+    CliRun with(std::vector<std::string> args) const {
+        CliRun r{std::move(args)};
         r.env = env;
         return r;
     }
-    CliOutcome undo() const {
-        CliRun r{{"--undo"}};
-        r.env = env;
-        return runCli(r);
+    CliRun clean(const std::string& folder, const char* keep = "oldest") const {
+        return with({"--any-location", "--keep", keep, "--trash", folder});
     }
+    CliOutcome undo() const { return runCli(with({"--undo"})); }
     std::vector<std::string> records() const {
         std::vector<std::string> out;
         std::error_code none;
@@ -53,11 +52,6 @@ struct UndoTree {
         return c;
     }
 };
-
-void twins(const TempTree& t, const std::string& folder, const std::string& bytes) {
-    t.write(folder + "/a/x", bytes);
-    t.write(folder + "/b/x", bytes);
-}
 
 } // namespace
 
@@ -157,9 +151,7 @@ TEST(Undo, WaitsForARunningCleanAndThenUndoesThatOne) {
     CliOutcome undone;
     std::thread waiter;
     running.between = [&](pid_t) {
-        CliRun undo{{"--undo"}};
-        undo.env = u.env;
-        const RunningCli started = startCli(undo);
+        const RunningCli started = startCli(u.with({"--undo"}));
         EXPECT_TRUE(waitForText(started.errPath, "another cleaning is running", started.pid));
         waiter = std::thread([&, started] { undone = finishCli(started); });
     };
