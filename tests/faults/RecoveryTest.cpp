@@ -13,10 +13,6 @@ using namespace twinsweep::testing;
 
 namespace {
 
-bool startsWith(const std::string& s, const char* prefix) {
-    return s.rfind(prefix, 0) == 0;
-}
-
 // A clean of an unrelated folder with its state in state.
 CliOutcome cleanElsewhere(const TempTree& state, const std::string& folder) {
     CliRun run{{"--any-location", "--keep", "oldest", "--delete", "--yes", folder}};
@@ -36,7 +32,7 @@ TEST(Recovery, AKilledCleanIsPutBackByTheNextRunWhateverItSearches) {
     const std::vector<Moment> moments{
         {"a copy waits aside", "--delete",
          [](const SyscallEntry& e) {
-             return e.nr == SYS_unlinkat && startsWith(e.text(1), ".twinsweep-aside-");
+             return e.nr == SYS_unlinkat && e.text(1).starts_with(".twinsweep-aside-");
          },
          ": put back, left aside by a clean that was stopped"},
         {"a link waits, not yet swapped in", "--link",
@@ -46,7 +42,7 @@ TEST(Recovery, AKilledCleanIsPutBackByTheNextRunWhateverItSearches) {
          ": a link a stopped clean had not put in place was removed; the copy is unchanged"},
         {"a link was swapped in, the old copy waits", "--link",
          [](const SyscallEntry& e) {
-             return e.nr == SYS_unlinkat && startsWith(e.text(1), ".twinsweep-link-");
+             return e.nr == SYS_unlinkat && e.text(1).starts_with(".twinsweep-link-");
          },
          ": linked to the kept copy by a clean that was stopped; its old copy was freed"},
     };
@@ -88,13 +84,11 @@ TEST(Recovery, ARecordOfAnotherBootIsRecoveredThoughItsPidNowRuns) {
     const Snapshot before = snapshot(tree.root());
     // pid 1 runs, but this record was written before the machine started.
     std::string record;
-    for (const std::string& field :
-         {std::string("twinsweep-journal-1"), std::string("aside"),
-          std::string("00000000-0000-0000-0000-000000000000"), std::string("1"), std::string("1"),
-          tree.path("docs"), std::to_string(folder.st_dev), std::to_string(folder.st_ino),
-          std::string(".twinsweep-aside-1-0-thesis.tex"), std::string("thesis.tex"),
-          inodeOf(tree.path("docs/.twinsweep-aside-1-0-thesis.tex")), std::string("0"),
-          std::string("end")}) {
+    for (const std::string& field : std::vector<std::string>{
+             "twinsweep-journal-1", "aside", "00000000-0000-0000-0000-000000000000", "1", "1",
+             tree.path("docs"), std::to_string(folder.st_dev), std::to_string(folder.st_ino),
+             ".twinsweep-aside-1-0-thesis.tex", "thesis.tex",
+             inodeOf(tree.path("docs/.twinsweep-aside-1-0-thesis.tex")), "0", "end"}) {
         record += field + '\0';
     }
     state.write("twinsweep/journal/1-1-0", record);
