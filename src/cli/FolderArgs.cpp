@@ -6,6 +6,8 @@
 #include <sys/stat.h>
 #include <vector>
 
+#include "engine/LocationGate.h"
+
 namespace twinsweep::cli {
 
 std::string absoluteFolder(const std::string& given, const std::string& cwd) {
@@ -64,6 +66,28 @@ std::string checkedFolder(const std::string& given, const std::string& cwd, std:
     }
     if (!S_ISDIR(st.st_mode)) {
         return "not a folder: '" + given + "'";
+    }
+    return {};
+}
+
+std::string outsideLocationsError(const LocationGate& gate, const std::vector<std::string>& folders) {
+    if (gate.open) {
+        return {};
+    }
+    for (const std::string& folder : folders) {
+        // What lies in the folder has a path beginning with folder + "/" (the
+        // walk joins names that way): the gate lets all of it pass or none.
+        if (gate.allows(folder + "/", {})) {
+            continue;
+        }
+        std::string roots;
+        for (const auto* kind : {&gate.usersRoots, &gate.applicationsRoots, &gate.volumesRoots}) {
+            for (const std::string& root : *kind) {
+                roots += (roots.empty() ? "" : ", ") + root;
+            }
+        }
+        return folder + " is outside the searched locations (" + roots +
+               "); add --any-location to search it";
     }
     return {};
 }

@@ -2,6 +2,11 @@
 
 #include <optional>
 #include <string>
+#include <vector>
+
+namespace twinsweep {
+struct LocationGate;
+}
 
 namespace twinsweep::cli {
 
@@ -17,5 +22,10 @@ std::optional<std::string> physicalFolder(const std::string& given, const std::s
 // The absolute form of a folder argument in folder; an error text when it is
 // not a folder (an empty argument never is).
 std::string checkedFolder(const std::string& given, const std::string& cwd, std::string& folder);
+
+// Why the search would find nothing in one of folders: the first that lies
+// outside what gate lets pass, named with the gate's roots. Empty when every
+// folder is searched.
+std::string outsideLocationsError(const LocationGate& gate, const std::vector<std::string>& folders);
 
 } // namespace twinsweep::cli

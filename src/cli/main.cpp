@@ -12,6 +12,7 @@
 
 #include "cli/Acting.h"
 #include "cli/Apply.h"
+#include "cli/FolderArgs.h"
 #include "cli/Options.h"
 #include "cli/Output.h"
 #include "cli/Progress.h"
@@ -123,6 +124,15 @@ int main(int argc, char** argv) {
     case cli::Locations::Anywhere:
         LocationGate::setProcessDefault(LocationGate::anywhere());
         break;
+    }
+    if (options.planFile.empty()) {
+        // A folder the gate shuts out would give an empty report: say why instead.
+        if (const std::string err =
+                cli::outsideLocationsError(LocationGate::processDefault(), options.folders);
+            !err.empty()) {
+            std::fprintf(stderr, "twinsweep-cli: %s\n", err.c_str());
+            return kExitBadUsage;
+        }
     }
 
     const std::shared_ptr<SettingsManager> settings = SettingsManager::shared();

@@ -1,11 +1,30 @@
 #include <QApplication>
 #include <QIcon>
 #include <QTimer>
+#include <cstdio>
+#include <cstring>
 
 #include "ui/main/ViewController.h"
 #include "ui/shell/AppDelegate.h"
 
 int main(int argc, char** argv) {
+    // Answered before any window system is asked for: these work without a display.
+    // Every other argument is left to Qt, as before.
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--help") == 0) {
+            std::fputs("Usage: twinsweep [Qt options]\n"
+                       "Finds duplicate files in the folders picked in its window.\n"
+                       "  --help     show this text and exit\n"
+                       "  --version  show the version and exit\n"
+                       "See also twinsweep-cli --help for the command-line tool.\n",
+                       stdout);
+            return 0;
+        }
+        if (std::strcmp(argv[i], "--version") == 0) {
+            std::fputs("twinsweep " TWINSWEEP_VERSION "\n", stdout);
+            return 0;
+        }
+    }
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("twinsweep"));
     QApplication::setApplicationDisplayName(QStringLiteral("Twinsweep"));

@@ -72,10 +72,17 @@ TEST(Cli, TextReportOfWhatFiltersLocationGateAndFoldersLeave) {
     EXPECT_EQ(r.out, tree.path("Users/bob/big2.png") + "\n" + tree.path("Users/bob/big1.png") +
                          "\n\n" + tree.path("Users/bob/a.png") + "\n" +
                          tree.path("Users/bob/b.png") + "\n");
-    // Without a gate override only the platform's own roots are searched.
-    const CliOutcome none = runCli({"--format=json", tree.root()});
-    EXPECT_EQ(none.status, 0);
-    EXPECT_EQ(none.out, "{\"groups\":[]}\n");
+    // Without a gate override a folder outside the platform's own roots is
+    // refused before any search, naming the way on.
+    const CliOutcome srv = runCli({"--format=json", "/srv"});
+    EXPECT_EQ(srv.status, 2);
+    EXPECT_EQ(srv.out, "");
+    EXPECT_EQ(srv.err, "twinsweep-cli: /srv is outside the searched locations (/home, /opt, "
+                       "/media, /mnt, /run/media); add --any-location to search it\n");
+    const CliOutcome none = runCli({tree.root()});
+    EXPECT_EQ(none.status, 2);
+    EXPECT_TRUE(says(none.err, " is outside the searched locations (/home, /opt, /media, /mnt, "
+                               "/run/media); add --any-location to search it\n"));
     EXPECT_EQ(runCli({"--any-location", "--min-size", "2K", tree.root()}).out.size(),
               tree.path("Users/bob/big1.png\n").size() * 2);
 
