@@ -8,7 +8,9 @@ BUILD_DIR=${BUILD_DIR:-build}
 if [ ! -f "$BUILD_DIR/CMakeCache.txt" ]; then
   GEN=()
   command -v ninja >/dev/null && GEN=(-G Ninja)
-  cmake -S . -B "$BUILD_DIR" "${GEN[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
+  # Only the programs: the tests need what a run-only install leaves out.
+  cmake -S . -B "$BUILD_DIR" "${GEN[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+    -DTWINSWEEP_BUILD_TESTS=OFF -DTWINSWEEP_BUILD_BENCH=OFF "$@"
 fi
 cmake --build "$BUILD_DIR" --target twinsweep --parallel "$(nproc)"
 if [ "$(uname)" = Linux ] && [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ] &&

@@ -4,8 +4,9 @@
 # with TWINSWEEP_SKIP_SANITIZERS=1). Ends with the test runner's summary line.
 set -uo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/install-deps.sh || exit 1
-bash scripts/build.sh || exit 1
+bash scripts/install-deps.sh --test || exit 1
+# Tests on even where a run-only build configured this folder without them.
+bash scripts/build.sh -DTWINSWEEP_BUILD_TESTS=ON -DTWINSWEEP_BUILD_BENCH=ON || exit 1
 export QT_QPA_PLATFORM=offscreen
 log=$(mktemp)
 (cd "${BUILD_DIR:-build}" && ctest --output-on-failure --parallel "$(nproc)" --timeout 600) 2>&1 | tee "$log"
