@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Remembered fingerprints: the second cold search with --cache against the
 # first (which fills the store), against a search without it, and against
 # jdupes, all in the same run. Cold: the page cache is dropped before each

@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Cleaning many groups: 120 000 groups of 2 small files, deleted for good.
 # Times the search alone (a plain report) and the whole run (search + clean),
 # so the clean's own cost is the difference.

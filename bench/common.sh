@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Shared by the benchmark scripts: where trees live and how they are made.
 TREES=${TWINSWEEP_TREES:-/tmp/twinsweep-trees}
 MAKE_TREE=${MAKE_TREE:-$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)/bench/make-tree.py}

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Whether a search of t1 pushes the user's working files out of the page
 # cache, and what it costs: the search's time hot (tree cached) and cold
 # (tree dropped first), and the pages of the tree left cached after a cold

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Build a large tree of small files for the scale benchmark.
 
 Most files get a size no other file has (made sparse with truncate, so the

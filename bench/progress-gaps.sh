@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Responsiveness of the progress window during a million-file search: runs the
 # real windows offscreen (bench/ui/progress-frame-gaps) on the scale tree of
 # bench/scale.sh and prints, per run, the longest gap between 10 ms ticks of a

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # A search of the t2 tree through the real progress window (offscreen,
 # bench/ui/progress-window-bench) against twinsweep-cli on the same tree, in
 # one run: hot cache, median of 5 each, runs interleaved so both see the same

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Scale benchmark: twinsweep-cli on a tree of a million small files (most sizes
 # unique, sparse), with its wall time and peak memory (/usr/bin/time -v). The
 # memory per file is what the run holds beyond an empty run and beyond the

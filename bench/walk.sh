@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Walk benchmark: the engine's folder walk alone against `find -type f -printf '%s\n'`
 # on the same tree: hot cache (median of 5), then, as root, cold (the page,
 # folder and inode caches dropped before every run; median of 3).

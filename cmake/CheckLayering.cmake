@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Fails when a source includes a folder its layer may not depend on.
 cmake_minimum_required(VERSION 3.25)
 # Run by the build (src/CMakeLists.txt) with SRC (the src folder) and STAMP.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Installs the Debian packages the project needs to build and run; with --test,
 # also what its tests need. Idempotent and non-interactive.
 set -euo pipefail

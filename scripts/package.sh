@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Builds the Debian package: installs what building needs, builds the programs
 # alone (no tests, no benchmarks) into build-package/ (or $BUILD_DIR), and
 # writes build-package/twinsweep_VERSION_ARCH.deb with CPack.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The one run command: installs what the project needs, builds the desktop
 # application and starts it. Extra arguments go to cmake on first configure.
 set -euo pipefail

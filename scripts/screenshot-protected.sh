@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Takes docs/main-window-protected.png: the main window with two folders, the
 # first of them protected. Same set-up as the other screenshot scripts.
 set -euo pipefail

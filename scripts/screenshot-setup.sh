@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Sourced by the screenshot scripts: installs the capture tools, builds the
 # application (APP) and picks a fresh demo folder (demo) where the search looks
 # (under the home folder, or /mnt when run as root).

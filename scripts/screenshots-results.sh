@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Takes the screenshots of the results, custom keep rules and file information
 # windows in docs/ from the real application on a virtual display: a small
 # demo folder of pictures, music and documents is searched, a keep option is

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Takes the screenshots in docs/ from the real application on a virtual
 # display: the main window with a folder added, the progress window during a
 # search, and the window that follows it. Needs root or sudo for packages and,

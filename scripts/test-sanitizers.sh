@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Second test stage: the core, selection and command-line tests built
 # with AddressSanitizer + UndefinedBehaviorSanitizer, and again with
 # ThreadSanitizer. Any report fails the stage.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The one test command: installs what the project needs, builds, runs every
 # test, then the sanitizer stage (scripts/test-sanitizers.sh; skip it locally
 # with TWINSWEEP_SKIP_SANITIZERS=1). Ends with the test runner's summary line.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Builds the libFuzzer targets with clang (AddressSanitizer + UBSan) and runs
 # each for a fixed budget. Not part of CI.
 # usage: tools/fuzz.sh [SECONDS_PER_TARGET]   (default 60)

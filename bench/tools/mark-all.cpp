@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Marking every listed group: keep options and custom rules applied to many
 // groups at once, as the results window's apply-to-all does, against the
 // plain form that scans the whole result list once per group; and the first

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Times the phases of one search (walk, sort, comparison, collection) from
 // the progress posts. Usage: search-phases FOLDER [DIGEST_THREADS]
 #include <chrono>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs only the folder walk over the given folders (no gate, every size) and
 // prints how many files it accepted. Used by bench/walk.sh.
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How responsive the progress window stays while a large search runs: drives
 // the real main and progress windows (offscreen) and ticks a timer on the GUI
 // thread every 10 ms from the click on Find Duplicate Files to the results.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Times a whole search driven through the real main and progress windows,
 // from Find Duplicate Files to the results window coming up, so it can be set
 // against the command-line tool on the same tree.

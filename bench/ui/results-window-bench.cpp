@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Opens the results window on a large made-up result (50,000 groups of three
 // by default) and records the longest time the GUI thread went without
 // handling an event while the window opens, selects groups, applies a keep

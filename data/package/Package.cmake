@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The Debian package, built by CPack (scripts/package.sh). Its library
 # dependencies come from dpkg-shlibdeps; the Qt plugins the programs load at
 # run time (the display platform, the SVG icon engine) are not linked, so they

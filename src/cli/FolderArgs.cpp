@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/FolderArgs.h"
 
 #include <cerrno>
@@ -70,7 +71,8 @@ std::string checkedFolder(const std::string& given, const std::string& cwd, std:
     return {};
 }
 
-std::string outsideLocationsError(const LocationGate& gate, const std::vector<std::string>& folders) {
+std::string outsideLocationsError(const LocationGate& gate,
+                                  const std::vector<std::string>& folders) {
     if (gate.open) {
         return {};
     }

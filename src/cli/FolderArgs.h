@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include <optional>
@@ -26,6 +27,7 @@ std::string checkedFolder(const std::string& given, const std::string& cwd, std:
 // Why the search would find nothing in one of folders: the first that lies
 // outside what gate lets pass, named with the gate's roots. Empty when every
 // folder is searched.
-std::string outsideLocationsError(const LocationGate& gate, const std::vector<std::string>& folders);
+std::string outsideLocationsError(const LocationGate& gate,
+                                  const std::vector<std::string>& folders);
 
 } // namespace twinsweep::cli

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // twinsweep-cli: finds duplicate files from the command line with the same
 // engine as the desktop application.
 #include <cerrno>

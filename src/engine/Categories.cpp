@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Categories of duplicate groups and the size measures over the shared results.
 #include <algorithm>
 #include <string_view>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading file contents: whole-file MD5 through a fixed buffer, and the short
 // prefix read that splits same-size files before any full read.
 #include "engine/Digest.h"

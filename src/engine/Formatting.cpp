@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Size and date texts shown by the windows and stored in member records.
 #include <charconv>
 #include <ctime>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Size ordering, and the content digest of the plain comparison and of the
 // outputs that show it.
 #include <algorithm>

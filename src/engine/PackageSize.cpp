@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A package's size: every regular file below it, as one item of the walk.
 #include <fcntl.h>
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The search run: nested folders dropped, walk, size order, comparison,
 // collection of the group heads, with progress and cancellation throughout.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The block-by-block comparison of files whose first bytes agree.
 #include "engine/SideBySide.h"
 #include "engine/GentleRead.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The folder walk: lists folders, applies the location gate, hidden names,
 // packages, the extension filter and the size range, and posts progress per
 // entry. Depth first, pre-order, each folder's entries in name order.

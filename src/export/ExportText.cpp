@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The escapings of the exports: JSON string literals and CSV path texts.
 #include <cstdio>
 

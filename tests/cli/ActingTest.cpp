@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs the real twinsweep-cli with the options that mark and remove copies, and bad usage.
 #include <gtest/gtest.h>
 

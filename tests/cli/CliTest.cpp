@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The reports of the real twinsweep-cli on real folders, and its text and option helpers.
 #include <gtest/gtest.h>
 

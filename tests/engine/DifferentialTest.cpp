@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading ahead on threads must give the plain loop's groups, order and
 // messages, on random trees whose files change while the walk runs.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the windows and reports show of a record: sizes, dates, the estimate line.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A search leaves the page cache as it found it: files it had to read from
 // the disk are dropped again, files the user had cached stay cached; and it
 // can read at idle I/O priority.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Contents and dates are read through the folder the walk found a file in:
 // at any depth, and after the group's own head was cleaned.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file copied up into an overlay's upper layer is a file of its own: the
 // view and the lower file are a real pair of copies.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A plan written now and applied later: every check of a clean runs again at
 // apply time, so whatever changed since, and whatever a hand-edited or
 // another user's plan claims, can only make a copy be left, never make the

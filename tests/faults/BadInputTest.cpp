@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Bad input: files that only look like copies (cleaning compares bytes), files
 // that change or vanish, and trees a real disk may hold.
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A dry run runs every check of the clean but the act: what it says would go
 // is exactly what the clean then removes or links, and what it says would be
 // left, the clean leaves for the same reason.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Remembered fingerprints: trusted only while every part of a file's key is
 // unchanged, never from a store twinsweep did not keep itself, and never
 // enough to remove a file.

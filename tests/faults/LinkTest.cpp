@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Replacing copies with hard links: every path keeps its bytes, and a link
 // never gives a copy's path another owner, group, mode, label or a protected
 // file, and is made to the very file that was compared.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Root cleaning many users' trees: only a twin of the same owner vouches, and
 // nothing reached through another user's link is acted on.
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // No keep option, rule or clean touches a copy in a protected folder.
 #include <sys/mount.h>
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A clean killed at any moment leaves nothing hidden: the next clean, whatever
 // it searches, puts back or finishes what the killed one left.
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Removal as a hostile user or system would try it, through the real tool.
 #include <chrono>
 #include <csignal>

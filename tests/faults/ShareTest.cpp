@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Sharing storage (copy-on-write) on real Btrfs and XFS images: the copy
 // keeps its path, owner, mode and bytes, and ends up on the kept copy's
 // extents; what was shared already frees nothing, a copy changed after the

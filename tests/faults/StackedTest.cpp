@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A view through an overlay is never a second copy of the file under it,
 // however the overlay's layers were named.
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Root cleaning users' trees acts only where the folders given lead, whatever
 // links the users plant.
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Undoing cleans to the Trash: each clean's own record, put back only through
 // checked folders, and only the items that clean moved.
 #include <algorithm>

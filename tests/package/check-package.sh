@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Builds the Debian package from BUILD_DIR and checks what it holds.
 # Usage: check-package.sh BUILD_DIR SOURCE_DIR
 set -uo pipefail
@@ -39,8 +40,20 @@ for dep in libc6 libqt6widgets6 libssl3 qt6-qpa-plugins libqt6svg6; do
   [[ ", $depends," == *", $dep "* || ", $depends," == *", $dep,"* ]] || fail "Depends lacks $dep: $depends"
 done
 
+# Who made it, where it lives, what it needs to open pages and folders.
+field() { dpkg-deb -f "$deb" "$1"; }
+[ "$(field Maintainer)" = "Twinsweep developers <twinsweep@users.noreply.github.com>" ] ||
+  fail "Maintainer: $(field Maintainer)"
+[ "$(field Homepage)" = "https://github.com/twinsweep/twinsweep" ] || fail "Homepage: $(field Homepage)"
+[[ ", $(field Recommends)," == *", xdg-utils,"* ]] || fail "Recommends lacks xdg-utils: $(field Recommends)"
+
 root=$work/root
 dpkg-deb -x "$deb" "$root"
+grep -q '^License: GPL-3+$' "$root/usr/share/doc/twinsweep/copyright" || fail "copyright names no GPL-3+"
+if grep -rIlE '\.example([^a-z]|$)' "$root" "$source/data" >"$work/example.log"; then
+  cat "$work/example.log"
+  fail "a reserved example domain"
+fi
 desktop=$root/usr/share/applications/$id.desktop
 desktop-file-validate "$desktop" || fail "desktop-file-validate"
 appstreamcli validate --no-net "$root/usr/share/metainfo/$id.metainfo.xml" >"$work/as.log" 2>&1 ||
@@ -49,6 +62,19 @@ icon=$(sed -n 's/^Icon=//p' "$desktop")
 [ -f "$root/usr/share/icons/hicolor/scalable/apps/$icon.svg" ] || fail "no icon named $icon"
 grep -q "<launchable type=\"desktop-id\">$id.desktop</launchable>" \
   "$root/usr/share/metainfo/$id.metainfo.xml" || fail "metainfo does not launch $id.desktop"
+# Licence, homepage and every screenshot, by its raw address in the repository.
+python3 - "$root/usr/share/metainfo/$id.metainfo.xml" >"$work/meta" <<'PY'
+import sys, xml.etree.ElementTree as E
+c = E.parse(sys.argv[1]).getroot()
+print(c.findtext("project_license"))
+print(c.find("url[@type='homepage']").text)
+for image in c.iter("image"):
+    print(image.text)
+PY
+shots=$(cd "$source/docs" && ls -- *.png | grep -v protected | sed 's|^|https://raw.githubusercontent.com/twinsweep/twinsweep/main/docs/|' | sort)
+expected_meta=$(printf 'GPL-3.0-or-later\nhttps://github.com/twinsweep/twinsweep\n%s' "$shots")
+[ "$(head -n 2 "$work/meta"; tail -n +3 "$work/meta" | sort)" = "$expected_meta" ] ||
+  { cat "$work/meta"; fail "metainfo licence, homepage or screenshots"; }
 python3 -c 'import sys, xml.etree.ElementTree as E; E.parse(sys.argv[1])' \
   "$root/usr/share/icons/hicolor/scalable/apps/$id.svg" || fail "icon is not well-formed SVG"
 
@@ -66,6 +92,13 @@ for other in man completion; do
   diff -u "$work/help-options" "$work/$other-options" >"$work/$other.diff" ||
     { cat "$work/$other.diff"; fail "options in --help and the $other differ"; }
 done
+# The window program answers --help and --version without a display.
+app=$root/usr/bin/twinsweep
+out=$(env -u DISPLAY -u WAYLAND_DISPLAY QT_QPA_PLATFORM=xcb "$app" --version 2>&1)
+[ $? -eq 0 ] && [ "$out" = "twinsweep 0.1.0" ] || fail "twinsweep --version gave: $out"
+out=$(env -u DISPLAY -u WAYLAND_DISPLAY QT_QPA_PLATFORM=xcb "$app" -style x --help 2>/dev/null)
+[ $? -eq 0 ] && [ "$(head -n 1 <<<"$out")" = "Usage: twinsweep [Qt options]" ] ||
+  fail "twinsweep --help gave: $out"
 version=$("$cli" --version)
 zcat "$root/usr/share/man/man1/twinsweep-cli.1.gz" | grep -q "\"Twinsweep ${version##* }\"" ||
   fail "manual page is not for version ${version##* }"
@@ -93,10 +126,12 @@ fi
 
 if command -v lintian >/dev/null; then
   # Root is warned against but harmless for a package that is only read.
-  report=$(lintian --fail-on error,warning "$deb" 2>&1)
+  # Information tags shown too: none of them may be about hardening.
+  report=$(lintian --fail-on error,warning --display-info "$deb" 2>&1)
   rc=$?
   grep -v 'running with root privileges' <<<"$report"
   [ $rc -eq 0 ] || fail "lintian"
+  ! grep -q 'hardening' <<<"$report" || fail "lintian finds the programs unhardened"
 else
   echo "lintian not installed: skipped"
 fi

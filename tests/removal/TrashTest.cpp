@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Our freedesktop Trash and removal for good, through open folders.
 #include <fcntl.h>
 #include <regex>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Cleaning with hard links when a group has every copy marked: asked as what
 // happens, nothing linked there, the group stays listed.
 #include <gtest/gtest.h>

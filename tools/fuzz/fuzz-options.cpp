@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Feeds arbitrary command lines to the command-line tool's option parser (the
 // bytes split at NUL into arguments) and arbitrary texts to its size reader.
 // A size it accepts must be exactly the number written, times its unit; a

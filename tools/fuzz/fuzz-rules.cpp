@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Feeds arbitrary bytes to the custom-rule text reader. A text it accepts must
 // write back to a text that reads the same; a text it refuses must leave every
 // field as it was.

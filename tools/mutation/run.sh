@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Mutation check of the test suite: for each deliberate fault in mutants.txt,
 # applies it in a scratch worktree of COMMIT, rebuilds, runs the suite (minus
 # the slow deep-walk case and the package check) and records whether it fails.

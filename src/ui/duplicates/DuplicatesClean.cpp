@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Cleaning from the window: the core decides what goes and asks through the
 // window's alerts; the platform removes.
 #include <QPushButton>

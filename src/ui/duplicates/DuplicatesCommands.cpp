@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The results window's keyboard: every command in a menu with its shortcut,
 // and Space marking the current member wherever the cursor is in its row.
 #include <QAbstractButton>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Export...: the listed groups with their marks, as CSV or JSON, written by
 // the same code as the command-line tool's reports.
 #include <QFileDialog>

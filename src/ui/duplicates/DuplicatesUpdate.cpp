@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The results update as the window runs it: copies of the controls go to a
 // background job, whose figures and new listed groups come back and are
 // installed here, on the GUI thread.

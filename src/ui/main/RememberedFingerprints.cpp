@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // File > Clear Remembered Fingerprints: forgets what earlier searches read.
 #include <QFile>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Edit > Undo Clean: puts back what the newest clean to the Trash moved
 // there, as its record in the state folder lists (so it survives the
 // application, and covers the command-line tool's cleans too).
