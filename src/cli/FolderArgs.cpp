@@ -78,15 +78,19 @@ std::string outsideLocationsError(const LocationGate& gate,
     }
     for (const std::string& folder : folders) {
         // What lies in the folder has a path beginning with folder + "/" (the
-        // walk joins names that way): the gate lets all of it pass or none.
-        if (gate.allows(folder + "/", {})) {
-            continue;
-        }
+        // walk joins names that way): searched when the gate lets that pass,
+        // or down to the roots the folder holds.
+        const std::string inside = folder == "/" ? folder : folder + "/";
+        bool holdsRoot = false;
         std::string roots;
         for (const auto* kind : {&gate.usersRoots, &gate.applicationsRoots, &gate.volumesRoots}) {
             for (const std::string& root : *kind) {
                 roots += (roots.empty() ? "" : ", ") + root;
+                holdsRoot = holdsRoot || root.starts_with(inside);
             }
+        }
+        if (holdsRoot || gate.allows(inside, {})) {
+            continue;
         }
         return folder + " is outside the searched locations (" + roots +
                "); add --any-location to search it";

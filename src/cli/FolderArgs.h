@@ -24,9 +24,9 @@ std::optional<std::string> physicalFolder(const std::string& given, const std::s
 // not a folder (an empty argument never is).
 std::string checkedFolder(const std::string& given, const std::string& cwd, std::string& folder);
 
-// Why the search would find nothing in one of folders: the first that lies
-// outside what gate lets pass, named with the gate's roots. Empty when every
-// folder is searched.
+// Why the search would find nothing in one of folders: the first that neither
+// lies inside one of gate's roots nor holds one, named with the roots. Empty
+// when every folder is searched.
 std::string outsideLocationsError(const LocationGate& gate,
                                   const std::vector<std::string>& folders);
 

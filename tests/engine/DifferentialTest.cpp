@@ -85,9 +85,11 @@ void build(const TempTree& tree, std::uint32_t seed, bool corners = false) {
     tree.write("p/One.app/x", pool.substr(0, 10));
     tree.write("p/Two.app/y", pool.substr(5, 10));
     tree.write("p/Three.app/z", pool.substr(0, 11));
-    ::link(tree.path("d0/f0" + std::string(".dat")).c_str(), tree.path("p/link.dat").c_str());
+    EXPECT_EQ(
+        ::link(tree.path("d0/f0" + std::string(".dat")).c_str(), tree.path("p/link.dat").c_str()),
+        0);
     tree.write("p/solo.pkg", "package-extension file");
-    ::link(tree.path("p/solo.pkg").c_str(), tree.path("p/again.pkg").c_str());
+    EXPECT_EQ(::link(tree.path("p/solo.pkg").c_str(), tree.path("p/again.pkg").c_str()), 0);
     if (corners) {
         buildCorners(tree, pool, rng);
     }

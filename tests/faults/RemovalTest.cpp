@@ -127,8 +127,8 @@ TEST(Removal, ACopyIsRemovedOnlyThroughTheFolderTheSearchWalked) {
         SCOPED_TRACE(midway ? "while compared" : "before the clean");
         Snapshot before;
         const auto swap = [&](pid_t) {
-            ::rename(folder.c_str(), (folder + ".old").c_str());
-            ::symlink(tree.path("outside").c_str(), folder.c_str());
+            EXPECT_EQ(::rename(folder.c_str(), (folder + ".old").c_str()), 0);
+            EXPECT_EQ(::symlink(tree.path("outside").c_str(), folder.c_str()), 0);
             before = snapshot(tree.root());
         };
         CliRun run{{"--any-location", "--keep", "oldest", "--delete", tree.path("tree")}};
