@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -20,6 +21,44 @@ bool writeFully(int fd, std::string_view text) {
         text.remove_prefix(static_cast<std::size_t>(n));
     }
     return true;
+}
+
+bool readAll(int fd, std::string& text, std::size_t limit) {
+    char buf[65536];
+    while (text.size() < limit) {
+        const ssize_t n = ::read(fd, buf, sizeof buf);
+        if (n == 0) {
+            return true;
+        }
+        if (n < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        text.append(buf, static_cast<std::size_t>(n));
+    }
+    return true;
+}
+
+std::vector<std::string> entryNames(int folderFd) {
+    std::vector<std::string> names;
+    const int listFd = ::openat(folderFd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR* dir = listFd >= 0 ? ::fdopendir(listFd) : nullptr;
+    if (dir == nullptr) {
+        if (listFd >= 0) {
+            ::close(listFd);
+        }
+        return names;
+    }
+    while (const dirent* e = ::readdir(dir)) {
+        const char* n = e->d_name;
+        if (!(n[0] == '.' && (n[1] == '\0' || (n[1] == '.' && n[2] == '\0')))) {
+            names.emplace_back(n);
+        }
+    }
+    ::closedir(dir);
+    return names;
 }
 
 std::string parentOf(const std::string& path) {

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unistd.h>
+#include <vector>
 
 namespace twinsweep {
 
@@ -43,6 +45,14 @@ class Fd {
 
 // Writes all of text, going on after interruptions; false with errno set.
 bool writeFully(int fd, std::string_view text);
+
+// Reads fd to its end, or until text holds limit bytes or more; false (errno
+// set) on a read error.
+bool readAll(int fd, std::string& text, std::size_t limit = SIZE_MAX);
+
+// The names in the open folder, "." and ".." left out; empty when it can't
+// be listed. The folder's own descriptor keeps its position.
+std::vector<std::string> entryNames(int folderFd);
 
 // The folder part and the last component of a path ("/a/b" -> "/a", "b").
 std::string parentOf(const std::string& path);

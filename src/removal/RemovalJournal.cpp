@@ -32,11 +32,7 @@ std::string readSmallFile(int dirFd, const char* name) {
     if (!fd.ok()) {
         return text;
     }
-    char buf[4096];
-    ssize_t n = 0;
-    while ((n = ::read(fd.get(), buf, sizeof buf)) > 0 && text.size() < kMaxRecord) {
-        text.append(buf, static_cast<std::size_t>(n));
-    }
+    readAll(fd.get(), text, kMaxRecord);
     return text;
 }
 
@@ -191,22 +187,16 @@ std::vector<std::pair<std::string, JournalRecord>> journalRecords() {
     if (journalFd < 0) {
         return out;
     }
-    const int listFd = ::openat(journalFd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    DIR* dir = listFd >= 0 ? ::fdopendir(listFd) : nullptr;
-    if (dir == nullptr) {
-        if (listFd >= 0) {
-            ::close(listFd);
-        }
-        return out;
-    }
-    while (const dirent* e = ::readdir(dir)) {
+    for (const std::string& handle : entryNames(journalFd)) {
         JournalRecord r;
-        if (e->d_name[0] != '.' && decode(readSmallFile(journalFd, e->d_name), r)) {
-            out.emplace_back(e->d_name, std::move(r));
-        } else if (e->d_name[0] != '.') {
+        if (handle.front() == '.') {
+            continue;
+        }
+        if (decode(readSmallFile(journalFd, handle.c_str()), r)) {
+            out.emplace_back(handle, std::move(r));
+        } else {
             // A record cut short, its process killed before the entry it
             // names was made: the handle still names the process.
-            const std::string handle = e->d_name;
             JournalRecord cut;
             const std::size_t dash = handle.find('-');
             const std::size_t dash2 = handle.find('-', dash + 1);
@@ -218,7 +208,6 @@ std::vector<std::pair<std::string, JournalRecord>> journalRecords() {
             }
         }
     }
-    ::closedir(dir);
     return out;
 }
 

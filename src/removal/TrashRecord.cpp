@@ -197,21 +197,11 @@ UndoRecord::~UndoRecord() {
 
 std::vector<std::string> recordNames(int undoFd) {
     std::vector<std::string> names;
-    const int dup = ::openat(undoFd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    DIR* dir = dup >= 0 ? ::fdopendir(dup) : nullptr;
-    if (dir == nullptr) {
-        if (dup >= 0) {
-            ::close(dup);
-        }
-        return names;
-    }
-    while (const dirent* e = ::readdir(dir)) {
-        const std::string name = e->d_name;
+    for (std::string& name : entryNames(undoFd)) {
         if (name.front() != '.' && name.ends_with(kSuffix)) {
-            names.push_back(name);
+            names.push_back(std::move(name));
         }
     }
-    ::closedir(dir);
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -229,12 +219,7 @@ std::string loadRecord(int undoFd, const std::string& name, StoredRecord& out) {
         return name + ": a clean is still writing it";
     }
     std::string text;
-    char buf[65536];
-    ssize_t n = 0;
-    while ((n = ::read(file.get(), buf, sizeof buf)) > 0) {
-        text.append(buf, static_cast<std::size_t>(n));
-    }
-    if (n < 0) {
+    if (!readAll(file.get(), text)) {
         return name + ": " + std::strerror(errno);
     }
     if (!readTrashRecordText(text, out.contents)) {

@@ -16,11 +16,7 @@ namespace {
 
 std::string readSmallFile(int fd) {
     std::string text;
-    char buf[65536];
-    ssize_t n = 0;
-    while ((n = ::read(fd, buf, sizeof buf)) > 0 && text.size() < (1u << 20)) {
-        text.append(buf, static_cast<std::size_t>(n));
-    }
+    readAll(fd, text, 1u << 20);
     return text;
 }
 

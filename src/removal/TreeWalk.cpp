@@ -27,33 +27,13 @@ std::uint64_t mountId(int fd) {
     return ::fstat(fd, &st) == 0 ? static_cast<std::uint64_t>(st.st_dev) | (1ULL << 63) : 0;
 }
 
-std::vector<std::string> namesIn(int fd) {
-    std::vector<std::string> names;
-    const int copy = ::dup(fd);
-    DIR* dir = copy >= 0 ? ::fdopendir(copy) : nullptr;
-    if (dir == nullptr) {
-        if (copy >= 0) {
-            ::close(copy);
-        }
-        return names;
-    }
-    while (const dirent* de = ::readdir(dir)) {
-        const char* n = de->d_name;
-        if (!(n[0] == '.' && (n[1] == '\0' || (n[1] == '.' && n[2] == '\0')))) {
-            names.emplace_back(n);
-        }
-    }
-    ::closedir(dir);
-    return names;
-}
-
 int openFolderAt(int dirFd, const std::string& name) {
     return ::openat(dirFd, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
 }
 
 std::uint64_t sizeOf(int fd, std::uint64_t mount) {
     std::uint64_t total = 0;
-    for (const std::string& name : namesIn(fd)) {
+    for (const std::string& name : entryNames(fd)) {
         struct stat st {};
         if (::fstatat(fd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
             continue;
@@ -75,7 +55,7 @@ void removeInside(int fd, std::uint64_t mount, const std::string& rel, TreeRemov
         r.complete = false;
         r.remaining.push_back(what + ": " + why);
     };
-    for (const std::string& name : namesIn(fd)) {
+    for (const std::string& name : entryNames(fd)) {
         const std::string here = rel.empty() ? name : rel + "/" + name;
         struct stat st {};
         if (::fstatat(fd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
