@@ -28,6 +28,9 @@ id=io.github.twinsweep.Twinsweep
     usr/share/man/man1/twinsweep.1.gz usr/share/man/man1/twinsweep-cli.1.gz \
     usr/share/bash-completion/completions/twinsweep-cli \
     usr/share/doc/twinsweep/copyright usr/share/doc/twinsweep/changelog.gz
+  for page in removing-duplicates custom-selection; do
+    printf 'usr/share/twinsweep/help/%s\n' "$page.html" "$page.de.html"
+  done
   shopt -s nullglob
   for doc in "$source"/docs/*.md "$source"/docs/*.png; do echo "usr/share/doc/twinsweep/$(basename "$doc")"; done
 } | sort >"$work/expected"

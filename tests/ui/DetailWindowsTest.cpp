@@ -1,19 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFile>
 #include <QFileDialog>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QLocale>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QUrl>
 
 #include "UiTestSupport.h"
 #include "selection/CustomSettingsText.h"
 #include "ui/customkeep/Stepper.h"
 #include "ui/customkeep/ViewControllerCustomKeep.h"
 #include "ui/info/ViewControllerInfo.h"
+#include "ui/platform/HelpPages.h"
 
 using namespace twinsweep;
 using namespace twinsweep::testing;
@@ -199,6 +203,40 @@ class DetailWindowsTest : public QObject {
             QVERIFY(!w.progressIndicator->isVisible() && !w.imageView->pixmap().isNull());
             QVERIFY(!picture || w.imageView->pixmap().size() == QSize(64, 48));
         }
+    }
+
+    // Both pages open from a local file in the windows' language and name
+    // every removal choice and the real search scope.
+    void helpPagesFollowTheLanguageAndOpenOffline() {
+        auto page = [](twinsweep::ui::HelpTopic topic) {
+            const QUrl url(twinsweep::ui::helpPageAddress(topic));
+            QFile file(url.toLocalFile());
+            return std::make_pair(url, file.open(QIODevice::ReadOnly)
+                                           ? QString::fromUtf8(file.readAll())
+                                           : QString());
+        };
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
+        auto [english, text] = page(twinsweep::ui::HelpTopic::RemovingDuplicates);
+        QCOMPARE(english.scheme(), QStringLiteral("file"));
+        QVERIFY(english.path().endsWith(QStringLiteral("/help/removing-duplicates.html")));
+        for (const char* phrase :
+             {"Move duplicate files to the Trash", "Delete duplicate files permanently",
+              "Replace duplicate files with hard links",
+              "Share the storage of duplicate files (copy-on-write)", "Search any location",
+              "<code>/home</code> (every user", "/gvfs", "Undo Clean", "Protected",
+              "Remember file fingerprints between searches", "Export..."}) {
+            QVERIFY2(text.contains(QString::fromUtf8(phrase)), phrase);
+        }
+        QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+        auto [german, deText] = page(twinsweep::ui::HelpTopic::CustomSelection);
+        QVERIFY(german.path().endsWith(QStringLiteral("/help/custom-selection.de.html")));
+        QVERIFY(deText.contains(QStringLiteral("Eigene Auswahl doppelter Dateien")));
+        QVERIFY(page(twinsweep::ui::HelpTopic::RemovingDuplicates)
+                    .second.contains(QStringLiteral("Überall suchen")));
+        QLocale::setDefault(QLocale::c());
+        QVERIFY(page(twinsweep::ui::HelpTopic::CustomSelection)
+                    .first.path()
+                    .endsWith(QStringLiteral("/help/custom-selection.html")));
     }
 };
 
