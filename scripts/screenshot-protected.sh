@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Takes docs/main-window-protected.png: the main window with two folders, the
-# first of them protected. Same set-up as the other screenshot scripts.
+# Takes docs/main-window-protected.png (or its -2x or -dark form): the main
+# window with two folders, the first of them protected. Same set-up as the other screenshot scripts.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/screenshot-setup.sh
@@ -14,5 +14,5 @@ add_folder "$demo/Downloads"
 # The first row's Protected box, at the right end of the folder table.
 xdotool mousemove --window "$main" "${PROTECT_X:-467}" "${PROTECT_Y:-91}" click 1
 sleep 0.5
-import -window "$main" docs/main-window-protected.png
-echo "docs/main-window-protected.png written"
+import -window "$main" docs/main-window-protected$suffix.png
+echo "docs/main-window-protected$suffix.png written"

@@ -2,10 +2,24 @@
 # Sourced by the screenshot scripts: installs the capture tools, builds the
 # application (APP) and picks a fresh demo folder (demo) where the search looks
 # (under the home folder, or /mnt when run as root).
+# SHOT_MODE picks how the windows look: unset for the usual pictures, "2x" for
+# a screen at twice the scale (QT_SCALE_FACTOR=2), "dark" for GNOME's dark
+# Adwaita style; suffix ("", "-2x", "-dark") goes into each picture's name and
+# scale multiplies the positions clicked.
 SUDO=""
 if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
 need=()
-for p in imagemagick xdotool xvfb; do
+suffix=""
+scale=1
+APP_ARGS=()
+shot_packages=(imagemagick xdotool xvfb)
+case "${SHOT_MODE:-}" in
+  "") ;;
+  2x) suffix=-2x scale=2 && export QT_SCALE_FACTOR=2 ;;
+  dark) suffix=-dark APP_ARGS=(-style Adwaita-Dark) shot_packages+=(adwaita-qt6) ;;
+  *) echo "SHOT_MODE is 2x, dark or unset" >&2 && exit 2 ;;
+esac
+for p in "${shot_packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || need+=("$p")
 done
 if [ "${#need[@]}" -gt 0 ]; then
@@ -33,12 +47,13 @@ rm -rf "$demo"
 # goes, when the script ends.
 start_app() {
   display=:$((90 + RANDOM % 9))
-  Xvfb "$display" -screen 0 "$1x24" -nolisten tcp &
+  local width=${1%x*} height=${1#*x}
+  Xvfb "$display" -screen 0 "$((width * scale))x$((height * scale))x24" -nolisten tcp &
   xvfb=$!
   trap 'kill "$app" "$xvfb" 2>/dev/null || true; rm -rf "$demo"' EXIT
   export DISPLAY=$display
   sleep 1
-  "$APP" &
+  "$APP" "${APP_ARGS[@]}" &
   app=$!
   main=$(xdotool search --sync --onlyvisible --name '^Twinsweep$' | head -n 1)
   sleep 1
@@ -54,4 +69,9 @@ add_folder() {
   xdotool type --delay 5 "$1"
   xdotool key Return
   sleep 1
+}
+
+# Clicks at a position given for the usual scale, inside the window $1.
+click_at() {
+  xdotool mousemove --window "$1" "$(($2 * scale))" "$(($3 * scale))" click 1
 }

@@ -60,16 +60,16 @@ xdotool windowfocus --sync "$results"
 xdotool key ctrl+shift+a # Apply to All Groups
 xdotool key ctrl+2       # Keep Oldest
 sleep 1
-xdotool mousemove --window "$results" 100 227 click 1 # a picture
+click_at "$results" 100 227 # a picture
 sleep 0.5
-xdotool mousemove --window "$results" 600 117 click 1 # its second copy
+click_at "$results" 600 117 # its second copy
 sleep 0.5
-import -window "$results" docs/results-window.png
+import -window "$results" docs/results-window$suffix.png
 
 xdotool key ctrl+i # File Info
 info=$(xdotool search --sync --onlyvisible --name '^File Information$' | head -n 1)
 sleep 1.5
-import -window "$info" docs/info-window.png
+import -window "$info" docs/info-window$suffix.png
 xdotool windowfocus --sync "$info"
 xdotool key Escape
 sleep 0.5
@@ -79,6 +79,6 @@ xdotool key ctrl+shift+a # untick Apply to All Groups
 xdotool key ctrl+5       # Custom...
 custom=$(xdotool search --sync --onlyvisible --name '^Custom Selection$' | head -n 1)
 sleep 1
-import -window "$custom" docs/custom-keep-window.png
+import -window "$custom" docs/custom-keep-window$suffix.png
 xdotool key Escape
 echo "screenshots written to docs/"

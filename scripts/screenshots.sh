@@ -37,7 +37,7 @@ if [ "$(id -u)" -eq 0 ]; then echo 3 >/proc/sys/vm/drop_caches; fi
 start_app 1100x800
 
 add_folder "$demo"
-import -window "$main" docs/main-window.png
+import -window "$main" docs/main-window$suffix.png
 
 # Start the search and catch the progress window while it works.
 xdotool windowfocus --sync "$main"
@@ -52,10 +52,10 @@ while xdotool search --onlyvisible --name '^Searching for Duplicate Files$' >/de
   sleep 0.4
 done
 [ "$n" -gt 2 ] && n=$((n - 1)) # the very last one may be of a closing window
-cp "$frames/$n.png" docs/progress-window.png
+cp "$frames/$n.png" docs/progress-window$suffix.png
 rm -rf "$frames"
 
 results=$(xdotool search --sync --onlyvisible --name '^Duplicate Files$' | head -n 1)
 sleep 0.5
-import -window "$results" docs/results-window.png
+import -window "$results" docs/results-window$suffix.png
 echo "screenshots written to docs/"
