@@ -65,6 +65,28 @@
     </message>
 </context>
 <context>
+    <name>OutsideLocations</name>
+    <message>
+        <source> and </source>
+        <translation> und </translation>
+    </message>
+    <message>
+        <source>The search looks only under %1. Outside those locations: %2.</source>
+        <translation>Gesucht wird nur unter %1. Außerhalb dieser Orte liegen: %2.</translation>
+    </message>
+</context>
+<context>
+    <name>ProgressText</name>
+    <message>
+        <source>0/0 Files Scanned</source>
+        <translation>0/0 Dateien durchsucht</translation>
+    </message>
+    <message>
+        <source>%1/%2 Files Scaned</source>
+        <translation>%1/%2 Dateien durchsucht</translation>
+    </message>
+</context>
+<context>
     <name>WindowCommands</name>
     <message>
         <source>&amp;Window</source>
@@ -110,6 +132,36 @@
     <message>
         <source>Protected</source>
         <translation>Geschützt</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::GroupsModel</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Marked</source>
+        <translation>Markiert</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::MembersModel</name>
+    <message>
+        <source>In a protected folder: never marked or removed.</source>
+        <translation>In einem geschützten Ordner: wird nie markiert oder entfernt.</translation>
+    </message>
+    <message>
+        <source>Path</source>
+        <translation>Pfad</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
     </message>
 </context>
 <context>
@@ -180,6 +232,182 @@ Dieses Fenster ist noch nicht fertig.</translation>
 … and %1 more.</source>
         <translation>
 … und %1 weitere.</translation>
+    </message>
+    <message>
+        <source>Folders to scan</source>
+        <translation>Zu durchsuchende Ordner</translation>
+    </message>
+    <message>
+        <source>Add folders with the buttons, or drag them here from your file manager.</source>
+        <translation>Fügen Sie Ordner mit den Knöpfen hinzu oder ziehen Sie sie aus Ihrer Dateiverwaltung hierher.</translation>
+    </message>
+    <message>
+        <source>Add Folder...</source>
+        <translation>Ordner hinzufügen...</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Remove All</source>
+        <translation>Alle entfernen</translation>
+    </message>
+    <message>
+        <source>File size</source>
+        <translation>Dateigröße</translation>
+    </message>
+    <message>
+        <source>Smallest:</source>
+        <translation>Kleinste:</translation>
+    </message>
+    <message>
+        <source>Largest:</source>
+        <translation>Größte:</translation>
+    </message>
+    <message>
+        <source>File types</source>
+        <translation>Dateitypen</translation>
+    </message>
+    <message>
+        <source>All file types</source>
+        <translation>Alle Dateitypen</translation>
+    </message>
+    <message>
+        <source>Only these extensions:</source>
+        <translation>Nur diese Endungen:</translation>
+    </message>
+    <message>
+        <source>extension, e.g. jpg</source>
+        <translation>Endung, z. B. jpg</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>Hinzufügen</translation>
+    </message>
+    <message>
+        <source>Options</source>
+        <translation>Optionen</translation>
+    </message>
+    <message>
+        <source>Move duplicate files to the Trash</source>
+        <translation>Doppelte Dateien in den Papierkorb verschieben</translation>
+    </message>
+    <message>
+        <source>Delete duplicate files permanently</source>
+        <translation>Doppelte Dateien endgültig löschen</translation>
+    </message>
+    <message>
+        <source>Replace duplicate files with hard links</source>
+        <translation>Doppelte Dateien durch harte Links ersetzen</translation>
+    </message>
+    <message>
+        <source>Each removed copy becomes a hard link to a kept copy: every path keeps working and the contents are stored once.</source>
+        <translation>Jede entfernte Kopie wird zu einem harten Link auf eine behaltene Kopie: Jeder Pfad funktioniert weiter, und der Inhalt wird nur einmal gespeichert.</translation>
+    </message>
+    <message>
+        <source>Share the storage of duplicate files (copy-on-write)</source>
+        <translation>Speicherplatz doppelter Dateien teilen (Copy-on-Write)</translation>
+    </message>
+    <message>
+        <source>On Btrfs and XFS, each copy shares its storage with a kept copy: nothing is removed, and every file keeps its own path, owner and later edits.</source>
+        <translation>Auf Btrfs und XFS teilt jede Kopie ihren Speicherplatz mit einer behaltenen Kopie: Nichts wird entfernt, und jede Datei behält ihren eigenen Pfad, ihren Eigentümer und spätere Änderungen.</translation>
+    </message>
+    <message>
+        <source>Skip packages (application bundles and similar folders)</source>
+        <translation>Pakete überspringen (Anwendungsbündel und ähnliche Ordner)</translation>
+    </message>
+    <message>
+        <source>Compare large files by content</source>
+        <translation>Große Dateien nach Inhalt vergleichen</translation>
+    </message>
+    <message>
+        <source>Files of 100 MB and more are otherwise matched by size alone.</source>
+        <translation>Dateien ab 100 MB werden sonst allein nach ihrer Größe zugeordnet.</translation>
+    </message>
+    <message>
+        <source>Remember file fingerprints between searches</source>
+        <translation>Fingerabdrücke von Dateien zwischen Suchen speichern</translation>
+    </message>
+    <message>
+        <source>Files unchanged since an earlier search are not read again.</source>
+        <translation>Dateien, die seit einer früheren Suche unverändert sind, werden nicht erneut gelesen.</translation>
+    </message>
+    <message>
+        <source>Search at idle disk priority</source>
+        <translation>Mit niedriger Datenträgerpriorität suchen</translation>
+    </message>
+    <message>
+        <source>The search reads only when no other program is waiting for the disk: slower, but the desktop stays responsive.</source>
+        <translation>Die Suche liest nur, wenn kein anderes Programm auf den Datenträger wartet: langsamer, aber die Arbeitsumgebung bleibt reaktionsschnell.</translation>
+    </message>
+    <message>
+        <source>Find Duplicate Files</source>
+        <translation>Doppelte Dateien finden</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;New</source>
+        <translation>&amp;Neu</translation>
+    </message>
+    <message>
+        <source>&amp;Add Folder...</source>
+        <translation>Ordner &amp;hinzufügen...</translation>
+    </message>
+    <message>
+        <source>&amp;Find Duplicate Files</source>
+        <translation>Doppelte Dateien &amp;finden</translation>
+    </message>
+    <message>
+        <source>Clear Remembered &amp;Fingerprints</source>
+        <translation>Gespeicherte Fingerabdrücke &amp;löschen</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Clean</source>
+        <translation>Bereinigung &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>&amp;Remove Folder</source>
+        <translation>Ordner &amp;entfernen</translation>
+    </message>
+    <message>
+        <source>Remove All F&amp;olders...</source>
+        <translation>&amp;Alle Ordner entfernen...</translation>
+    </message>
+    <message>
+        <source>Remove E&amp;xtension</source>
+        <translation>E&amp;ndung entfernen</translation>
+    </message>
+    <message>
+        <source>Remove All Ex&amp;tensions</source>
+        <translation>Alle Endungen en&amp;tfernen</translation>
+    </message>
+    <message>
+        <source>The selected folder(s) could not be added.</source>
+        <translation>Die ausgewählten Ordner konnten nicht hinzugefügt werden.</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to remove all folders from the list?</source>
+        <translation>Möchten Sie wirklich alle Ordner aus der Liste entfernen?</translation>
+    </message>
+    <message>
+        <source>There are no folders to scan. Please add at least one folder and try again.</source>
+        <translation>Es gibt keine zu durchsuchenden Ordner. Bitte fügen Sie mindestens einen Ordner hinzu und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>You have unsaved changes that will be lost. Are you sure you want to exit the application?</source>
+        <translation>Sie haben ungespeicherte Änderungen, die verloren gehen. Möchten Sie die Anwendung wirklich beenden?</translation>
     </message>
 </context>
 <context>
@@ -531,6 +759,199 @@ Dieses Fenster ist noch nicht fertig.</translation>
     <message>
         <source>The custom file path you entered is not valid. Please enter a valid path.</source>
         <translation>Der eingegebene Ordnerpfad ist ungültig. Bitte geben Sie einen gültigen Pfad ein.</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::ViewControllerDuplicates</name>
+    <message>
+        <source>Twinsweep can&apos;t keep a record to undo this clean: %1. Nothing was removed.</source>
+        <translation>Twinsweep kann keinen Eintrag zum Rückgängigmachen dieser Bereinigung anlegen: %1. Es wurde nichts entfernt.</translation>
+    </message>
+    <message>
+        <source>Twinsweep could not keep the record to undo this clean: %1. Nothing more was moved to the Trash.</source>
+        <translation>Twinsweep konnte den Eintrag zum Rückgängigmachen dieser Bereinigung nicht anlegen: %1. Es wurde nichts weiter in den Papierkorb verschoben.</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>Show in File &amp;Manager</source>
+        <translation>In der &amp;Dateiverwaltung zeigen</translation>
+    </message>
+    <message>
+        <source>File &amp;Info</source>
+        <translation>Datei&amp;informationen</translation>
+    </message>
+    <message>
+        <source>&amp;Clean...</source>
+        <translation>&amp;Bereinigen...</translation>
+    </message>
+    <message>
+        <source>&amp;Export...</source>
+        <translation>&amp;Exportieren...</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Mark or Unmark</source>
+        <translation>&amp;Markieren oder Markierung aufheben</translation>
+    </message>
+    <message>
+        <source>&amp;Apply to All Groups</source>
+        <translation>Auf &amp;alle Gruppen anwenden</translation>
+    </message>
+    <message>
+        <source>CSV files (*.csv)</source>
+        <translation>CSV-Dateien (*.csv)</translation>
+    </message>
+    <message>
+        <source>JSON files (*.json)</source>
+        <translation>JSON-Dateien (*.json)</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>Exportieren</translation>
+    </message>
+    <message>
+        <source>The results could not be exported to %1: %2</source>
+        <translation>Die Ergebnisse konnten nicht nach %1 exportiert werden: %2</translation>
+    </message>
+    <message>
+        <source>Duplicate Files</source>
+        <translation>Doppelte Dateien</translation>
+    </message>
+    <message>
+        <source>Select:</source>
+        <translation>Auswahl:</translation>
+    </message>
+    <message>
+        <source>Keep All</source>
+        <translation>Alle behalten</translation>
+    </message>
+    <message>
+        <source>Keep Oldest</source>
+        <translation>Älteste behalten</translation>
+    </message>
+    <message>
+        <source>Keep Newest</source>
+        <translation>Neueste behalten</translation>
+    </message>
+    <message>
+        <source>Remove All</source>
+        <translation>Alle entfernen</translation>
+    </message>
+    <message>
+        <source>Custom…</source>
+        <translation>Benutzerdefiniert…</translation>
+    </message>
+    <message>
+        <source>Apply to all groups</source>
+        <translation>Auf alle Gruppen anwenden</translation>
+    </message>
+    <message>
+        <source>Show in File Manager</source>
+        <translation>In der Dateiverwaltung zeigen</translation>
+    </message>
+    <message>
+        <source>File Info</source>
+        <translation>Dateiinformationen</translation>
+    </message>
+    <message>
+        <source>Export...</source>
+        <translation>Exportieren...</translation>
+    </message>
+    <message>
+        <source>Save the listed groups and their marks as CSV or JSON</source>
+        <translation>Die aufgelisteten Gruppen und ihre Markierungen als CSV oder JSON speichern</translation>
+    </message>
+    <message>
+        <source>Categories</source>
+        <translation>Kategorien</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>Bilder</translation>
+    </message>
+    <message>
+        <source>Music</source>
+        <translation>Musik</translation>
+    </message>
+    <message>
+        <source>Movies</source>
+        <translation>Filme</translation>
+    </message>
+    <message>
+        <source>Archives</source>
+        <translation>Archive</translation>
+    </message>
+    <message>
+        <source>Documents</source>
+        <translation>Dokumente</translation>
+    </message>
+    <message>
+        <source>Other</source>
+        <translation>Sonstige</translation>
+    </message>
+    <message>
+        <source>Space saved:</source>
+        <translation>Gesparter Speicherplatz:</translation>
+    </message>
+    <message>
+        <source>Clean</source>
+        <translation>Bereinigen</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::ViewControllerInfo</name>
+    <message>
+        <source>File Information</source>
+        <translation>Dateiinformationen</translation>
+    </message>
+    <message>
+        <source>Name:</source>
+        <translation>Name:</translation>
+    </message>
+    <message>
+        <source>Size:</source>
+        <translation>Größe:</translation>
+    </message>
+    <message>
+        <source>Extension:</source>
+        <translation>Endung:</translation>
+    </message>
+    <message>
+        <source>Created:</source>
+        <translation>Erstellt:</translation>
+    </message>
+    <message>
+        <source>Modified:</source>
+        <translation>Geändert:</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::ViewControllerProgress</name>
+    <message>
+        <source>Searching for Duplicate Files</source>
+        <translation>Suche nach doppelten Dateien</translation>
+    </message>
+    <message>
+        <source>Looking for duplicate files...</source>
+        <translation>Doppelte Dateien werden gesucht...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>No duplicate files found.</source>
+        <translation>Keine doppelten Dateien gefunden.</translation>
+    </message>
+    <message>
+        <source>Cancelling...</source>
+        <translation>Wird abgebrochen...</translation>
     </message>
 </context>
 </TS>
