@@ -12,7 +12,8 @@ namespace twinsweep::testing {
 
 // Walks a window's accessibility tree, as a screen reader does, and names
 // every control a user acts on that lacks an accessible name or
-// description: "objectName (role): name" or ": description". A combo box's
+// description: "objectName (role): name" or ": description" (the class name
+// when the control has no object name). A combo box's
 // name on Linux is its current item, so there the widget's own accessible
 // name must be set.
 inline QStringList controlsWithoutAccessibleText(QWidget* window) {
@@ -33,7 +34,10 @@ inline QStringList controlsWithoutAccessibleText(QWidget* window) {
                 return;
             }
             const QString what =
-                widget->objectName() + QStringLiteral(" (") +
+                (widget->objectName().isEmpty()
+                     ? QString::fromLatin1(widget->metaObject()->className())
+                     : widget->objectName()) +
+                QStringLiteral(" (") +
                 QString::fromLatin1(
                     QMetaEnum::fromType<QAccessible::Role>().valueToKey(node->role())) +
                 QStringLiteral(")");
