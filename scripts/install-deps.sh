@@ -10,6 +10,7 @@ if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
 PACKAGES=(
   build-essential cmake ninja-build pkg-config git python3 file
   qt6-base-dev qt6-base-dev-tools qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins
+  qt6-tools-dev qt6-l10n-tools qt6-translations-l10n
   libgl-dev libxkbcommon-dev
   libssl-dev libutf8proc-dev libsqlite3-dev
   adwaita-icon-theme hicolor-icon-theme xdg-utils

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "ui/main/ViewController.h"
+#include "ui/platform/Translations.h"
 #include "ui/shell/AppDelegate.h"
 
 int main(int argc, char** argv) {
@@ -34,6 +35,10 @@ int main(int argc, char** argv) {
     QApplication::setWindowIcon(
         QIcon::fromTheme(QStringLiteral(TWINSWEEP_APP_ID),
                          QIcon(QStringLiteral(":/icons/" TWINSWEEP_APP_ID ".svg"))));
+    // The desktop's language (LANGUAGE, LC_ALL, LC_MESSAGES, LANG); dates
+    // and sizes keep their fixed formats whatever it is.
+    twinsweep::ui::Translations translations(&app);
+    translations.use(QLocale::system());
     twinsweep::ui::AppDelegate delegate(app);
 
     twinsweep::ui::ViewController mainWindow;

@@ -27,7 +27,8 @@ id=io.github.twinsweep.Twinsweep
     "usr/share/icons/hicolor/scalable/apps/$id.svg" \
     usr/share/man/man1/twinsweep.1.gz usr/share/man/man1/twinsweep-cli.1.gz \
     usr/share/bash-completion/completions/twinsweep-cli \
-    usr/share/doc/twinsweep/copyright usr/share/doc/twinsweep/changelog.gz
+    usr/share/doc/twinsweep/copyright usr/share/doc/twinsweep/changelog.gz \
+    usr/share/twinsweep/translations/twinsweep_de.qm
   for page in removing-duplicates custom-selection; do
     printf 'usr/share/twinsweep/help/%s\n' "$page.html" "$page.de.html"
   done
@@ -49,6 +50,8 @@ field() { dpkg-deb -f "$deb" "$1"; }
   fail "Maintainer: $(field Maintainer)"
 [ "$(field Homepage)" = "https://github.com/twinsweep/twinsweep" ] || fail "Homepage: $(field Homepage)"
 [[ ", $(field Recommends)," == *", xdg-utils,"* ]] || fail "Recommends lacks xdg-utils: $(field Recommends)"
+[[ ", $(field Recommends)," == *", qt6-translations-l10n,"* ]] ||
+  fail "Recommends lacks qt6-translations-l10n: $(field Recommends)"
 
 root=$work/root
 dpkg-deb -x "$deb" "$root"

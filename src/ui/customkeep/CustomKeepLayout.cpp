@@ -43,24 +43,24 @@ QLineEdit* sizeField(QWidget* parent, const char* name) {
 } // namespace
 
 void ViewControllerCustomKeep::buildLayout() {
-    setWindowTitle(QStringLiteral("Custom Selection"));
+    setWindowTitle(tr("Custom Selection"));
     auto* contents = new QWidget(this);
     auto* outer = new QVBoxLayout(contents);
-    outer->addWidget(new QLabel(QStringLiteral("Mark for removal the copies that:"), contents));
+    outer->addWidget(new QLabel(tr("Mark for removal the copies that:"), contents));
 
     auto* rules = new QGridLayout;
     int row = 0;
     const auto dateRule = [&](const char* check, QCheckBox*& box, const char* type,
                               QComboBox*& typeCombo, const char* term, QComboBox*& termCombo,
                               const char* picker, QDateTimeEdit*& date) {
-        box = named(new QCheckBox(QStringLiteral("Date"), contents), check);
+        box = named(new QCheckBox(tr("Date"), contents), check);
         typeCombo = named(new QComboBox(contents), type);
         termCombo = named(new QComboBox(contents), term);
         date = datePicker(contents, picker);
         rules->addWidget(box, row, 0);
         rules->addWidget(typeCombo, row, 1);
         rules->addWidget(termCombo, row, 2);
-        rules->addWidget(new QLabel(QStringLiteral("than"), contents), row, 3);
+        rules->addWidget(new QLabel(tr("than"), contents), row, 3);
         rules->addWidget(date, row, 4, 1, 3);
         ++row;
     };
@@ -75,14 +75,14 @@ void ViewControllerCustomKeep::buildLayout() {
                               QComboBox*& termCombo, const char* field, QLineEdit*& text,
                               const char* stepperName, Stepper*& stepper, const char* unit,
                               QComboBox*& unitCombo) {
-        box = named(new QCheckBox(QStringLiteral("File size"), contents), check);
+        box = named(new QCheckBox(tr("File size"), contents), check);
         termCombo = named(new QComboBox(contents), term);
         text = sizeField(contents, field);
         stepper = named(new Stepper(contents), stepperName);
         unitCombo = named(new QComboBox(contents), unit);
         rules->addWidget(box, row, 0);
         rules->addWidget(termCombo, row, 2);
-        rules->addWidget(new QLabel(QStringLiteral("than"), contents), row, 3);
+        rules->addWidget(new QLabel(tr("than"), contents), row, 3);
         rules->addWidget(text, row, 4);
         rules->addWidget(stepper, row, 5);
         rules->addWidget(unitCombo, row, 6);
@@ -101,8 +101,8 @@ void ViewControllerCustomKeep::buildLayout() {
 
     // File types.
     auto* types = new QHBoxLayout;
-    checkCustomFileTypes = named(new QCheckBox(QStringLiteral("File type is one of"), contents),
-                                 "checkCustomFileTypes");
+    checkCustomFileTypes =
+        named(new QCheckBox(tr("File type is one of"), contents), "checkCustomFileTypes");
     types->addWidget(checkCustomFileTypes, 0, Qt::AlignTop);
     tableViewCustomFileTypes = named(new QListWidget(contents), "TableViewCustomFileTypes");
     tableViewCustomFileTypes->setMaximumHeight(96);
@@ -110,11 +110,10 @@ void ViewControllerCustomKeep::buildLayout() {
     auto* typeButtons = new QVBoxLayout;
     textFieldExtension = named(new QLineEdit(contents), "textFieldExtension");
     textFieldExtension->setMaximumWidth(100);
-    auto* add = named(new QPushButton(QStringLiteral("Add"), contents), "buttonAddExtension");
-    auto* remove =
-        named(new QPushButton(QStringLiteral("Remove"), contents), "buttonRemoveExtension");
+    auto* add = named(new QPushButton(tr("Add"), contents), "buttonAddExtension");
+    auto* remove = named(new QPushButton(tr("Remove"), contents), "buttonRemoveExtension");
     auto* removeAll =
-        named(new QPushButton(QStringLiteral("Remove All"), contents), "buttonRemoveAllExtensions");
+        named(new QPushButton(tr("Remove All"), contents), "buttonRemoveAllExtensions");
     typeButtons->addWidget(textFieldExtension);
     typeButtons->addWidget(add);
     typeButtons->addWidget(remove);
@@ -124,12 +123,10 @@ void ViewControllerCustomKeep::buildLayout() {
 
     // Folder.
     auto* folder = new QHBoxLayout;
-    checkCustomFilePath =
-        named(new QCheckBox(QStringLiteral("In folder"), contents), "checkCustomFilePath");
+    checkCustomFilePath = named(new QCheckBox(tr("In folder"), contents), "checkCustomFilePath");
     textFieldCustomFilePath = named(new QLineEdit(contents), "textFieldCustomFilePath");
-    auto* browse = named(new QPushButton(QStringLiteral("&Browse…"), contents), "buttonBrowse");
-    checkSubfolders =
-        named(new QCheckBox(QStringLiteral("Include subfolders"), contents), "checkSubfolders");
+    auto* browse = named(new QPushButton(tr("&Browse…"), contents), "buttonBrowse");
+    checkSubfolders = named(new QCheckBox(tr("Include subfolders"), contents), "checkSubfolders");
     folder->addWidget(checkCustomFilePath);
     folder->addWidget(textFieldCustomFilePath, 1);
     folder->addWidget(browse);
@@ -137,17 +134,17 @@ void ViewControllerCustomKeep::buildLayout() {
     outer->addLayout(folder);
 
     auto* matchRow = new QHBoxLayout;
-    matchRow->addWidget(new QLabel(QStringLiteral("Mark the copies that"), contents));
+    matchRow->addWidget(new QLabel(tr("Mark the copies that"), contents));
     comboMatch = named(new QComboBox(contents), "comboMatch");
     matchRow->addWidget(comboMatch);
-    matchRow->addWidget(new QLabel(QStringLiteral("every rule that is on."), contents));
+    matchRow->addWidget(new QLabel(tr("every rule that is on."), contents));
     matchRow->addStretch(1);
     outer->addLayout(matchRow);
 
     auto* buttons = new QHBoxLayout;
-    buttonReset = named(new QPushButton(QStringLiteral("&Reset"), contents), "buttonReset");
-    buttonCancel = named(new QPushButton(QStringLiteral("Cancel"), contents), "buttonCancel");
-    buttonOk = named(new QPushButton(QStringLiteral("OK"), contents), "buttonOk");
+    buttonReset = named(new QPushButton(tr("&Reset"), contents), "buttonReset");
+    buttonCancel = named(new QPushButton(tr("Cancel"), contents), "buttonCancel");
+    buttonOk = named(new QPushButton(tr("OK"), contents), "buttonOk");
     // OK is the button the window offers, but Return in a field only confirms
     // that field (the window swallows what the field leaves); a focused
     // button takes Return itself.
@@ -158,6 +155,7 @@ void ViewControllerCustomKeep::buildLayout() {
     buttons->addWidget(buttonOk);
     outer->addLayout(buttons);
     setContents(contents);
+    describeControls();
 
     connect(textFieldFirstFileSize, &QLineEdit::editingFinished, this,
             &ViewControllerCustomKeep::OnFirstFileSizeChanged);
@@ -180,12 +178,12 @@ void ViewControllerCustomKeep::buildLayout() {
     connect(buttonCancel, &QPushButton::clicked, this, &ViewControllerCustomKeep::OnCancel);
     connect(buttonReset, &QPushButton::clicked, this, &ViewControllerCustomKeep::OnReset);
 
-    QMenu* edit = addCommandMenu(menuBar(), QStringLiteral("&Edit"));
+    QMenu* edit = addCommandMenu(menuBar(), tr("&Edit"));
     addCommand(
-        edit, QStringLiteral("Remove E&xtension"), QKeySequence::Delete,
+        edit, tr("Remove E&xtension"), QKeySequence::Delete,
         [this] { OnCustomFileTypesRemoveSelected(); }, tableViewCustomFileTypes);
     addCommand(
-        edit, QStringLiteral("Remove All Ex&tensions"), QKeySequence(Qt::SHIFT | Qt::Key_Delete),
+        edit, tr("Remove All Ex&tensions"), QKeySequence(Qt::SHIFT | Qt::Key_Delete),
         [this] { OnCustomFileTypesRemoveAll(); }, tableViewCustomFileTypes);
 }
 

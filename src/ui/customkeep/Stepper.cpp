@@ -16,11 +16,15 @@ Stepper::Stepper(QWidget* parent) : QWidget(parent) {
     up->setArrowType(Qt::UpArrow);
     up->setAutoRepeat(true);
     up->setFixedSize(18, 12);
+    up->setAccessibleName(tr("Increase size"));
+    up->setAccessibleDescription(tr("Adds one to the size."));
     auto* down = new QToolButton(this);
     down->setObjectName(QStringLiteral("stepDown"));
     down->setArrowType(Qt::DownArrow);
     down->setAutoRepeat(true);
     down->setFixedSize(18, 12);
+    down->setAccessibleName(tr("Decrease size"));
+    down->setAccessibleDescription(tr("Takes one from the size."));
     layout->addWidget(up);
     layout->addWidget(down);
     connect(up, &QToolButton::clicked, this, [this] { stepBy(1); });

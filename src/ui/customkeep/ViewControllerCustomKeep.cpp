@@ -57,12 +57,11 @@ void ViewControllerCustomKeep::viewDidLoad() {
         combo->clear();
         combo->addItems(items);
     };
-    const QStringList dateTypes{QStringLiteral("Creation Date"),
-                                QStringLiteral("Modification Date")};
-    const QStringList dateTerms{QStringLiteral("Earlier"), QStringLiteral("Later")};
-    const QStringList sizeTerms{QStringLiteral("Larger"), QStringLiteral("Smaller")};
-    const QStringList units{QStringLiteral("B"), QStringLiteral("KB"), QStringLiteral("MB"),
-                            QStringLiteral("GB")};
+    // The rules keep the item's position, never its text.
+    const QStringList dateTypes{tr("Creation Date"), tr("Modification Date")};
+    const QStringList dateTerms{tr("Earlier"), tr("Later")};
+    const QStringList sizeTerms{tr("Larger"), tr("Smaller")};
+    const QStringList units{tr("B"), tr("KB"), tr("MB"), tr("GB")};
     fill(comboFirstDateType, dateTypes);
     fill(comboSecondDateType, dateTypes);
     fill(comboFirstDateTermOfComparison, dateTerms);
@@ -71,7 +70,7 @@ void ViewControllerCustomKeep::viewDidLoad() {
     fill(comboSecondFileSizeTermOfComparison, sizeTerms);
     fill(comboFirstFileSizeUnit, units);
     fill(comboSecondFileSizeUnit, units);
-    fill(comboMatch, {QStringLiteral("Match"), QStringLiteral("Don't match")});
+    fill(comboMatch, {tr("Match"), tr("Don't match")});
     // Any way out other than OK counts as Cancel.
     settingsManager->customSettingsOption = "Cancel";
     loadRuleControls();
@@ -241,7 +240,7 @@ void ViewControllerCustomKeep::OnCustomFileTypesRemoveAll() {
 
 void ViewControllerCustomKeep::OnBrowse() {
     // A folder typed here that is not there is reported by OK, with the rule.
-    FolderDialog dialog(this, QStringLiteral("Select File Path"), false);
+    FolderDialog dialog(this, tr("Select File Path"), false);
     dialog.setObjectName(QStringLiteral("BrowseFolder"));
     const QString current = textFieldCustomFilePath->text();
     if (isFolder(current)) {
@@ -254,8 +253,8 @@ void ViewControllerCustomKeep::OnBrowse() {
 
 void ViewControllerCustomKeep::OnOk() {
     if (!isFolder(textFieldCustomFilePath->text()) && checkCustomFilePath->isChecked()) {
-        showInformation(this, QStringLiteral("The custom file path you entered is not valid. "
-                                             "Please enter a valid path."));
+        showInformation(this, tr("The custom file path you entered is not valid. "
+                                 "Please enter a valid path."));
         return;
     }
     saveRuleControls();

@@ -77,6 +77,7 @@ class ViewControllerCustomKeep : public ModalWindow {
 
   private:
     void buildLayout();
+    void describeControls();
     void viewDidLoad();
     void loadRuleControls();
     void saveRuleControls();

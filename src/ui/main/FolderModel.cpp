@@ -49,7 +49,7 @@ QVariant FolderModel::data(const QModelIndex& index, int role) const {
         return isProtected(index.row()) ? Qt::Checked : Qt::Unchecked;
     }
     if (role == Qt::ToolTipRole) {
-        return QStringLiteral("Copies in a protected folder are never marked or removed.");
+        return tr("Copies in a protected folder are never marked or removed.");
     }
     return {};
 }
@@ -64,7 +64,7 @@ bool FolderModel::setData(const QModelIndex& index, const QVariant& value, int r
 
 QVariant FolderModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (section == ColumnProtected && orientation == Qt::Horizontal && role == Qt::DisplayRole) {
-        return QStringLiteral("Protected");
+        return tr("Protected");
     }
     return StringListModel::headerData(section, orientation, role);
 }

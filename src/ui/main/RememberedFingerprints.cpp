@@ -10,10 +10,9 @@ namespace twinsweep::ui {
 
 void ViewController::OnClearRememberedFingerprints() {
     const std::string error = clearFingerprintCache();
-    showInformation(this, error.empty()
-                              ? QStringLiteral("Remembered fingerprints were cleared: the next "
-                                               "search reads every file.")
-                              : QFile::decodeName(QByteArray::fromStdString(error)));
+    showInformation(this, error.empty() ? tr("Remembered fingerprints were cleared: the next "
+                                             "search reads every file.")
+                                        : QFile::decodeName(QByteArray::fromStdString(error)));
 }
 
 } // namespace twinsweep::ui

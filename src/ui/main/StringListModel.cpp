@@ -74,7 +74,7 @@ QVariant StringListModel::headerData(int section, Qt::Orientation orientation, i
     if (role != Qt::DisplayRole || orientation != Qt::Horizontal || section != 0) {
         return {};
     }
-    return kind_ == Kind::FolderPaths ? QStringLiteral("Folder") : QStringLiteral("Extension");
+    return kind_ == Kind::FolderPaths ? tr("Folder") : tr("Extension");
 }
 
 Qt::ItemFlags StringListModel::flags(const QModelIndex& index) const {

@@ -21,7 +21,8 @@ void ViewController::updateUndoClean() {
 void ViewController::OnUndoClean() {
     CleaningLock lock;
     if (lock.tryTake() != CleaningLock::Outcome::Taken) {
-        showInformation(this, QString::fromStdString(lock.message() + ". Nothing was restored."));
+        showInformation(
+            this, tr("%1. Nothing was restored.").arg(QString::fromStdString(lock.message())));
         return;
     }
     const UndoReport report = undoNewestClean();
@@ -32,17 +33,17 @@ void ViewController::OnUndoClean() {
     }
     const RestoreOutcome& outcome = report.outcome;
     const std::size_t done = outcome.restored.size();
-    QString text = done == 1 ? QStringLiteral("1 file was put back where it was.")
-                             : QStringLiteral("%1 files were put back where they were.").arg(done);
+    QString text = done == 1 ? tr("1 file was put back where it was.")
+                             : tr("%1 files were put back where they were.").arg(done);
     if (!outcome.problems.empty()) {
-        text += QStringLiteral(" These could not be:\n");
+        text += tr(" These could not be:\n");
         constexpr std::size_t kShown = 10;
         for (std::size_t i = 0; i < outcome.problems.size() && i < kShown; ++i) {
             text += QStringLiteral("\n") +
                     QFile::decodeName(QByteArray::fromStdString(outcome.problems[i]));
         }
         if (outcome.problems.size() > kShown) {
-            text += QStringLiteral("\n… and %1 more.").arg(outcome.problems.size() - kShown);
+            text += tr("\n… and %1 more.").arg(outcome.problems.size() - kShown);
         }
     }
     showInformation(this, text);

@@ -16,10 +16,10 @@ PlaceholderWindow::PlaceholderWindow(QWidget* opener, const QString& title, bool
     auto* contents = new QWidget(this);
     auto* layout = new QVBoxLayout(contents);
     const auto settings = SettingsManager::shared();
-    auto* label = new QLabel(
-        QStringLiteral("%1 groups of duplicate files were found.\nThis window is not ready yet.")
-            .arg(settings->duplicateFileList.size()),
-        contents);
+    auto* label =
+        new QLabel(tr("%1 groups of duplicate files were found.\nThis window is not ready yet.")
+                       .arg(settings->duplicateFileList.size()),
+                   contents);
     label->setObjectName(QStringLiteral("labelPlaceholder"));
     layout->addWidget(label);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, contents);

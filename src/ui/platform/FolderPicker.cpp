@@ -43,7 +43,7 @@ void FolderDialog::accept() {
 }
 
 std::optional<QStringList> chooseFolders(QWidget* parent) {
-    FolderDialog dialog(parent, QStringLiteral("Select Folder(s)"), true);
+    FolderDialog dialog(parent, FolderDialog::tr("Select Folder(s)"), true);
     dialog.setObjectName(QStringLiteral("FolderPicker"));
     if (dialog.exec() != QDialog::Accepted) {
         return std::nullopt;

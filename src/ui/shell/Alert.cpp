@@ -7,6 +7,8 @@
 #include <QPushButton>
 #include <QVector>
 
+#include "ui/platform/CoreTexts.h"
+
 namespace twinsweep::ui {
 
 int runAlert(QWidget* parent, const QString& informativeText, const QStringList& buttons) {
@@ -14,13 +16,15 @@ int runAlert(QWidget* parent, const QString& informativeText, const QStringList&
     box.setIcon(QMessageBox::Warning);
     box.setWindowTitle(QStringLiteral("Twinsweep"));
     box.setText(QString());
-    box.setInformativeText(informativeText);
+    // The libraries' texts arrive in English; the windows' own are already
+    // translated and pass through unchanged.
+    box.setInformativeText(coreText(informativeText));
     box.setWindowModality(Qt::ApplicationModal);
     QVector<QAbstractButton*> made;
     for (const QString& title : buttons) {
         // Action role keeps the buttons in the order given, whatever the
         // desktop's usual Yes/No placement.
-        made.push_back(box.addButton(title, QMessageBox::ActionRole));
+        made.push_back(box.addButton(coreText(title), QMessageBox::ActionRole));
     }
     if (!made.isEmpty()) {
         box.setDefaultButton(qobject_cast<QPushButton*>(made.front()));

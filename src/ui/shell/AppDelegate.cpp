@@ -33,7 +33,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     if (notes.empty()) {
         return;
     }
-    QString text = QStringLiteral("Finished what a stopped clean left behind:");
+    QString text = tr("Finished what a stopped clean left behind:");
     for (const std::string& note : notes) {
         text += QLatin1Char('\n') + QFile::decodeName(note.c_str());
     }

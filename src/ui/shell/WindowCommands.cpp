@@ -2,6 +2,7 @@
 #include "ui/shell/WindowCommands.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QKeySequence>
 #include <QList>
 #include <QMenu>
@@ -12,9 +13,9 @@
 namespace twinsweep::ui {
 
 void addWindowMenu(QMenuBar* bar, std::function<void()> onMinimize) {
-    QMenu* menu = bar->addMenu(QStringLiteral("&Window"));
+    QMenu* menu = bar->addMenu(QCoreApplication::translate("WindowCommands", "&Window"));
     menu->setObjectName(QStringLiteral("menuWindow"));
-    QAction* minimize = menu->addAction(QStringLiteral("&Minimise"));
+    QAction* minimize = menu->addAction(QCoreApplication::translate("WindowCommands", "&Minimise"));
     minimize->setObjectName(QStringLiteral("actionMinimize"));
     minimize->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_M));
     QObject::connect(minimize, &QAction::triggered, bar, [onMinimize] { onMinimize(); });
@@ -22,14 +23,16 @@ void addWindowMenu(QMenuBar* bar, std::function<void()> onMinimize) {
 
 void addHelpMenu(QMenuBar* bar, std::function<void()> onRemoveDuplicates,
                  std::function<void()> onCustomSelect) {
-    QMenu* menu = bar->addMenu(QStringLiteral("&Help"));
+    QMenu* menu = bar->addMenu(QCoreApplication::translate("WindowCommands", "&Help"));
     menu->setObjectName(QStringLiteral("menuHelp"));
-    QAction* removing = menu->addAction(QStringLiteral("&Removing Duplicate Files"));
+    QAction* removing =
+        menu->addAction(QCoreApplication::translate("WindowCommands", "&Removing Duplicate Files"));
     removing->setObjectName(QStringLiteral("actionHelpRemoveDuplicates"));
     removing->setShortcut(QKeySequence::HelpContents);
     QObject::connect(removing, &QAction::triggered, bar,
                      [onRemoveDuplicates] { onRemoveDuplicates(); });
-    QAction* custom = menu->addAction(QStringLiteral("&Custom Selection of Duplicates"));
+    QAction* custom = menu->addAction(
+        QCoreApplication::translate("WindowCommands", "&Custom Selection of Duplicates"));
     custom->setObjectName(QStringLiteral("actionHelpCustomSelect"));
     custom->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F1));
     QObject::connect(custom, &QAction::triggered, bar, [onCustomSelect] { onCustomSelect(); });

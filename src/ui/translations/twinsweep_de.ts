@@ -1,0 +1,957 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE" sourcelanguage="en">
+<context>
+    <name>CoreText</name>
+    <message>
+        <source>You did not select any duplicate files. Please select at least one duplicate file and try again.</source>
+        <translation>Sie haben keine doppelten Dateien ausgewählt. Bitte wählen Sie mindestens eine doppelte Datei aus und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>Some files have been selected to be removed completely. Are you sure you want to continue?</source>
+        <translation>Von einigen Dateien sind alle Kopien zum Entfernen ausgewählt; sie würden vollständig entfernt. Möchten Sie wirklich fortfahren?</translation>
+    </message>
+    <message>
+        <source>You are about to permanently remove the selected duplicate files. Continue?</source>
+        <translation>Sie sind dabei, die ausgewählten doppelten Dateien endgültig zu löschen. Fortfahren?</translation>
+    </message>
+    <message>
+        <source>Some groups have every copy selected; with hard links, those groups are left as they are. Continue?</source>
+        <translation>In einigen Gruppen sind alle Kopien ausgewählt; beim Ersetzen durch harte Links bleiben diese Gruppen unverändert. Fortfahren?</translation>
+    </message>
+    <message>
+        <source>Some groups have every copy selected; when sharing storage, those groups are left as they are. Continue?</source>
+        <translation>In einigen Gruppen sind alle Kopien ausgewählt; beim Teilen des Speicherplatzes bleiben diese Gruppen unverändert. Fortfahren?</translation>
+    </message>
+    <message>
+        <source>No selected copy could share its storage with a kept copy; every file was left as it was.</source>
+        <translation>Keine ausgewählte Kopie konnte ihren Speicherplatz mit einer behaltenen Kopie teilen; alle Dateien blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>None of the folders searched is on a file system that can share storage (Btrfs, or XFS made with reflinks). Nothing was changed.</source>
+        <translation>Keiner der durchsuchten Ordner liegt auf einem Dateisystem, das Speicherplatz teilen kann (Btrfs oder mit Reflinks angelegtes XFS). Es wurde nichts geändert.</translation>
+    </message>
+    <message>
+        <source>Duplicate files cleaned successfully. </source>
+        <translation>Doppelte Dateien erfolgreich bereinigt. </translation>
+    </message>
+    <message>
+        <source>No selected copy could be replaced by a hard link; every file was left as it was.</source>
+        <translation>Keine ausgewählte Kopie konnte durch einen harten Link ersetzt werden; alle Dateien blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Do you want to keep at least one copy of each duplicate file?</source>
+        <translation>Möchten Sie von jeder doppelten Datei mindestens eine Kopie behalten?</translation>
+    </message>
+    <message>
+        <source>Yes, keep the oldest file</source>
+        <translation>Ja, die älteste Datei behalten</translation>
+    </message>
+    <message>
+        <source>Yes, keep the newest file</source>
+        <translation>Ja, die neueste Datei behalten</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>Ja</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>Nein</translation>
+    </message>
+</context>
+<context>
+    <name>OutsideLocations</name>
+    <message>
+        <source> and </source>
+        <translation> und </translation>
+    </message>
+    <message>
+        <source>The search looks only under %1. Outside those locations: %2.</source>
+        <translation>Gesucht wird nur unter %1. Außerhalb dieser Orte liegen: %2.</translation>
+    </message>
+</context>
+<context>
+    <name>ProgressText</name>
+    <message>
+        <source>0/0 Files Scanned</source>
+        <translation>0/0 Dateien durchsucht</translation>
+    </message>
+    <message>
+        <source>%1/%2 Files Scaned</source>
+        <translation>%1/%2 Dateien durchsucht</translation>
+    </message>
+</context>
+<context>
+    <name>WindowCommands</name>
+    <message>
+        <source>&amp;Window</source>
+        <translation>&amp;Fenster</translation>
+    </message>
+    <message>
+        <source>&amp;Minimise</source>
+        <translation>&amp;Minimieren</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>&amp;Removing Duplicate Files</source>
+        <translation>&amp;Doppelte Dateien entfernen</translation>
+    </message>
+    <message>
+        <source>&amp;Custom Selection of Duplicates</source>
+        <translation>&amp;Benutzerdefinierte Auswahl von Duplikaten</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::AppDelegate</name>
+    <message>
+        <source>Finished what a stopped clean left behind:</source>
+        <translation>Was eine abgebrochene Bereinigung hinterlassen hatte, wurde abgeschlossen:</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::FolderDialog</name>
+    <message>
+        <source>Select Folder(s)</source>
+        <translation>Ordner wählen</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::FolderModel</name>
+    <message>
+        <source>Copies in a protected folder are never marked or removed.</source>
+        <translation>Kopien in einem geschützten Ordner werden nie markiert oder entfernt.</translation>
+    </message>
+    <message>
+        <source>Protected</source>
+        <translation>Geschützt</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::GroupsModel</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Marked</source>
+        <translation>Markiert</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::MembersModel</name>
+    <message>
+        <source>In a protected folder: never marked or removed.</source>
+        <translation>In einem geschützten Ordner: wird nie markiert oder entfernt.</translation>
+    </message>
+    <message>
+        <source>Path</source>
+        <translation>Pfad</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::PlaceholderWindow</name>
+    <message>
+        <source>%1 groups of duplicate files were found.
+This window is not ready yet.</source>
+        <translation>%1 Gruppen doppelter Dateien wurden gefunden.
+Dieses Fenster ist noch nicht fertig.</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::Stepper</name>
+    <message>
+        <source>Increase size</source>
+        <translation>Größe erhöhen</translation>
+    </message>
+    <message>
+        <source>Adds one to the size.</source>
+        <translation>Erhöht die Größe um eins.</translation>
+    </message>
+    <message>
+        <source>Decrease size</source>
+        <translation>Größe verringern</translation>
+    </message>
+    <message>
+        <source>Takes one from the size.</source>
+        <translation>Verringert die Größe um eins.</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::StringListModel</name>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Extension</source>
+        <translation>Endung</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::ViewController</name>
+    <message>
+        <source>Remembered fingerprints were cleared: the next search reads every file.</source>
+        <translation>Die gespeicherten Fingerabdrücke wurden gelöscht: Die nächste Suche liest jede Datei.</translation>
+    </message>
+    <message>
+        <source>%1. Nothing was restored.</source>
+        <translation>%1. Es wurde nichts wiederhergestellt.</translation>
+    </message>
+    <message>
+        <source>1 file was put back where it was.</source>
+        <translation>1 Datei wurde an ihren Platz zurückgelegt.</translation>
+    </message>
+    <message>
+        <source>%1 files were put back where they were.</source>
+        <translation>%1 Dateien wurden an ihren Platz zurückgelegt.</translation>
+    </message>
+    <message>
+        <source> These could not be:
+</source>
+        <translation> Diese konnten nicht zurückgelegt werden:
+</translation>
+    </message>
+    <message>
+        <source>
+… and %1 more.</source>
+        <translation>
+… und %1 weitere.</translation>
+    </message>
+    <message>
+        <source>Folders to scan</source>
+        <translation>Zu durchsuchende Ordner</translation>
+    </message>
+    <message>
+        <source>Add folders with the buttons, or drag them here from your file manager.</source>
+        <translation>Fügen Sie Ordner mit den Knöpfen hinzu oder ziehen Sie sie aus Ihrer Dateiverwaltung hierher.</translation>
+    </message>
+    <message>
+        <source>Add Folder...</source>
+        <translation>Ordner hinzufügen...</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Remove All</source>
+        <translation>Alle entfernen</translation>
+    </message>
+    <message>
+        <source>File size</source>
+        <translation>Dateigröße</translation>
+    </message>
+    <message>
+        <source>Smallest:</source>
+        <translation>Kleinste:</translation>
+    </message>
+    <message>
+        <source>Largest:</source>
+        <translation>Größte:</translation>
+    </message>
+    <message>
+        <source>File types</source>
+        <translation>Dateitypen</translation>
+    </message>
+    <message>
+        <source>All file types</source>
+        <translation>Alle Dateitypen</translation>
+    </message>
+    <message>
+        <source>Only these extensions:</source>
+        <translation>Nur diese Endungen:</translation>
+    </message>
+    <message>
+        <source>extension, e.g. jpg</source>
+        <translation>Endung, z. B. jpg</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>Hinzufügen</translation>
+    </message>
+    <message>
+        <source>Options</source>
+        <translation>Optionen</translation>
+    </message>
+    <message>
+        <source>Move duplicate files to the Trash</source>
+        <translation>Doppelte Dateien in den Papierkorb verschieben</translation>
+    </message>
+    <message>
+        <source>Delete duplicate files permanently</source>
+        <translation>Doppelte Dateien endgültig löschen</translation>
+    </message>
+    <message>
+        <source>Replace duplicate files with hard links</source>
+        <translation>Doppelte Dateien durch harte Links ersetzen</translation>
+    </message>
+    <message>
+        <source>Each removed copy becomes a hard link to a kept copy: every path keeps working and the contents are stored once.</source>
+        <translation>Jede entfernte Kopie wird zu einem harten Link auf eine behaltene Kopie: Jeder Pfad funktioniert weiter, und der Inhalt wird nur einmal gespeichert.</translation>
+    </message>
+    <message>
+        <source>Share the storage of duplicate files (copy-on-write)</source>
+        <translation>Speicherplatz doppelter Dateien teilen (Copy-on-Write)</translation>
+    </message>
+    <message>
+        <source>On Btrfs and XFS, each copy shares its storage with a kept copy: nothing is removed, and every file keeps its own path, owner and later edits.</source>
+        <translation>Auf Btrfs und XFS teilt jede Kopie ihren Speicherplatz mit einer behaltenen Kopie: Nichts wird entfernt, und jede Datei behält ihren eigenen Pfad, ihren Eigentümer und spätere Änderungen.</translation>
+    </message>
+    <message>
+        <source>Skip packages (application bundles and similar folders)</source>
+        <translation>Pakete überspringen (Anwendungsbündel und ähnliche Ordner)</translation>
+    </message>
+    <message>
+        <source>Compare large files by content</source>
+        <translation>Große Dateien nach Inhalt vergleichen</translation>
+    </message>
+    <message>
+        <source>Files of 100 MB and more are otherwise matched by size alone.</source>
+        <translation>Dateien ab 100 MB werden sonst allein nach ihrer Größe zugeordnet.</translation>
+    </message>
+    <message>
+        <source>Remember file fingerprints between searches</source>
+        <translation>Fingerabdrücke von Dateien zwischen Suchen speichern</translation>
+    </message>
+    <message>
+        <source>Files unchanged since an earlier search are not read again.</source>
+        <translation>Dateien, die seit einer früheren Suche unverändert sind, werden nicht erneut gelesen.</translation>
+    </message>
+    <message>
+        <source>Search at idle disk priority</source>
+        <translation>Mit niedriger Datenträgerpriorität suchen</translation>
+    </message>
+    <message>
+        <source>The search reads only when no other program is waiting for the disk: slower, but the desktop stays responsive.</source>
+        <translation>Die Suche liest nur, wenn kein anderes Programm auf den Datenträger wartet: langsamer, aber die Arbeitsumgebung bleibt reaktionsschnell.</translation>
+    </message>
+    <message>
+        <source>Find Duplicate Files</source>
+        <translation>Doppelte Dateien finden</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;New</source>
+        <translation>&amp;Neu</translation>
+    </message>
+    <message>
+        <source>&amp;Add Folder...</source>
+        <translation>Ordner &amp;hinzufügen...</translation>
+    </message>
+    <message>
+        <source>&amp;Find Duplicate Files</source>
+        <translation>Doppelte Dateien &amp;finden</translation>
+    </message>
+    <message>
+        <source>Clear Remembered &amp;Fingerprints</source>
+        <translation>Gespeicherte Fingerabdrücke &amp;löschen</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Clean</source>
+        <translation>Bereinigung &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>&amp;Remove Folder</source>
+        <translation>Ordner &amp;entfernen</translation>
+    </message>
+    <message>
+        <source>Remove All F&amp;olders...</source>
+        <translation>&amp;Alle Ordner entfernen...</translation>
+    </message>
+    <message>
+        <source>Remove E&amp;xtension</source>
+        <translation>E&amp;ndung entfernen</translation>
+    </message>
+    <message>
+        <source>Remove All Ex&amp;tensions</source>
+        <translation>Alle Endungen en&amp;tfernen</translation>
+    </message>
+    <message>
+        <source>The selected folder(s) could not be added.</source>
+        <translation>Die ausgewählten Ordner konnten nicht hinzugefügt werden.</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to remove all folders from the list?</source>
+        <translation>Möchten Sie wirklich alle Ordner aus der Liste entfernen?</translation>
+    </message>
+    <message>
+        <source>There are no folders to scan. Please add at least one folder and try again.</source>
+        <translation>Es gibt keine zu durchsuchenden Ordner. Bitte fügen Sie mindestens einen Ordner hinzu und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>You have unsaved changes that will be lost. Are you sure you want to exit the application?</source>
+        <translation>Sie haben ungespeicherte Änderungen, die verloren gehen. Möchten Sie die Anwendung wirklich beenden?</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::ViewControllerCustomKeep</name>
+    <message>
+        <source>First date rule</source>
+        <translation>Erste Datumsregel</translation>
+    </message>
+    <message>
+        <source>Marks the copies whose date is earlier or later than the date given.</source>
+        <translation>Markiert die Kopien, deren Datum vor oder nach dem angegebenen Tag liegt.</translation>
+    </message>
+    <message>
+        <source>Date of the first date rule</source>
+        <translation>Datumsart der ersten Datumsregel</translation>
+    </message>
+    <message>
+        <source>Which date of a file the first date rule compares.</source>
+        <translation>Welches Datum einer Datei die erste Datumsregel vergleicht.</translation>
+    </message>
+    <message>
+        <source>Comparison of the first date rule</source>
+        <translation>Vergleich der ersten Datumsregel</translation>
+    </message>
+    <message>
+        <source>Whether the first date rule marks earlier or later files.</source>
+        <translation>Ob die erste Datumsregel frühere oder spätere Dateien markiert.</translation>
+    </message>
+    <message>
+        <source>Day of the first date rule</source>
+        <translation>Tag der ersten Datumsregel</translation>
+    </message>
+    <message>
+        <source>The day the first date rule compares with.</source>
+        <translation>Der Tag, mit dem die erste Datumsregel vergleicht.</translation>
+    </message>
+    <message>
+        <source>Second date rule</source>
+        <translation>Zweite Datumsregel</translation>
+    </message>
+    <message>
+        <source>Date of the second date rule</source>
+        <translation>Datumsart der zweiten Datumsregel</translation>
+    </message>
+    <message>
+        <source>Which date of a file the second date rule compares.</source>
+        <translation>Welches Datum einer Datei die zweite Datumsregel vergleicht.</translation>
+    </message>
+    <message>
+        <source>Comparison of the second date rule</source>
+        <translation>Vergleich der zweiten Datumsregel</translation>
+    </message>
+    <message>
+        <source>Whether the second date rule marks earlier or later files.</source>
+        <translation>Ob die zweite Datumsregel frühere oder spätere Dateien markiert.</translation>
+    </message>
+    <message>
+        <source>Day of the second date rule</source>
+        <translation>Tag der zweiten Datumsregel</translation>
+    </message>
+    <message>
+        <source>The day the second date rule compares with.</source>
+        <translation>Der Tag, mit dem die zweite Datumsregel vergleicht.</translation>
+    </message>
+    <message>
+        <source>First size rule</source>
+        <translation>Erste Größenregel</translation>
+    </message>
+    <message>
+        <source>Marks the copies that are larger or smaller than the size given.</source>
+        <translation>Markiert die Kopien, die größer oder kleiner als die angegebene Größe sind.</translation>
+    </message>
+    <message>
+        <source>Comparison of the first size rule</source>
+        <translation>Vergleich der ersten Größenregel</translation>
+    </message>
+    <message>
+        <source>Whether the first size rule marks larger or smaller files.</source>
+        <translation>Ob die erste Größenregel größere oder kleinere Dateien markiert.</translation>
+    </message>
+    <message>
+        <source>Size of the first size rule</source>
+        <translation>Größe der ersten Größenregel</translation>
+    </message>
+    <message>
+        <source>A number from 0 to 100000, in the unit chosen next to it.</source>
+        <translation>Eine Zahl von 0 bis 100000, in der daneben gewählten Einheit.</translation>
+    </message>
+    <message>
+        <source>Unit of the first size rule</source>
+        <translation>Einheit der ersten Größenregel</translation>
+    </message>
+    <message>
+        <source>The unit of the size typed: bytes, kilobytes, megabytes or gigabytes.</source>
+        <translation>Die Einheit der eingegebenen Größe: Byte, Kilobyte, Megabyte oder Gigabyte.</translation>
+    </message>
+    <message>
+        <source>Second size rule</source>
+        <translation>Zweite Größenregel</translation>
+    </message>
+    <message>
+        <source>Comparison of the second size rule</source>
+        <translation>Vergleich der zweiten Größenregel</translation>
+    </message>
+    <message>
+        <source>Whether the second size rule marks larger or smaller files.</source>
+        <translation>Ob die zweite Größenregel größere oder kleinere Dateien markiert.</translation>
+    </message>
+    <message>
+        <source>Size of the second size rule</source>
+        <translation>Größe der zweiten Größenregel</translation>
+    </message>
+    <message>
+        <source>Unit of the second size rule</source>
+        <translation>Einheit der zweiten Größenregel</translation>
+    </message>
+    <message>
+        <source>File type rule</source>
+        <translation>Dateitypregel</translation>
+    </message>
+    <message>
+        <source>Marks the copies whose extension is in the list.</source>
+        <translation>Markiert die Kopien, deren Endung in der Liste steht.</translation>
+    </message>
+    <message>
+        <source>File extensions</source>
+        <translation>Dateiendungen</translation>
+    </message>
+    <message>
+        <source>The extensions the file type rule looks for.</source>
+        <translation>Die Endungen, nach denen die Dateitypregel sucht.</translation>
+    </message>
+    <message>
+        <source>New extension</source>
+        <translation>Neue Endung</translation>
+    </message>
+    <message>
+        <source>An extension to add to the list, without the dot.</source>
+        <translation>Eine Endung für die Liste, ohne Punkt.</translation>
+    </message>
+    <message>
+        <source>Add extension</source>
+        <translation>Endung hinzufügen</translation>
+    </message>
+    <message>
+        <source>Adds the extension typed to the list.</source>
+        <translation>Fügt die eingegebene Endung der Liste hinzu.</translation>
+    </message>
+    <message>
+        <source>Remove extension</source>
+        <translation>Endung entfernen</translation>
+    </message>
+    <message>
+        <source>Removes the selected extension from the list.</source>
+        <translation>Entfernt die ausgewählte Endung aus der Liste.</translation>
+    </message>
+    <message>
+        <source>Remove all extensions</source>
+        <translation>Alle Endungen entfernen</translation>
+    </message>
+    <message>
+        <source>Empties the list of extensions.</source>
+        <translation>Leert die Liste der Endungen.</translation>
+    </message>
+    <message>
+        <source>Folder rule</source>
+        <translation>Ordnerregel</translation>
+    </message>
+    <message>
+        <source>Marks the copies that are in the folder given.</source>
+        <translation>Markiert die Kopien im angegebenen Ordner.</translation>
+    </message>
+    <message>
+        <source>Folder of the folder rule</source>
+        <translation>Ordner der Ordnerregel</translation>
+    </message>
+    <message>
+        <source>The full path of the folder.</source>
+        <translation>Der vollständige Pfad des Ordners.</translation>
+    </message>
+    <message>
+        <source>Browse for the folder</source>
+        <translation>Ordner suchen</translation>
+    </message>
+    <message>
+        <source>Opens a window to pick the folder.</source>
+        <translation>Öffnet ein Fenster zur Auswahl des Ordners.</translation>
+    </message>
+    <message>
+        <source>Include subfolders</source>
+        <translation>Unterordner einbeziehen</translation>
+    </message>
+    <message>
+        <source>Whether copies in the folder&apos;s subfolders count as in the folder.</source>
+        <translation>Ob Kopien in Unterordnern des Ordners als im Ordner gelten.</translation>
+    </message>
+    <message>
+        <source>Match or don&apos;t match</source>
+        <translation>Erfüllen oder nicht erfüllen</translation>
+    </message>
+    <message>
+        <source>Marks the copies that match every rule that is on, or the ones that don&apos;t.</source>
+        <translation>Markiert die Kopien, die jede eingeschaltete Regel erfüllen, oder die, die es nicht tun.</translation>
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Puts back the rules a new group starts with.</source>
+        <translation>Stellt die Regeln wieder her, mit denen eine neue Gruppe beginnt.</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Closes the window and keeps the rules as they were.</source>
+        <translation>Schließt das Fenster und lässt die Regeln, wie sie waren.</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Saves the rules and marks the copies by them.</source>
+        <translation>Speichert die Regeln und markiert die Kopien danach.</translation>
+    </message>
+    <message>
+        <source>Custom Selection</source>
+        <translation>Benutzerdefinierte Auswahl</translation>
+    </message>
+    <message>
+        <source>Mark for removal the copies that:</source>
+        <translation>Zum Entfernen die Kopien markieren, auf die zutrifft:</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>than</source>
+        <translation>als</translation>
+    </message>
+    <message>
+        <source>File size</source>
+        <translation>Dateigröße</translation>
+    </message>
+    <message>
+        <source>File type is one of</source>
+        <translation>Dateityp ist einer von</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>Hinzufügen</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Remove All</source>
+        <translation>Alle entfernen</translation>
+    </message>
+    <message>
+        <source>In folder</source>
+        <translation>Im Ordner</translation>
+    </message>
+    <message>
+        <source>&amp;Browse…</source>
+        <translation>&amp;Durchsuchen…</translation>
+    </message>
+    <message>
+        <source>Mark the copies that</source>
+        <translation>Die Kopien markieren, die jede eingeschaltete Regel</translation>
+    </message>
+    <message>
+        <source>every rule that is on.</source>
+        <translation>.</translation>
+    </message>
+    <message>
+        <source>&amp;Reset</source>
+        <translation>&amp;Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>Remove E&amp;xtension</source>
+        <translation>Endung &amp;entfernen</translation>
+    </message>
+    <message>
+        <source>Remove All Ex&amp;tensions</source>
+        <translation>&amp;Alle Endungen entfernen</translation>
+    </message>
+    <message>
+        <source>Creation Date</source>
+        <translation>Erstellungsdatum</translation>
+    </message>
+    <message>
+        <source>Modification Date</source>
+        <translation>Änderungsdatum</translation>
+    </message>
+    <message>
+        <source>Earlier</source>
+        <translation>Früher</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Später</translation>
+    </message>
+    <message>
+        <source>Larger</source>
+        <translation>Größer</translation>
+    </message>
+    <message>
+        <source>Smaller</source>
+        <translation>Kleiner</translation>
+    </message>
+    <message>
+        <source>B</source>
+        <translation>B</translation>
+    </message>
+    <message>
+        <source>KB</source>
+        <translation>KB</translation>
+    </message>
+    <message>
+        <source>MB</source>
+        <translation>MB</translation>
+    </message>
+    <message>
+        <source>GB</source>
+        <translation>GB</translation>
+    </message>
+    <message>
+        <source>Match</source>
+        <translation>erfüllen</translation>
+    </message>
+    <message>
+        <source>Don&apos;t match</source>
+        <translation>nicht erfüllen</translation>
+    </message>
+    <message>
+        <source>Select File Path</source>
+        <translation>Ordner wählen</translation>
+    </message>
+    <message>
+        <source>The custom file path you entered is not valid. Please enter a valid path.</source>
+        <translation>Der eingegebene Ordnerpfad ist ungültig. Bitte geben Sie einen gültigen Pfad ein.</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::ViewControllerDuplicates</name>
+    <message>
+        <source>Twinsweep can&apos;t keep a record to undo this clean: %1. Nothing was removed.</source>
+        <translation>Twinsweep kann keinen Eintrag zum Rückgängigmachen dieser Bereinigung anlegen: %1. Es wurde nichts entfernt.</translation>
+    </message>
+    <message>
+        <source>Twinsweep could not keep the record to undo this clean: %1. Nothing more was moved to the Trash.</source>
+        <translation>Twinsweep konnte den Eintrag zum Rückgängigmachen dieser Bereinigung nicht anlegen: %1. Es wurde nichts weiter in den Papierkorb verschoben.</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>Show in File &amp;Manager</source>
+        <translation>In der &amp;Dateiverwaltung zeigen</translation>
+    </message>
+    <message>
+        <source>File &amp;Info</source>
+        <translation>Datei&amp;informationen</translation>
+    </message>
+    <message>
+        <source>&amp;Clean...</source>
+        <translation>&amp;Bereinigen...</translation>
+    </message>
+    <message>
+        <source>&amp;Export...</source>
+        <translation>&amp;Exportieren...</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Mark or Unmark</source>
+        <translation>&amp;Markieren oder Markierung aufheben</translation>
+    </message>
+    <message>
+        <source>&amp;Apply to All Groups</source>
+        <translation>Auf &amp;alle Gruppen anwenden</translation>
+    </message>
+    <message>
+        <source>CSV files (*.csv)</source>
+        <translation>CSV-Dateien (*.csv)</translation>
+    </message>
+    <message>
+        <source>JSON files (*.json)</source>
+        <translation>JSON-Dateien (*.json)</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>Exportieren</translation>
+    </message>
+    <message>
+        <source>The results could not be exported to %1: %2</source>
+        <translation>Die Ergebnisse konnten nicht nach %1 exportiert werden: %2</translation>
+    </message>
+    <message>
+        <source>Duplicate Files</source>
+        <translation>Doppelte Dateien</translation>
+    </message>
+    <message>
+        <source>Select:</source>
+        <translation>Auswahl:</translation>
+    </message>
+    <message>
+        <source>Keep All</source>
+        <translation>Alle behalten</translation>
+    </message>
+    <message>
+        <source>Keep Oldest</source>
+        <translation>Älteste behalten</translation>
+    </message>
+    <message>
+        <source>Keep Newest</source>
+        <translation>Neueste behalten</translation>
+    </message>
+    <message>
+        <source>Remove All</source>
+        <translation>Alle entfernen</translation>
+    </message>
+    <message>
+        <source>Custom…</source>
+        <translation>Benutzerdefiniert…</translation>
+    </message>
+    <message>
+        <source>Apply to all groups</source>
+        <translation>Auf alle Gruppen anwenden</translation>
+    </message>
+    <message>
+        <source>Show in File Manager</source>
+        <translation>In der Dateiverwaltung zeigen</translation>
+    </message>
+    <message>
+        <source>File Info</source>
+        <translation>Dateiinformationen</translation>
+    </message>
+    <message>
+        <source>Export...</source>
+        <translation>Exportieren...</translation>
+    </message>
+    <message>
+        <source>Save the listed groups and their marks as CSV or JSON</source>
+        <translation>Die aufgelisteten Gruppen und ihre Markierungen als CSV oder JSON speichern</translation>
+    </message>
+    <message>
+        <source>Categories</source>
+        <translation>Kategorien</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>Bilder</translation>
+    </message>
+    <message>
+        <source>Music</source>
+        <translation>Musik</translation>
+    </message>
+    <message>
+        <source>Movies</source>
+        <translation>Filme</translation>
+    </message>
+    <message>
+        <source>Archives</source>
+        <translation>Archive</translation>
+    </message>
+    <message>
+        <source>Documents</source>
+        <translation>Dokumente</translation>
+    </message>
+    <message>
+        <source>Other</source>
+        <translation>Sonstige</translation>
+    </message>
+    <message>
+        <source>Space saved:</source>
+        <translation>Gesparter Speicherplatz:</translation>
+    </message>
+    <message>
+        <source>Clean</source>
+        <translation>Bereinigen</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::ViewControllerInfo</name>
+    <message>
+        <source>File Information</source>
+        <translation>Dateiinformationen</translation>
+    </message>
+    <message>
+        <source>Name:</source>
+        <translation>Name:</translation>
+    </message>
+    <message>
+        <source>Size:</source>
+        <translation>Größe:</translation>
+    </message>
+    <message>
+        <source>Extension:</source>
+        <translation>Endung:</translation>
+    </message>
+    <message>
+        <source>Created:</source>
+        <translation>Erstellt:</translation>
+    </message>
+    <message>
+        <source>Modified:</source>
+        <translation>Geändert:</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::ViewControllerProgress</name>
+    <message>
+        <source>Searching for Duplicate Files</source>
+        <translation>Suche nach doppelten Dateien</translation>
+    </message>
+    <message>
+        <source>Looking for duplicate files...</source>
+        <translation>Doppelte Dateien werden gesucht...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>No duplicate files found.</source>
+        <translation>Keine doppelten Dateien gefunden.</translation>
+    </message>
+    <message>
+        <source>Cancelling...</source>
+        <translation>Wird abgebrochen...</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QToolButton>
+#include <QXmlStreamReader>
+
+#include "AccessibilityAudit.h"
+#include "UiTestSupport.h"
+#include "selection/Cleaning.h"
+#include "selection/CustomMarking.h"
+#include "ui/customkeep/ViewControllerCustomKeep.h"
+#include "ui/placeholder/PlaceholderWindow.h"
+#include "ui/platform/CoreTexts.h"
+#include "ui/platform/Translations.h"
+#include "ui/shell/Alert.h"
+
+using namespace twinsweep;
+using namespace twinsweep::testing;
+using namespace twinsweep::ui;
+
+namespace {
+
+QStringList menuTitles(QMenuBar* bar) {
+    QStringList titles;
+    for (QAction* a : bar->actions()) {
+        titles << a->text();
+    }
+    return titles;
+}
+
+QStringList items(QComboBox* combo) {
+    QStringList texts;
+    for (int i = 0; i < combo->count(); ++i) {
+        texts << combo->itemText(i);
+    }
+    return texts;
+}
+
+// What a user of the custom selection window reads and hears, in order.
+QStringList customKeepTexts() {
+    ViewControllerCustomKeep w(nullptr, "/data/group");
+    auto* bar = w.findChild<QMenuBar*>();
+    auto* up = w.findChild<QToolButton*>(u"stepUp"_s);
+    return QStringList{w.windowTitle(),
+                       w.checkFirstDate->text(),
+                       w.checkFirstDate->accessibleName(),
+                       w.checkSubfolders->text(),
+                       w.findChild<QPushButton*>(u"buttonBrowse"_s)->text(),
+                       w.buttonCancel->text(),
+                       up->accessibleName()} +
+           items(w.comboFirstDateType) + items(w.comboSecondFileSizeTermOfComparison) +
+           items(w.comboMatch) + menuTitles(bar);
+}
+
+// The messages of the German catalogue that have no translation.
+QStringList untranslated(const QString& tsFile) {
+    QFile file(tsFile);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {u"cannot read "_s + tsFile};
+    }
+    QXmlStreamReader xml(&file);
+    QStringList missing;
+    QString source;
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement) {
+            continue;
+        }
+        if (xml.name() == u"source") {
+            source = xml.readElementText();
+        } else if (xml.name() == u"translation") {
+            const bool unfinished =
+                xml.attributes().value(QLatin1String("type")) == QLatin1String("unfinished");
+            if (xml.readElementText().isEmpty() || unfinished) {
+                missing << source;
+            }
+        }
+    }
+    return missing;
+}
+
+} // namespace
+
+// The windows in the user's language, and what a screen reader is told.
+class TranslationTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void cleanup() { translations.use(QLocale::c()); }
+
+    void windowsFollowTheLanguage() {
+        const QStringList english{
+            "Custom Selection",  "Date",   "First date rule", "Include subfolders",
+            "&Browse…",          "Cancel", "Increase size",   "Creation Date",
+            "Modification Date", "Larger", "Smaller",         "Match",
+            "Don't match",       "&Edit",  "&Window",         "&Help"};
+        QVERIFY(!translations.use(QLocale::c()));
+        QCOMPARE(customKeepTexts(), english);
+        // English has no catalogue: the texts as written.
+        QVERIFY(!translations.use(QLocale(u"en_US"_s)));
+        QCOMPARE(customKeepTexts(), english);
+
+        QVERIFY(translations.use(QLocale(u"de_DE"_s)));
+        QCOMPARE(
+            customKeepTexts(),
+            (QStringList{"Benutzerdefinierte Auswahl", "Datum", "Erste Datumsregel",
+                         "Unterordner einbeziehen", "&Durchsuchen…", "Abbrechen", "Größe erhöhen",
+                         "Erstellungsdatum", "Änderungsdatum", "Größer", "Kleiner", "erfüllen",
+                         "nicht erfüllen", "&Bearbeiten", "&Fenster", "&Hilfe"}));
+        // Qt's own buttons come in German too.
+        PlaceholderWindow placeholder(nullptr, u"Duplicates"_s, false);
+        QCOMPARE(placeholder.findChild<QLabel*>(u"labelPlaceholder"_s)->text(),
+                 "0 Gruppen doppelter Dateien wurden gefunden.\nDieses Fenster ist noch nicht "
+                 "fertig.");
+        QCOMPARE(placeholder.findChild<QDialogButtonBox*>()->buttons().front()->text(),
+                 "Schließen");
+
+        // Back to C: English again, Qt's buttons included.
+        QVERIFY(!translations.use(QLocale::c()));
+        QCOMPARE(customKeepTexts(), english);
+        PlaceholderWindow again(nullptr, u"Duplicates"_s, false);
+        QCOMPARE(again.findChild<QDialogButtonBox*>()->buttons().front()->text(), "Close");
+    }
+
+    // The libraries' texts are translated where an alert shows them; paths
+    // and other texts pass unchanged; the catalogue has no gaps.
+    void coreTextsAndTheCatalogue() {
+        QVERIFY(translations.use(QLocale(u"de_DE"_s)));
+        QStringList notTranslated;
+        const auto check = [&](const AlertText& alert) {
+            for (const std::string& text : alert.buttons) {
+                if (text != "OK" && coreText(text) == QString::fromStdString(text)) {
+                    notTranslated << QString::fromStdString(text);
+                }
+            }
+            if (coreText(alert.informativeText) == QString::fromStdString(alert.informativeText)) {
+                notTranslated << QString::fromStdString(alert.informativeText);
+            }
+        };
+        for (const CleaningAlert a :
+             {CleaningAlert::NothingMarked, CleaningAlert::WholeGroups,
+              CleaningAlert::PermanentDeletion, CleaningAlert::Done,
+              CleaningAlert::WholeGroupsLinked, CleaningAlert::NothingLinked,
+              CleaningAlert::WholeGroupsShared, CleaningAlert::NothingShared,
+              CleaningAlert::CantShare}) {
+            check(alertText(a));
+        }
+        check(keepOneCopyQuestion());
+        QCOMPARE(notTranslated, QStringList{});
+        QCOMPARE(coreText(alertText(CleaningAlert::Done).informativeText),
+                 "Doppelte Dateien erfolgreich bereinigt. ");
+        QCOMPARE(coreText(u"/home/ana/Fotos/Yes"_s), "/home/ana/Fotos/Yes");
+
+        ModalAnswers answers;
+        answers.alert(u"Ja, die neueste Datei behalten"_s);
+        const AlertText& question = keepOneCopyQuestion();
+        QStringList buttons;
+        for (const std::string& b : question.buttons) {
+            buttons << QString::fromStdString(b);
+        }
+        QCOMPARE(runAlert(nullptr, QString::fromStdString(question.informativeText), buttons), 1);
+        QCOMPARE(answers.said, QStringList{"Möchten Sie von jeder doppelten Datei mindestens "
+                                           "eine Kopie behalten?"});
+
+        QCOMPARE(untranslated(QStringLiteral(TWINSWEEP_TS_DIR "/twinsweep_de.ts")), QStringList{});
+    }
+
+    // Every control of the window says what it is and what it does, in both
+    // languages; and the audit names a control that does not.
+    void everyControlIsNamedAndDescribed() {
+        for (const char* language : {"C", "de_DE"}) {
+            translations.use(QLocale(QString::fromLatin1(language)));
+            ViewControllerCustomKeep w(nullptr, "/data/group");
+            w.show();
+            QCOMPARE(controlsWithoutAccessibleText(&w), QStringList{});
+        }
+        QWidget bare;
+        auto* field = new QLineEdit(&bare);
+        field->setObjectName(u"field"_s);
+        field->setAccessibleName(u"Path"_s);
+        auto* combo = new QComboBox(&bare);
+        combo->setObjectName(u"combo"_s);
+        combo->addItem(u"Match"_s);
+        combo->setAccessibleDescription(u"What to mark"_s);
+        auto* described = new QPushButton(u"Go"_s, &bare);
+        described->setAccessibleDescription(u"Starts"_s);
+        bare.show();
+        QCOMPARE(controlsWithoutAccessibleText(&bare),
+                 (QStringList{"field (EditableText): description", "combo (ComboBox): name"}));
+    }
+
+  private:
+    Translations translations;
+};
+
+UI_TEST_MAIN(TranslationTest)
+#include "TranslationTest.moc"
