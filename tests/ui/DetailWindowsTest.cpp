@@ -230,7 +230,7 @@ class DetailWindowsTest : public QObject {
         QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
         auto [german, deText] = page(twinsweep::ui::HelpTopic::CustomSelection);
         QVERIFY(german.path().endsWith(QStringLiteral("/help/custom-selection.de.html")));
-        QVERIFY(deText.contains(QStringLiteral("Eigene Auswahl doppelter Dateien")));
+        QVERIFY(deText.contains(QStringLiteral("Benutzerdefinierte Auswahl von Duplikaten")));
         QVERIFY(page(twinsweep::ui::HelpTopic::RemovingDuplicates)
                     .second.contains(QStringLiteral("Überall suchen")));
         QLocale::setDefault(QLocale::c());
