@@ -22,7 +22,7 @@ std::string usageText() {
            "  --location-root PREFIX look only under PREFIX/Users, PREFIX/Applications and\n"
            "                         PREFIX/Volumes\n"
            "  --any-location         look anywhere (by default only under /home, /opt,\n"
-           "                         /media, /mnt and /run/media)\n"
+           "                         /media, /mnt, /run/media and /run/user/UID/gvfs)\n"
            "  --format text|json|csv output format (default text); csv has one line per\n"
            "                         copy: group number, path, size, date, category\n"
            "  --protect FOLDER       search FOLDER too, but never mark or remove a copy in\n"

@@ -10,6 +10,7 @@
 #include <cmath>
 
 #include "engine/FileTools.h"
+#include "engine/LocationGate.h"
 #include "engine/SearchJob.h"
 #include "fingerprints/FingerprintCache.h"
 #include "settings/SettingsManager.h"
@@ -102,6 +103,9 @@ void ViewControllerProgress::RunSearch() {
     {
         FileTools tools;
         tools.byteProgress = bytes_;
+        if (settingsManager->searchAnyLocation) {
+            tools.locationGate = LocationGate::anywhere();
+        }
         if (settingsManager->rememberFingerprints) {
             tools.fingerprints = openFingerprintCache(); // says why when there is none
         }
