@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSplitter>
@@ -12,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include "ui/duplicates/GroupsModel.h"
+#include "ui/duplicates/GroupsProxy.h"
 #include "ui/duplicates/MembersModel.h"
 #include "ui/duplicates/SegmentedControl.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
@@ -70,11 +72,28 @@ void ViewControllerDuplicates::buildLayout() {
     keepRow->addWidget(progressIndicator);
     outer->addLayout(keepRow);
 
+    // Totals and the filter.
+    auto* reviewRow = new QHBoxLayout;
+    labelTotals = new QLabel(contents);
+    labelTotals->setObjectName(QStringLiteral("labelTotals"));
+    reviewRow->addWidget(labelTotals, 1);
+    textFieldFilter = new QLineEdit(contents);
+    textFieldFilter->setObjectName(QStringLiteral("textFieldFilter"));
+    textFieldFilter->setPlaceholderText(QStringLiteral("Filter by path"));
+    textFieldFilter->setClearButtonEnabled(true);
+    textFieldFilter->setToolTip(
+        QStringLiteral("Lists only the groups with a copy whose path holds this text"));
+    textFieldFilter->setMinimumWidth(240);
+    reviewRow->addWidget(textFieldFilter);
+    outer->addLayout(reviewRow);
+
     // The two tables.
     auto* split = new QSplitter(Qt::Horizontal, contents);
     tableViewFiles = makeTable(split, QStringLiteral("TableViewFiles"));
     groupsModel_ = new GroupsModel(&fileList, this);
-    tableViewFiles->setModel(groupsModel_);
+    groupsModel_->setLargeByContent(settingsManager->compareLargeFilesByContent);
+    groupsProxy_ = new GroupsProxy(groupsModel_, this);
+    tableViewFiles->setModel(groupsProxy_);
     tableViewFiles->setItemDelegateForColumn(GroupsModel::ColumnCount,
                                              new CountDelegate(tableViewFiles));
     QHeaderView* groupsHeader = tableViewFiles->horizontalHeader();
@@ -83,6 +102,10 @@ void ViewControllerDuplicates::buildLayout() {
     groupsHeader->setSectionResizeMode(GroupsModel::ColumnName, QHeaderView::Stretch);
     groupsHeader->resizeSection(GroupsModel::ColumnSize, 80);
     groupsHeader->resizeSection(GroupsModel::ColumnCount, 60);
+    // The search's order until a header is clicked; a third click brings it back.
+    groupsHeader->setSortIndicatorClearable(true);
+    groupsHeader->setSortIndicator(-1, Qt::AscendingOrder);
+    tableViewFiles->setSortingEnabled(true);
 
     tableViewDuplicates = makeTable(split, QStringLiteral("TableViewDuplicate"));
     membersModel_ = new MembersModel(this);

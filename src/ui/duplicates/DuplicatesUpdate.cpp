@@ -14,6 +14,7 @@
 #include "selection/KeepOptions.h"
 #include "ui/duplicates/BackgroundJob.h"
 #include "ui/duplicates/GroupsModel.h"
+#include "ui/duplicates/GroupsProxy.h"
 #include "ui/duplicates/MembersModel.h"
 #include "ui/duplicates/SegmentedControl.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
@@ -87,7 +88,12 @@ void ViewControllerDuplicates::UpdateResults() {
 void ViewControllerDuplicates::installList(FileList list) {
     fileList = std::move(list);
     groupsModel_->reset();
+    // A new list is placed in the order the user chose, if any.
+    if (groupsProxy_->sortColumn() >= 0) {
+        groupsProxy_->sort(groupsProxy_->sortColumn(), groupsProxy_->sortOrder());
+    }
     membersModel_->setGroup(nullptr);
+    showTotals();
 }
 
 void ViewControllerDuplicates::installFoldedList(FileList list) {

@@ -92,6 +92,10 @@ QString MembersModel::protectedCopyTip() {
 }
 
 QVariant MembersModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation == Qt::Horizontal && role == Qt::ToolTipRole && section == ColumnDate) {
+        return QStringLiteral("When each copy was created (its modification date where the file "
+                              "system keeps no creation date)");
+    }
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
         return {};
     }

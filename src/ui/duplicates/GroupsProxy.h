@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QSortFilterProxyModel>
+
+namespace twinsweep::ui {
+
+class GroupsModel;
+
+// The groups table as the user arranges it: sorted by the column whose
+// header was clicked (the search's order until then, and again when the
+// sort is cleared), and only the groups whose head or any member path holds
+// the filter text, in any case. Compares the records themselves, never the
+// shown texts, so 30,000 groups sort in a blink. Rows do not move while
+// marks change; a new sort or filter, or a new list, places them again.
+class GroupsProxy : public QSortFilterProxyModel {
+    Q_OBJECT
+  public:
+    GroupsProxy(GroupsModel* groups, QObject* parent = nullptr);
+
+    void setPathFilter(const QString& text);
+    const QString& pathFilter() const { return filter_; }
+
+  protected:
+    bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
+    bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
+
+  private:
+    GroupsModel* groups_;
+    QString filter_;
+};
+
+} // namespace twinsweep::ui
