@@ -4,8 +4,8 @@
 #include <QHeaderView>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QLineEdit>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -102,6 +102,8 @@ class ResultsReviewTest : public QObject {
         w.textFieldFilter->setText(u"nowhere"_s);
         QCOMPARE(groups->model()->rowCount(), 0);
         QCOMPARE(w.labelTotals->text(), u"0 of 3 groups, 0 copies, 0 B"_s);
+        r.choose(kRemoveAll); // no group is selected: nothing to mark
+        QCOMPARE(markedCount(*r.photos) + markedCount(*r.docs) + markedCount(*r.songs), 0);
         w.textFieldFilter->clear();
         QCOMPARE(groups->model()->rowCount(), 3);
 

@@ -32,7 +32,8 @@ template <class Work, class Done> void ViewControllerDuplicates::runJob(Work wor
 }
 
 void ViewControllerDuplicates::OnSegmentedControlKeepChanged() {
-    if (fileList.empty()) {
+    // With every group filtered out no group is selected: nothing to apply to.
+    if (fileList.empty() || (!checkApplyForAll->isChecked() && groupsProxy_->rowCount() == 0)) {
         return;
     }
     settingsManager->selectedFile = selectedRow;
