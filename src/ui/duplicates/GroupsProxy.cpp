@@ -54,34 +54,45 @@ void GroupsProxy::setPathFilter(const QString& text) {
     invalidateFilter();
 }
 
+void GroupsProxy::sort(int column, Qt::SortOrder order) {
+    // The keys point into the records, which stay put while the sort runs.
+    keys_.clear();
+    if (column >= 0) {
+        const int rows = groups_->rowCount();
+        keys_.resize(static_cast<std::size_t>(rows));
+        for (int row = 0; row < rows; ++row) {
+            const File& group = *groups_->groupAt(row);
+            Key& key = keys_[static_cast<std::size_t>(row)];
+            key.name =
+                column == GroupsModel::ColumnIcon ? group.ext.view() : lastComponent(group.path);
+            if (column == GroupsModel::ColumnSize) {
+                key.number = static_cast<std::int64_t>(group.size);
+            } else if (column == GroupsModel::ColumnCount) {
+                // Marked first, then how many copies: "2/3" before "2/4".
+                key.number = markedCount(group) * (std::int64_t{1} << 32) +
+                             static_cast<std::int64_t>(group.duplicates.size());
+            }
+        }
+    }
+    QSortFilterProxyModel::sort(column, order);
+    keys_.clear();
+    keys_.shrink_to_fit();
+}
+
 bool GroupsProxy::lessThan(const QModelIndex& left, const QModelIndex& right) const {
-    const File* a = groups_->groupAt(left.row());
-    const File* b = groups_->groupAt(right.row());
-    if (a == nullptr || b == nullptr) {
-        return a == nullptr && b != nullptr;
+    const auto a = static_cast<std::size_t>(left.row());
+    const auto b = static_cast<std::size_t>(right.row());
+    if (a >= keys_.size() || b >= keys_.size()) {
+        return a < b; // outside a sort: the search's order
     }
-    int order = 0;
-    switch (left.column()) {
-    case GroupsModel::ColumnIcon:
-        order = compareFolded(a->ext.view(), b->ext.view());
-        break;
-    case GroupsModel::ColumnSize:
-        order = a->size == b->size ? 0 : (a->size < b->size ? -1 : 1);
-        break;
-    case GroupsModel::ColumnCount: {
-        const std::int64_t ma = markedCount(*a), mb = markedCount(*b);
-        const auto na = a->duplicates.size(), nb = b->duplicates.size();
-        order = ma != mb ? (ma < mb ? -1 : 1) : (na == nb ? 0 : (na < nb ? -1 : 1));
-        break;
+    const Key& x = keys_[a];
+    const Key& y = keys_[b];
+    if (x.number != y.number) {
+        return x.number < y.number;
     }
-    default:
-        break;
-    }
-    if (order == 0) {
-        order = compareFolded(lastComponent(a->path), lastComponent(b->path));
-    }
+    const int order = compareFolded(x.name, y.name);
     // Ties keep the search's order.
-    return order != 0 ? order < 0 : left.row() < right.row();
+    return order != 0 ? order < 0 : a < b;
 }
 
 bool GroupsProxy::filterAcceptsRow(int sourceRow, const QModelIndex&) const {

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <QSortFilterProxyModel>
+#include <cstdint>
+#include <string_view>
+#include <vector>
 
 namespace twinsweep::ui {
 
@@ -18,6 +21,7 @@ class GroupsProxy : public QSortFilterProxyModel {
   public:
     GroupsProxy(GroupsModel* groups, QObject* parent = nullptr);
 
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
     void setPathFilter(const QString& text);
     const QString& pathFilter() const { return filter_; }
 
@@ -26,8 +30,14 @@ class GroupsProxy : public QSortFilterProxyModel {
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
 
   private:
+    // Each row's sort key, read once per sort rather than once per comparison.
+    struct Key {
+        std::int64_t number = 0;
+        std::string_view name;
+    };
     GroupsModel* groups_;
     QString filter_;
+    std::vector<Key> keys_;
 };
 
 } // namespace twinsweep::ui
