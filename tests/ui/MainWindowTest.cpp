@@ -367,6 +367,11 @@ class MainWindowTest : public QObject {
         window_->restoreSavedChoices();
         QCOMPARE(folders(), Paths{b});
         window_->OnFileNew();
+        window_->addFolders(qt({b})); // a list of one
+        window_ = std::make_unique<ViewController>();
+        window_->restoreSavedChoices();
+        QCOMPARE(folders(), Paths{b});
+        window_->OnFileNew();
         window_ = std::make_unique<ViewController>();
         window_->restoreSavedChoices();
         QCOMPARE(folders(), Paths{});

@@ -100,7 +100,7 @@ void ViewControllerDuplicates::buildLayout() {
     groupsHeader->setSectionResizeMode(GroupsModel::ColumnIcon, QHeaderView::Fixed);
     groupsHeader->resizeSection(GroupsModel::ColumnIcon, 26);
     groupsHeader->setSectionResizeMode(GroupsModel::ColumnName, QHeaderView::Stretch);
-    groupsHeader->resizeSection(GroupsModel::ColumnSize, 80);
+    groupsHeader->resizeSection(GroupsModel::ColumnSize, 100); // room for the size-only mark
     groupsHeader->resizeSection(GroupsModel::ColumnCount, 60);
     // The search's order until a header is clicked; a third click brings it back.
     groupsHeader->setSortIndicatorClearable(true);

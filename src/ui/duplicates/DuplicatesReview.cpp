@@ -48,13 +48,17 @@ void ViewControllerDuplicates::showTotals() {
         copies += group->duplicates.size();
         bytes += group->size * group->duplicates.size();
     }
-    const QString groups = shown == static_cast<int>(fileList.size())
-                               ? QStringLiteral("%1 groups").arg(shown)
-                               : QStringLiteral("%1 of %2 groups").arg(shown).arg(fileList.size());
-    labelTotals->setText(QStringLiteral("%1, %2 copies, %3")
-                             .arg(groups)
-                             .arg(copies)
-                             .arg(QString::fromStdString(FileTools::fileSizeText(bytes))));
+    const auto count = [](std::uint64_t n, const char* one, const char* many) {
+        return QString::number(n) + QLatin1Char(' ') + QLatin1String(n == 1 ? one : many);
+    };
+    const std::uint64_t listed = fileList.size();
+    const QString groups =
+        static_cast<std::uint64_t>(shown) == listed
+            ? count(listed, "group", "groups")
+            : QString::number(shown) + QStringLiteral(" of ") + count(listed, "group", "groups");
+    labelTotals->setText(groups + QStringLiteral(", ") + count(copies, "copy", "copies") +
+                         QStringLiteral(", ") +
+                         QString::fromStdString(FileTools::fileSizeText(bytes)));
 }
 
 int ViewControllerDuplicates::headMemberRow(const File& group) const {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The folder list outlives the application: read once when the window starts,
 // written on every change, in the user's configuration folder
-// ($XDG_CONFIG_HOME/twinsweep/twinsweep.conf).
+// ($XDG_CONFIG_HOME/twinsweep/twinsweep.ini).
 #include <QByteArrayList>
 #include <QSettings>
 #include <algorithm>
