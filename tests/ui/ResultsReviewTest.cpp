@@ -9,6 +9,8 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <chrono>
+#include <thread>
 
 #include "UiTestSupport.h"
 #include "selection/KeepOptions.h"
@@ -174,6 +176,38 @@ class ResultsReviewTest : public QObject {
                  (QStringList{u"File Info"_s, u"Show in File Manager"_s, u"Mark (off)"_s,
                               u"Unmark (off)"_s, u"Protect This Folder (off)"_s}));
         QCOMPARE(snapshot(r.tree.root()), r.before);
+    }
+
+    void exactTimeBoxKeepsTheTrueOriginal() {
+        FoundDuplicates found;
+        const std::string original = found.tree.write("dl/report.pdf", "report");
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        const std::string copy = found.tree.write("dl/report (1).pdf", "report");
+        QCOMPARE(found.search(), std::size_t{1});
+        const FilePtr group = SettingsManager::shared()->duplicateFileList.front();
+        // Three seconds apart across noon, as the 12-hour texts show them.
+        for (const DuplicateFilePtr& m : group->duplicates) {
+            m->date = m->path == original ? "24-05-01 11:59:59" : "24-05-01 12:00:02";
+        }
+        const auto kept = [&] {
+            std::vector<std::string> out;
+            for (const DuplicateFilePtr& m : group->duplicates) {
+                if (m->checkState == 0) {
+                    out.push_back(m->path);
+                }
+            }
+            return out;
+        };
+        ViewControllerDuplicates& w = found.open();
+        w.segmentedControlKeep->segmentButton(kKeepOldest)->click();
+        QVERIFY(settled(w));
+        QCOMPARE(kept(), std::vector<std::string>{copy}); // the dates shown mislead
+        SettingsManager::shared()->exactKeepTimes = true; // as the main window's box sets it
+        w.segmentedControlKeep->segmentButton(kKeepAll)->click();
+        w.segmentedControlKeep->segmentButton(kKeepOldest)->click();
+        QVERIFY(settled(w));
+        SettingsManager::shared()->exactKeepTimes = false;
+        QCOMPARE(kept(), std::vector<std::string>{original});
     }
 
     void sizeOnlyGroupsAreMarkedInTheWindowAndTheExports() {
