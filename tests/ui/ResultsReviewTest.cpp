@@ -109,6 +109,26 @@ class ResultsReviewTest : public QObject {
         w.textFieldFilter->clear();
         QCOMPARE(groups->model()->rowCount(), 3);
 
+        // The copies sort too: by date as the dates read (the second photo
+        // is the oldest), by path backwards; a tick lands on the copy shown.
+        r.select(r.photos);
+        QTableView* members = w.tableViewDuplicates;
+        clickHeader(members, 2);
+        QCOMPARE(cell(members, 0, 1).toStdString(), r.photos->duplicates[1]->path);
+        QCOMPARE(cell(members, 2, 1).toStdString(), r.photos->duplicates[2]->path);
+        clickHeader(members, 1);
+        clickHeader(members, 1);
+        QCOMPARE(cell(members, 0, 1).toStdString(), r.tree.path("c/photo.jpg"));
+        r.tick(0);
+        for (const DuplicateFilePtr& m : r.photos->duplicates) {
+            QCOMPARE(m->checkState.load(), m->path == r.tree.path("c/photo.jpg") ? 1 : 0);
+        }
+        r.tick(0);
+        r.select(r.docs); // the order holds for the next group
+        QCOMPARE(cell(members, 0, 1).toStdString(), r.tree.path("b/report.pdf"));
+        clickHeader(members, 1); // the group's own order again
+        QCOMPARE(cell(members, 0, 1).toStdString(), r.docs->duplicates[0]->path);
+
         // A keep option for all still marks every group, sorted or not.
         w.checkApplyForAll->click();
         r.choose(kRemoveAll);

@@ -118,6 +118,9 @@ void ViewControllerDuplicates::buildLayout() {
     membersHeader->resizeSection(MembersModel::ColumnCheck, 26);
     membersHeader->setSectionResizeMode(MembersModel::ColumnPath, QHeaderView::Stretch);
     membersHeader->resizeSection(MembersModel::ColumnDate, 130);
+    membersHeader->setSortIndicatorClearable(true);
+    membersHeader->setSortIndicator(-1, Qt::AscendingOrder);
+    tableViewDuplicates->setSortingEnabled(true);
     split->setStretchFactor(0, 2);
     split->setStretchFactor(1, 3);
     outer->addWidget(split, 1);

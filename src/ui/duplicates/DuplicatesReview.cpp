@@ -84,11 +84,13 @@ QMenu* ViewControllerDuplicates::contextMenuAt(QTableView* table, QPoint positio
     if (!group || group->duplicates.empty()) {
         return nullptr;
     }
-    const int row = table == tableViewFiles ? headMemberRow(*group) : at.row();
+    const int row =
+        table == tableViewFiles ? headMemberRow(*group) : membersModel_->memberAt(at.row());
     if (row < 0 || static_cast<std::size_t>(row) >= group->duplicates.size()) {
         return nullptr;
     }
-    tableViewDuplicates->setCurrentIndex(membersModel_->index(row, MembersModel::ColumnPath));
+    tableViewDuplicates->setCurrentIndex(
+        membersModel_->index(membersModel_->rowOf(row), MembersModel::ColumnPath));
     const DuplicateFilePtr member = group->duplicates[static_cast<std::size_t>(row)];
 
     auto* menu = new QMenu(this);

@@ -131,8 +131,9 @@ void ViewControllerDuplicates::toggleMember(int row) {
     member.checkState = member.checkState == 0 ? 1 : 0;
     // The member just ticked is the one File Info and Show in File Manager
     // act on.
-    const QModelIndex ticked = membersModel_->index(row, MembersModel::ColumnCheck);
-    if (tableViewDuplicates->currentIndex().row() != row) {
+    const int shownRow = membersModel_->rowOf(row);
+    const QModelIndex ticked = membersModel_->index(shownRow, MembersModel::ColumnCheck);
+    if (tableViewDuplicates->currentIndex().row() != shownRow) {
         tableViewDuplicates->setCurrentIndex(ticked);
     }
     // Another entry of the same group (never the case with shared records)
@@ -153,8 +154,10 @@ DuplicateFilePtr ViewControllerDuplicates::selectedMember() const {
     if (!group || !current.isValid()) {
         return nullptr;
     }
-    const auto row = static_cast<std::size_t>(current.row());
-    return row < group->duplicates.size() ? group->duplicates[row] : nullptr;
+    const int member = membersModel_->memberAt(current.row());
+    return member >= 0 && static_cast<std::size_t>(member) < group->duplicates.size()
+               ? group->duplicates[static_cast<std::size_t>(member)]
+               : nullptr;
 }
 
 void ViewControllerDuplicates::OnGoToSourceDirectoryButton() {

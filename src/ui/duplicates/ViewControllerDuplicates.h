@@ -117,9 +117,9 @@ class ViewControllerDuplicates : public ModalWindow {
     // Totals, filter and context menus (DuplicatesReview.cpp).
     void buildReview();
     void showTotals();
-    void setMemberMark(int row, bool marked);
+    void setMemberMark(int member, bool marked);
     void protectFolderOf(const std::string& path);
-    // The row of the group's own entry among its members (0 when none).
+    // The index of the group's own entry among its members (0 when none).
     int headMemberRow(const File& group) const;
 
     // Results update (DuplicatesUpdate.cpp).
@@ -137,7 +137,8 @@ class ViewControllerDuplicates : public ModalWindow {
     // Tables (ViewControllerDuplicates.cpp).
     void tableViewSelectionDidChange();
     void selectGroupRow(int row);
-    void toggleMember(int row);
+    // member: an index into the shown group's list, whatever the rows' order.
+    void toggleMember(int member);
     DuplicateFilePtr selectedMember() const;
 
     // Runs work on the thread pool and done(result) back on the GUI thread,
