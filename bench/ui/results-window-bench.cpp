@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Opens the results window on a large made-up result (50,000 groups of three
 // by default) and records the longest time the GUI thread went without
-// handling an event while the window opens, selects groups, applies a keep
-// option to every group and hides a category. The groups are records only:
+// handling an event while the window opens, selects groups, sorts by each
+// column, filters by path, applies a keep option to every group and hides a
+// category. The groups are records only:
 // nothing is read from disk or removed.
 //
 // usage: results-window-bench [GROUPS]
@@ -10,6 +11,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <QTableView>
 #include <QTimer>
 #include <algorithm>
@@ -19,6 +21,7 @@
 
 #include "selection/KeepOptions.h"
 #include "settings/SettingsManager.h"
+#include "ui/duplicates/GroupsModel.h"
 #include "ui/duplicates/SegmentedControl.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
 
@@ -115,6 +118,27 @@ int main(int argc, char** argv) {
     }
     std::printf("select: 5 groups in %.1f ms, longest GUI stall %.1f ms\n",
                 phase.nsecsElapsed() / 1e6, meter.worstMs());
+
+    // Sorting by each column (the records themselves are compared), then the
+    // search's order again; then the path filter, typed one letter at a time.
+    for (int column : {int{ui::GroupsModel::ColumnName}, int{ui::GroupsModel::ColumnSize},
+                       int{ui::GroupsModel::ColumnCount}, -1}) {
+        meter.reset();
+        phase.start();
+        window->tableViewFiles->sortByColumn(column, Qt::DescendingOrder);
+        QApplication::processEvents();
+        std::printf("sort by column %d: %.1f ms, longest GUI stall %.1f ms\n", column,
+                    phase.nsecsElapsed() / 1e6, meter.worstMs());
+    }
+    for (const char* text : {"f", "fi", "file1", "file12", "copy2/home", ""}) {
+        meter.reset();
+        phase.start();
+        window->textFieldFilter->setText(QString::fromLatin1(text));
+        QApplication::processEvents();
+        std::printf("filter \"%s\": %d groups shown in %.1f ms, longest GUI stall %.1f ms\n", text,
+                    window->tableViewFiles->model()->rowCount(), phase.nsecsElapsed() / 1e6,
+                    meter.worstMs());
+    }
 
     window->checkApplyForAll->click();
     for (int segment : {kKeepOldest, kRemoveAll, kKeepAll}) {

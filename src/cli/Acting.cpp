@@ -153,12 +153,15 @@ ActResult markAndClean(const Options& options, SettingsManager& settings, Cleani
                        FileRemover& remover, const ReportSink& out,
                        const std::function<bool()>& stop) {
     const FileList groups = settings.duplicateFileList;
+    // Oldest and newest by the exact creation time, never by a date text
+    // rounded to the second on a 12-hour clock.
+    settings.exactKeepTimes = true;
     if (!options.planFile.empty()) {
         // Marked as the plan says (loadPlan).
     } else if (options.keepOption) {
         const SamePathIndex samePath(groups);
         for (const FilePtr& g : groups) {
-            applyKeepOption(*g, *options.keepOption, samePath);
+            applyKeepOption(*g, *options.keepOption, samePath, KeepTimeBasis::ExactTime);
         }
     } else {
         settings.customSettingsOption = "OK";

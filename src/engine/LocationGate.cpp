@@ -2,6 +2,7 @@
 #include "engine/LocationGate.h"
 
 #include <mutex>
+#include <unistd.h>
 
 namespace twinsweep {
 
@@ -64,7 +65,10 @@ LocationGate LocationGate::platformDefault() {
     LocationGate gate;
     gate.usersRoots = {"/home"};
     gate.applicationsRoots = {"/opt"};
-    gate.volumesRoots = {"/media", "/mnt", "/run/media"};
+    // The desktop mounts removable disks under /run/media/USER and the
+    // network shares the user opened under /run/user/UID/gvfs.
+    gate.volumesRoots = {"/media", "/mnt", "/run/media",
+                         "/run/user/" + std::to_string(::getuid()) + "/gvfs"};
     return gate;
 #endif
 }

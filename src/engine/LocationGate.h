@@ -19,7 +19,8 @@ struct LocationGate {
     // Whether the entry at path, whose last component is name, may be examined.
     bool allows(std::string_view path, std::string_view name) const;
 
-    // Linux: /home, /opt, /media, /mnt, /run/media. macOS: /Users, /Applications, /Volumes.
+    // Linux: /home, /opt, /media, /mnt, /run/media and the running user's
+    // /run/user/UID/gvfs (the desktop's network shares). macOS: /Users, /Applications, /Volumes.
     static LocationGate platformDefault();
     // The macOS layout placed under prefix: prefix/Users, prefix/Applications, prefix/Volumes.
     static LocationGate macLayoutUnder(const std::string& prefix);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "export/ResultsExport.h"
 
+#include "engine/Digest.h"
 #include "engine/FileTools.h"
 #include "engine/FolderRegistry.h"
 #include "export/Chunked.h"
@@ -25,6 +26,10 @@ void appendCsvField(std::string& out, std::string_view field) {
 }
 
 } // namespace
+
+bool matchedBySizeOnly(const File& group, bool largeByContent) {
+    return group.size >= kLargeFileThreshold && !largeByContent;
+}
 
 const char* categoryName(int code) {
     static const char* const kNames[] = {"pictures", "music",     "movies",
@@ -81,7 +86,8 @@ bool writeJsonExport(const FileList& groups, const FileTools& tools, ExportField
             }
             out += "}";
         }
-        out += "]}";
+        out += "],\"sizeOnly\":";
+        out += matchedBySizeOnly(head, tools.compareLargeFilesByContent) ? "true}" : "false}";
         if (!chunked.maybeFlush()) {
             return false;
         }
@@ -97,12 +103,14 @@ bool writeCsvExport(const FileList& groups, const FileTools& tools, ExportFields
     out = "group,path,size,date,category";
     out += fields.marks ? ",marked" : "";
     out += fields.protection ? ",protected" : "";
-    out += "\r\n";
+    out += ",size_only\r\n";
     for (std::size_t g = 0; g < groups.size(); ++g) {
         const File& head = *groups[g];
         const std::string number = std::to_string(g + 1);
         const std::string size = std::to_string(head.size);
         const char* category = categoryName(tools.categoryOf(head));
+        const char* sizeOnlyField =
+            matchedBySizeOnly(head, tools.compareLargeFilesByContent) ? ",1\r\n" : ",0\r\n";
         for (const DuplicateFilePtr& member : head.duplicates) {
             out += number;
             out.push_back(',');
@@ -117,7 +125,7 @@ bool writeCsvExport(const FileList& groups, const FileTools& tools, ExportFields
             if (fields.protection) {
                 out += member->isProtected ? ",1" : ",0";
             }
-            out += "\r\n";
+            out += sizeOnlyField;
         }
         if (!chunked.maybeFlush()) {
             return false;

@@ -79,8 +79,10 @@ bool applyCustomRulesToAll(const FileList& listed, SettingsManager& settings) {
         if (!all || group->duplicates.empty() || (answer != 1 && answer != 2)) {
             continue;
         }
-        const std::string kept =
-            answer == 1 ? oldestCopy(group->duplicates)->path : newestCopy(group->duplicates)->path;
+        const KeepTimeBasis basis =
+            settings.exactKeepTimes ? KeepTimeBasis::ExactTime : KeepTimeBasis::DateText;
+        const std::string kept = answer == 1 ? oldestCopy(group->duplicates, basis)->path
+                                             : newestCopy(group->duplicates, basis)->path;
         unmarkPath(*group, kept);
         for (File* other : others) {
             if (other != group.get()) {

@@ -2,6 +2,9 @@
 #include "selection/KeepOptions.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unordered_map>
 
 namespace twinsweep {
@@ -62,15 +65,24 @@ std::optional<std::time_t> parseMemberDate(const std::string& text, std::time_t 
 
 namespace {
 
+std::optional<std::int64_t> timeOf(const DuplicateFile& member, KeepTimeBasis basis) {
+    if (basis == KeepTimeBasis::ExactTime) {
+        return exactCreationTime(member.path);
+    }
+    const auto t = parseMemberDate(member.date);
+    return t ? std::optional<std::int64_t>(static_cast<std::int64_t>(*t)) : std::nullopt;
+}
+
 template <typename Better>
-const DuplicateFilePtr& pickCopy(const std::vector<DuplicateFilePtr>& members, Better better) {
+const DuplicateFilePtr& pickCopy(const std::vector<DuplicateFilePtr>& members, KeepTimeBasis basis,
+                                 Better better) {
     std::size_t pick = 0;
-    std::optional<std::time_t> pickTime = parseMemberDate(members[0]->date);
+    std::optional<std::int64_t> pickTime = timeOf(*members[0], basis);
     for (std::size_t i = 1; i < members.size(); ++i) {
         if (!pickTime) {
             continue; // an unreadable pick stays the pick
         }
-        const auto t = parseMemberDate(members[i]->date);
+        const auto t = timeOf(*members[i], basis);
         if (t && better(*t, *pickTime)) {
             pick = i;
             pickTime = t;
@@ -95,14 +107,14 @@ void markKeeping(File& group, std::int64_t option, const std::string* keptPath) 
 }
 
 template <typename SamePath>
-bool applyTo(File& group, std::int64_t option, SamePath&& forEachSamePath) {
+bool applyTo(File& group, std::int64_t option, KeepTimeBasis basis, SamePath&& forEachSamePath) {
     if (option < kKeepAll || option > kRemoveAll) {
         return false;
     }
     std::string keptPath;
     if ((option == kKeepOldest || option == kKeepNewest) && !group.duplicates.empty()) {
-        keptPath = option == kKeepOldest ? oldestCopy(group.duplicates)->path
-                                         : newestCopy(group.duplicates)->path;
+        keptPath = option == kKeepOldest ? oldestCopy(group.duplicates, basis)->path
+                                         : newestCopy(group.duplicates, basis)->path;
     }
     const bool holdsProtected =
         std::any_of(group.duplicates.begin(), group.duplicates.end(),
@@ -119,12 +131,30 @@ bool applyTo(File& group, std::int64_t option, SamePath&& forEachSamePath) {
 
 } // namespace
 
-const DuplicateFilePtr& oldestCopy(const std::vector<DuplicateFilePtr>& members) {
-    return pickCopy(members, [](std::time_t a, std::time_t b) { return a < b; });
+std::optional<std::int64_t> exactCreationTime(const std::string& path) {
+    constexpr std::int64_t kBillion = 1000000000;
+    struct statx stx {};
+    if (::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BTIME | STATX_MTIME, &stx) ==
+        0) {
+        const struct statx_timestamp& t =
+            (stx.stx_mask & STATX_BTIME) != 0 ? stx.stx_btime : stx.stx_mtime;
+        return static_cast<std::int64_t>(t.tv_sec) * kBillion + t.tv_nsec;
+    }
+    struct stat st {};
+    if (errno != ENOSYS || ::lstat(path.c_str(), &st) != 0) {
+        return std::nullopt;
+    }
+    return static_cast<std::int64_t>(st.st_mtim.tv_sec) * kBillion + st.st_mtim.tv_nsec;
 }
 
-const DuplicateFilePtr& newestCopy(const std::vector<DuplicateFilePtr>& members) {
-    return pickCopy(members, [](std::time_t a, std::time_t b) { return a > b; });
+const DuplicateFilePtr& oldestCopy(const std::vector<DuplicateFilePtr>& members,
+                                   KeepTimeBasis basis) {
+    return pickCopy(members, basis, [](std::int64_t a, std::int64_t b) { return a < b; });
+}
+
+const DuplicateFilePtr& newestCopy(const std::vector<DuplicateFilePtr>& members,
+                                   KeepTimeBasis basis) {
+    return pickCopy(members, basis, [](std::int64_t a, std::int64_t b) { return a > b; });
 }
 
 struct SamePathIndex::Impl {
@@ -145,8 +175,9 @@ const std::vector<File*>& SamePathIndex::groupsAt(const std::string& path) const
     return it == impl_->byPath.end() ? none : it->second;
 }
 
-bool applyKeepOption(File& group, std::int64_t option, const FileList& duplicateFileList) {
-    return applyTo(group, option, [&](auto&& mark) {
+bool applyKeepOption(File& group, std::int64_t option, const FileList& duplicateFileList,
+                     KeepTimeBasis basis) {
+    return applyTo(group, option, basis, [&](auto&& mark) {
         for (const FilePtr& f : duplicateFileList) {
             if (f->path == group.path) {
                 mark(*f);
@@ -155,8 +186,9 @@ bool applyKeepOption(File& group, std::int64_t option, const FileList& duplicate
     });
 }
 
-bool applyKeepOption(File& group, std::int64_t option, const SamePathIndex& duplicateFileList) {
-    return applyTo(group, option, [&](auto&& mark) {
+bool applyKeepOption(File& group, std::int64_t option, const SamePathIndex& duplicateFileList,
+                     KeepTimeBasis basis) {
+    return applyTo(group, option, basis, [&](auto&& mark) {
         for (File* f : duplicateFileList.groupsAt(group.path)) {
             mark(*f);
         }

@@ -33,12 +33,26 @@ std::int64_t markedCount(const File& group);
 std::optional<std::time_t> parseMemberDate(const std::string& text);
 std::optional<std::time_t> parseMemberDate(const std::string& text, std::time_t now);
 
+// What keep oldest and keep newest compare. The displayed date text (one
+// second, 12-hour clock without a day half) is the window's default; the
+// exact creation time in nanoseconds (the modification time where the file
+// system keeps none), read when the marking is made, is the command-line
+// tool's and the window's when the user asks for it.
+enum class KeepTimeBasis { DateText, ExactTime };
+
+// The exact creation time of the item at path (not following a final link),
+// nanoseconds since the epoch; the modification time where the file system
+// keeps no creation time. Absent when the item can't be read.
+std::optional<std::int64_t> exactCreationTime(const std::string& path);
+
 // The member that the keep-oldest / keep-newest options keep. The list must not
 // be empty. Only a strictly earlier (later) date replaces the pick, so the
 // first member wins ties; a pick whose date can't be read is never replaced,
 // and a member whose date can't be read is passed over.
-const DuplicateFilePtr& oldestCopy(const std::vector<DuplicateFilePtr>& members);
-const DuplicateFilePtr& newestCopy(const std::vector<DuplicateFilePtr>& members);
+const DuplicateFilePtr& oldestCopy(const std::vector<DuplicateFilePtr>& members,
+                                   KeepTimeBasis basis = KeepTimeBasis::DateText);
+const DuplicateFilePtr& newestCopy(const std::vector<DuplicateFilePtr>& members,
+                                   KeepTimeBasis basis = KeepTimeBasis::DateText);
 
 // Finds the groups of a list that share a path, so that marking every listed
 // group does not scan the whole list once per group. Valid while the list's
@@ -59,7 +73,9 @@ class SamePathIndex {
 // member's mark; other option values change nothing and return false.
 // Protected copies are never marked; in a group that holds one, keep oldest
 // and keep newest keep the protected copies and mark every other copy.
-bool applyKeepOption(File& group, std::int64_t option, const FileList& duplicateFileList);
-bool applyKeepOption(File& group, std::int64_t option, const SamePathIndex& duplicateFileList);
+bool applyKeepOption(File& group, std::int64_t option, const FileList& duplicateFileList,
+                     KeepTimeBasis basis = KeepTimeBasis::DateText);
+bool applyKeepOption(File& group, std::int64_t option, const SamePathIndex& duplicateFileList,
+                     KeepTimeBasis basis = KeepTimeBasis::DateText);
 
 } // namespace twinsweep

@@ -22,14 +22,16 @@ void applySegment(std::int64_t segment, bool applyForAll, const FileList& listed
         }
         return;
     }
+    const KeepTimeBasis basis =
+        settings.exactKeepTimes ? KeepTimeBasis::ExactTime : KeepTimeBasis::DateText;
     if (!applyForAll) {
-        applyKeepOption(*listed[static_cast<std::size_t>(row)], segment,
-                        settings.duplicateFileList);
+        applyKeepOption(*listed[static_cast<std::size_t>(row)], segment, settings.duplicateFileList,
+                        basis);
         return;
     }
     const SamePathIndex samePath(settings.duplicateFileList);
     for (const FilePtr& group : listed) {
-        applyKeepOption(*group, segment, samePath);
+        applyKeepOption(*group, segment, samePath, basis);
     }
 }
 

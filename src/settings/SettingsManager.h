@@ -106,6 +106,12 @@ class SettingsManager {
     bool rememberFingerprints = false;
     // Our extra option: the search reads at idle I/O priority.
     bool idleSearch = false;
+    // Our extra option: keep oldest and keep newest compare the exact
+    // creation times instead of the displayed date texts.
+    bool exactKeepTimes = false;
+    // Our extra option: the window's search takes any folder, as the
+    // command-line tool's --any-location does.
+    bool searchAnyLocation = false;
 };
 
 } // namespace twinsweep

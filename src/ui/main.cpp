@@ -42,6 +42,7 @@ int main(int argc, char** argv) {
     twinsweep::ui::AppDelegate delegate(app);
 
     twinsweep::ui::ViewController mainWindow;
+    mainWindow.restoreSavedChoices();
     mainWindow.show();
     QTimer::singleShot(0, &delegate, [&delegate] { delegate.applicationDidFinishLaunching(); });
     return QApplication::exec();

@@ -52,7 +52,7 @@ TEST_F(Acting, DryRunIsTheDefaultAndTrashTakesOnlyTheMarkedCopies) {
                              std::vector<std::string>{"--keep", "newest", "--dry-run"}}) {
         const CliOutcome r = run(args);
         EXPECT_EQ(r.status, 0) << r.err;
-        // Equal creation times: the first copy of each group is kept.
+        // The copy made last of each group is kept.
         EXPECT_EQ(listed(r.out, "would remove: " + tree.path("files/")).size(), 3u) << r.out;
         EXPECT_TRUE(says(r.out, "\nwould free 10 B (10 bytes) from 3 files\n"));
     }
@@ -207,4 +207,19 @@ TEST_F(Acting, LinksWithEveryCopyMarkedLeaveTheGroupsAndSaySo) {
         EXPECT_TRUE(says(r.err, "twinsweep-cli: 5 copies were not replaced by a link"));
         EXPECT_EQ(filesLeft(), 5);
     }
+}
+
+TEST_F(Acting, OldestAndNewestGoByTheExactCreationTime) {
+    // A download and its copy made within the same second: the date texts
+    // tie, and the copy is listed first.
+    const std::string original = tree.write("files/dl/report.pdf", "report");
+    ::usleep(5000);
+    const std::string copy = tree.write("files/dl/report (1).pdf", "report");
+    const CliOutcome oldest = run({"--keep", "oldest"});
+    EXPECT_EQ(oldest.status, 0) << oldest.err;
+    EXPECT_TRUE(says(oldest.out, "would remove: " + copy + "\n")) << oldest.out;
+    EXPECT_FALSE(says(oldest.out, "would remove: " + original + "\n"));
+    const CliOutcome newest = run({"--keep", "newest"});
+    EXPECT_TRUE(says(newest.out, "would remove: " + original + "\n")) << newest.out;
+    EXPECT_FALSE(says(newest.out, "would remove: " + copy + "\n"));
 }

@@ -2,7 +2,9 @@
 // The reports of the real twinsweep-cli on real folders, and its text and option helpers.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <set>
+#include <unistd.h>
 
 #include "cli/Options.h"
 #include "cli/Output.h"
@@ -43,12 +45,14 @@ TEST(Cli, ReportsCarryEveryFieldAndTheExactPaths) {
     std::vector<std::vector<std::string>> rows;
     ASSERT_TRUE(parseCsv(r.out, rows)) << r.out;
     ASSERT_EQ(rows.size(), 9u);
-    EXPECT_EQ(rows[0], (std::vector<std::string>{"group", "path", "size", "date", "category"}));
+    EXPECT_EQ(rows[0],
+              (std::vector<std::string>{"group", "path", "size", "date", "category", "size_only"}));
     for (std::size_t k = 1; k < rows.size(); ++k) {
         const bool first = k <= 6;
         std::string path;
         ASSERT_TRUE(csvPathBytes(rows[k][1], path)) << rows[k][1];
-        ASSERT_EQ(rows[k].size(), 5u);
+        ASSERT_EQ(rows[k].size(), 6u);
+        EXPECT_EQ(rows[k][5], "0");
         EXPECT_EQ(rows[k][0], first ? "1" : "2");
         EXPECT_EQ(rows[k][2], first ? "6" : "5");
         EXPECT_EQ(rows[k][3], creationDateOf(path));
@@ -56,6 +60,32 @@ TEST(Cli, ReportsCarryEveryFieldAndTheExactPaths) {
         EXPECT_EQ(paths.erase(path), 1u) << path;
     }
     EXPECT_TRUE(paths.empty()) << "not read back: " << *paths.begin();
+}
+
+TEST(Cli, GroupsMatchedBySizeAloneSaySo) {
+    // Two different 100 MiB backups (sparse: nothing is written) and two
+    // small equal files.
+    TempTree tree;
+    for (const char* name : {"a.bak", "b.bak"}) {
+        std::filesystem::resize_file(tree.write(name, name), 104857600);
+    }
+    tree.write("c.txt", "same");
+    tree.write("d.txt", "same");
+    CliOutcome r = runCli({"--any-location", "--format", "json", tree.root()});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(says(r.out, "\"md5\":null,\"members\":[")) << r.out;
+    EXPECT_TRUE(says(r.out, "}],\"sizeOnly\":true}")) << r.out;
+    EXPECT_TRUE(says(r.out, "}],\"sizeOnly\":false}")) << r.out;
+    r = runCli({"--any-location", "--format", "csv", tree.root()});
+    std::vector<std::vector<std::string>> rows;
+    ASSERT_TRUE(parseCsv(r.out, rows)) << r.out;
+    ASSERT_EQ(rows.size(), 5u);
+    EXPECT_EQ(rows[1][2] + " " + rows[1][5], "104857600 1");
+    EXPECT_EQ(rows[4][2] + " " + rows[4][5], "4 0");
+    // Compared by content, the two backups differ: no group, no mark.
+    r = runCli({"--any-location", "--large-by-content", "--format", "json", tree.root()});
+    EXPECT_FALSE(says(r.out, ".bak")) << r.out;
+    EXPECT_FALSE(says(r.out, "\"sizeOnly\":true")) << r.out;
 }
 
 TEST(Cli, TextReportOfWhatFiltersLocationGateAndFoldersLeave) {
@@ -78,12 +108,16 @@ TEST(Cli, TextReportOfWhatFiltersLocationGateAndFoldersLeave) {
     const CliOutcome srv = runCli({"--format=json", "/srv"});
     EXPECT_EQ(srv.status, 2);
     EXPECT_EQ(srv.out, "");
+    // The desktop's network shares of the running user count as a volume.
+    const std::string shares = "/run/user/" + std::to_string(::getuid()) + "/gvfs";
     EXPECT_EQ(srv.err, "twinsweep-cli: /srv is outside the searched locations (/home, /opt, "
-                       "/media, /mnt, /run/media); add --any-location to search it\n");
+                       "/media, /mnt, /run/media, " +
+                           shares + "); add --any-location to search it\n");
     const CliOutcome none = runCli({tree.root()});
     EXPECT_EQ(none.status, 2);
     EXPECT_TRUE(says(none.err, " is outside the searched locations (/home, /opt, /media, /mnt, "
-                               "/run/media); add --any-location to search it\n"));
+                               "/run/media, " +
+                                   shares + "); add --any-location to search it\n"));
     EXPECT_EQ(runCli({"--any-location", "--min-size", "2K", tree.root()}).out.size(),
               tree.path("Users/bob/big1.png\n").size() * 2);
 

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 #include <tuple>
 
 #include "Groups.h"
@@ -88,4 +90,32 @@ TEST_F(KeepOptions, UnreadableDatesNeverWinAndAnUnreadablePickStays) {
     EXPECT_FALSE(parseMemberDate("17-03-05 13:04:09"));
     EXPECT_FALSE(parseMemberDate("17-03-05 03:04:09 "));
     EXPECT_FALSE(parseMemberDate(""));
+}
+
+TEST(KeepOptionsExact, ExactTimesFindTheTrueOriginalWhereDateTextsMislead) {
+    TempTree tree;
+    // The original first, its copy a moment later: creation times (or
+    // modification times, where the file system keeps none) in that order.
+    const std::string original = tree.write("dl/report.pdf", "r");
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    const std::string copy = tree.write("dl/report (1).pdf", "r");
+    ASSERT_LT(*exactCreationTime(original), *exactCreationTime(copy));
+    EXPECT_EQ(exactCreationTime(tree.path("dl/gone.pdf")), std::nullopt);
+
+    // Three seconds apart across noon, which the 12-hour texts read as
+    // 00:00:02; and two copies within one second, which the texts tie. The
+    // copy is listed first.
+    const std::pair<const char*, const char*> texts[] = {
+        {"24-05-01 11:59:59", "24-05-01 12:00:02"}, {"24-05-01 10:00:00", "24-05-01 10:00:00"}};
+    for (const auto& [originalText, copyText] : texts) {
+        FilePtr group = makeGroup({{copy, copyText}, {original, originalText}});
+        const FileList all{group};
+        ASSERT_TRUE(applyKeepOption(*group, kKeepOldest, all));
+        EXPECT_EQ(marks(*group), (Marks{0, 1})) << copyText; // the texts keep the copy
+        ASSERT_TRUE(applyKeepOption(*group, kKeepOldest, all, KeepTimeBasis::ExactTime));
+        EXPECT_EQ(marks(*group), (Marks{1, 0})) << copyText;
+        ASSERT_TRUE(applyKeepOption(*group, kKeepNewest, all, KeepTimeBasis::ExactTime));
+        EXPECT_EQ(marks(*group), (Marks{0, 1})) << copyText;
+        EXPECT_EQ(oldestCopy(group->duplicates, KeepTimeBasis::ExactTime)->path, original);
+    }
 }

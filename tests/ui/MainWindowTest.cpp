@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
+#include <unistd.h>
 
 #include "UiTestSupport.h"
 #include "ui/main/FolderTableView.h"
@@ -277,7 +278,13 @@ class MainWindowTest : public QObject {
         QVERIFY(settings->rememberFingerprints);
         window_->checkIdleSearch->click();
         QVERIFY(settings->idleSearch);
+        QVERIFY(!settings->exactKeepTimes && !settings->searchAnyLocation);
+        window_->checkExactKeepTimes->click();
+        window_->checkSearchAnyLocation->click();
+        QVERIFY(settings->exactKeepTimes && settings->searchAnyLocation);
         window_->findChild<QAction*>(u"actionFileNew"_s)->trigger();
+        QVERIFY(!settings->exactKeepTimes && !window_->checkExactKeepTimes->isChecked());
+        QVERIFY(!settings->searchAnyLocation && !window_->checkSearchAnyLocation->isChecked());
         QVERIFY(!settings->rememberFingerprints);
         QVERIFY(settings->listFolderPaths.empty() && !settings->customFileTypes);
         QVERIFY(settings->moveToTrash && !settings->replaceWithHardLinks);
@@ -307,9 +314,67 @@ class MainWindowTest : public QObject {
                                                 mac + "/Applications and " + mac +
                                                 "/Volumes. Outside those locations: " + data +
                                                 ", " + mac + "."));
+        // The line offers the way on: its button ticks "Search any location".
+        QVERIFY(window_->buttonSearchAnyLocation->isVisibleTo(window_.get()));
+        window_->buttonSearchAnyLocation->click();
+        QVERIFY(SettingsManager::shared()->searchAnyLocation);
+        QVERIFY(window_->checkSearchAnyLocation->isChecked());
+        QCOMPARE(line(), QString());
+        window_->checkSearchAnyLocation->click();
+        QVERIFY(line().endsWith(QString::fromStdString(data + ", " + mac + ".")));
         window_->OnFileNew(); // the line follows the list
         QCOMPARE(line(), QString());
         LocationGate::setProcessDefault(LocationGate::platformDefault());
+        // The desktop's removable disks and network shares count as volumes.
+        const LocationGate linux = LocationGate::platformDefault();
+        QVERIFY(
+            linux.allows("/run/user/" + std::to_string(::getuid()) + "/gvfs/smb-share:x/a", "a"));
+        QVERIFY(linux.allows("/run/media/bob/Disk/a", "a"));
+        QVERIFY(!linux.allows("/run/user/" + std::to_string(::getuid() + 1) + "/gvfs/s/a", "a"));
+        QVERIFY(!linux.allows("/srv/a", "a"));
+    }
+
+    void fitsASmallScreenAndKeepsTheFolderList() {
+        // A 1366x768 screen with a panel and a title bar leaves about 690
+        // pixels; every control, Find included, fits in that at the start.
+        const QSize least = window_->minimumSizeHint();
+        QVERIFY2(least.width() <= 1366 && least.height() <= 690,
+                 qPrintable(u"%1x%2"_s.arg(least.width()).arg(least.height())));
+        window_->resize(window_->minimumSizeHint());
+        const QRect find(window_->buttonFindDuplicateFiles->mapTo(window_.get(), QPoint(0, 0)),
+                         window_->buttonFindDuplicateFiles->size());
+        QVERIFY(window_->rect().contains(find));
+
+        // The application's own window reads the list saved last and saves
+        // every change; a window that did not ask starts empty.
+        const std::string a = tree_.mkdir("kept/a"), b = tree_.mkdir("kept/b");
+        window_->restoreSavedChoices();
+        QCOMPARE(folders(), Paths{});
+        window_->addFolders(qt({a, b}));
+        window_->tableViewFolders->model()->setData(window_->tableViewFolders->model()->index(1, 1),
+                                                    Qt::Checked, Qt::CheckStateRole);
+        QCOMPARE(SettingsManager::shared()->protectedFolders, Paths{b});
+        window_.reset();
+        window_ = std::make_unique<ViewController>();
+        QCOMPARE(folders(), Paths{});
+        window_->restoreSavedChoices();
+        QCOMPARE(folders(), (Paths{a, b}));
+        QCOMPARE(SettingsManager::shared()->protectedFolders, Paths{b});
+        QCOMPARE(window_->tableViewFolders->model()->rowCount(), 2);
+        // A folder gone since is left out; File > New empties the saved list too.
+        std::filesystem::remove(a);
+        window_ = std::make_unique<ViewController>();
+        window_->restoreSavedChoices();
+        QCOMPARE(folders(), Paths{b});
+        window_->OnFileNew();
+        window_->addFolders(qt({b})); // a list of one
+        window_ = std::make_unique<ViewController>();
+        window_->restoreSavedChoices();
+        QCOMPARE(folders(), Paths{b});
+        window_->OnFileNew();
+        window_ = std::make_unique<ViewController>();
+        window_->restoreSavedChoices();
+        QCOMPARE(folders(), Paths{});
     }
 
     void escapeDeclinesAndAlertsTellTheButton() {

@@ -114,7 +114,7 @@ class ProtectExportTest : public QObject {
         }
         std::vector<std::vector<std::string>> rows;
         QVERIFY(parseCsv(slurp(out.path("d.csv")), rows));
-        QCOMPARE(rows.at(0).back(), "marked");
+        QCOMPARE(rows.at(0).back(), "size_only");
         for (std::size_t r = 1; r < rows.size(); ++r) {
             csv << QString::fromStdString(rows[r][0] + ' ' + rows[r][1] + ' ' + rows[r][5]);
         }

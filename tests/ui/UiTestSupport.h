@@ -41,8 +41,9 @@ using namespace Qt::StringLiterals;
 // go to temporary folders: never the user's, nor shared with other test programs.
 #define UI_TEST_MAIN(Class)                                                                        \
     int main(int argc, char** argv) {                                                              \
-        QTemporaryDir cache, runtime, data, state;                                                 \
+        QTemporaryDir cache, runtime, data, state, config;                                         \
         qputenv("XDG_CACHE_HOME", cache.path().toLocal8Bit());                                     \
+        qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());                                   \
         qputenv("XDG_STATE_HOME", state.path().toLocal8Bit());                                     \
         qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());                                  \
         qputenv("XDG_DATA_HOME", data.path().toLocal8Bit());                                       \

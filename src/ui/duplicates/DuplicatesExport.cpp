@@ -28,7 +28,9 @@ QString exportGroups(const FileList& groups, bool protection, const QString& pat
     if (!file.open(QIODevice::WriteOnly)) {
         return file.errorString();
     }
-    const FileTools tools;
+    FileTools tools;
+    // Which groups were matched by size alone, as the search that found them decided.
+    tools.compareLargeFilesByContent = SettingsManager::shared()->compareLargeFilesByContent;
     const ExportSink sink = [&](std::string_view piece) {
         return file.write(piece.data(), static_cast<qint64>(piece.size())) ==
                static_cast<qint64>(piece.size());

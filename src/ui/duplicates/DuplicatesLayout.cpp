@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSplitter>
@@ -12,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include "ui/duplicates/GroupsModel.h"
+#include "ui/duplicates/GroupsProxy.h"
 #include "ui/duplicates/MembersModel.h"
 #include "ui/duplicates/SegmentedControl.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
@@ -70,19 +72,40 @@ void ViewControllerDuplicates::buildLayout() {
     keepRow->addWidget(progressIndicator);
     outer->addLayout(keepRow);
 
+    // Totals and the filter.
+    auto* reviewRow = new QHBoxLayout;
+    labelTotals = new QLabel(contents);
+    labelTotals->setObjectName(QStringLiteral("labelTotals"));
+    reviewRow->addWidget(labelTotals, 1);
+    textFieldFilter = new QLineEdit(contents);
+    textFieldFilter->setObjectName(QStringLiteral("textFieldFilter"));
+    textFieldFilter->setPlaceholderText(QStringLiteral("Filter by path"));
+    textFieldFilter->setClearButtonEnabled(true);
+    textFieldFilter->setToolTip(
+        QStringLiteral("Lists only the groups with a copy whose path holds this text"));
+    textFieldFilter->setMinimumWidth(240);
+    reviewRow->addWidget(textFieldFilter);
+    outer->addLayout(reviewRow);
+
     // The two tables.
     auto* split = new QSplitter(Qt::Horizontal, contents);
     tableViewFiles = makeTable(split, QStringLiteral("TableViewFiles"));
     groupsModel_ = new GroupsModel(&fileList, this);
-    tableViewFiles->setModel(groupsModel_);
+    groupsModel_->setLargeByContent(settingsManager->compareLargeFilesByContent);
+    groupsProxy_ = new GroupsProxy(groupsModel_, this);
+    tableViewFiles->setModel(groupsProxy_);
     tableViewFiles->setItemDelegateForColumn(GroupsModel::ColumnCount,
                                              new CountDelegate(tableViewFiles));
     QHeaderView* groupsHeader = tableViewFiles->horizontalHeader();
     groupsHeader->setSectionResizeMode(GroupsModel::ColumnIcon, QHeaderView::Fixed);
     groupsHeader->resizeSection(GroupsModel::ColumnIcon, 26);
     groupsHeader->setSectionResizeMode(GroupsModel::ColumnName, QHeaderView::Stretch);
-    groupsHeader->resizeSection(GroupsModel::ColumnSize, 80);
+    groupsHeader->resizeSection(GroupsModel::ColumnSize, 100); // room for the size-only mark
     groupsHeader->resizeSection(GroupsModel::ColumnCount, 60);
+    // The search's order until a header is clicked; a third click brings it back.
+    groupsHeader->setSortIndicatorClearable(true);
+    groupsHeader->setSortIndicator(-1, Qt::AscendingOrder);
+    tableViewFiles->setSortingEnabled(true);
 
     tableViewDuplicates = makeTable(split, QStringLiteral("TableViewDuplicate"));
     membersModel_ = new MembersModel(this);
@@ -95,6 +118,9 @@ void ViewControllerDuplicates::buildLayout() {
     membersHeader->resizeSection(MembersModel::ColumnCheck, 26);
     membersHeader->setSectionResizeMode(MembersModel::ColumnPath, QHeaderView::Stretch);
     membersHeader->resizeSection(MembersModel::ColumnDate, 130);
+    membersHeader->setSortIndicatorClearable(true);
+    membersHeader->setSortIndicator(-1, Qt::AscendingOrder);
+    tableViewDuplicates->setSortingEnabled(true);
     split->setStretchFactor(0, 2);
     split->setStretchFactor(1, 3);
     outer->addWidget(split, 1);

@@ -14,6 +14,7 @@
 #include "selection/KeepOptions.h"
 #include "ui/duplicates/BackgroundJob.h"
 #include "ui/duplicates/GroupsModel.h"
+#include "ui/duplicates/GroupsProxy.h"
 #include "ui/duplicates/MembersModel.h"
 #include "ui/duplicates/SegmentedControl.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
@@ -31,7 +32,8 @@ template <class Work, class Done> void ViewControllerDuplicates::runJob(Work wor
 }
 
 void ViewControllerDuplicates::OnSegmentedControlKeepChanged() {
-    if (fileList.empty()) {
+    // With every group filtered out no group is selected: nothing to apply to.
+    if (fileList.empty() || (!checkApplyForAll->isChecked() && groupsProxy_->rowCount() == 0)) {
         return;
     }
     settingsManager->selectedFile = selectedRow;
@@ -87,7 +89,12 @@ void ViewControllerDuplicates::UpdateResults() {
 void ViewControllerDuplicates::installList(FileList list) {
     fileList = std::move(list);
     groupsModel_->reset();
+    // A new list is placed in the order the user chose, if any.
+    if (groupsProxy_->sortColumn() >= 0) {
+        groupsProxy_->sort(groupsProxy_->sortColumn(), groupsProxy_->sortOrder());
+    }
     membersModel_->setGroup(nullptr);
+    showTotals();
 }
 
 void ViewControllerDuplicates::installFoldedList(FileList list) {

@@ -5,8 +5,10 @@
 #include <QFile>
 #include <QPainter>
 #include <QPalette>
+#include <QStyle>
 
 #include "engine/FileTools.h"
+#include "export/ResultsExport.h"
 #include "selection/KeepOptions.h"
 #include "ui/platform/FileTypeIcons.h"
 
@@ -41,16 +43,28 @@ QVariant GroupsModel::data(const QModelIndex& index, int role) const {
     switch (index.column()) {
     case ColumnIcon:
         return role == Qt::DecorationRole ? QVariant(fileIcon(group.path)) : QVariant();
-    case ColumnName:
+    case ColumnName: {
         if (role == Qt::DisplayRole) {
             return lastComponent(group.path);
         }
-        return role == Qt::ToolTipRole
-                   ? QVariant(QFile::decodeName(QByteArray::fromStdString(group.path)))
-                   : QVariant();
+        if (role != Qt::ToolTipRole) {
+            return {};
+        }
+        const QString path = QFile::decodeName(QByteArray::fromStdString(group.path));
+        return matchedBySizeOnly(group, largeByContent_) ? path + QLatin1Char('\n') + sizeOnlyTip()
+                                                         : path;
+    }
     case ColumnSize:
         if (role == Qt::DisplayRole) {
             return QString::fromStdString(FileTools::fileSizeText(group.size));
+        }
+        if (role == Qt::DecorationRole || role == Qt::ToolTipRole) {
+            if (!matchedBySizeOnly(group, largeByContent_)) {
+                return {};
+            }
+            return role == Qt::ToolTipRole ? QVariant(sizeOnlyTip())
+                                           : QVariant(QApplication::style()->standardIcon(
+                                                 QStyle::SP_MessageBoxWarning));
         }
         return role == Qt::TextAlignmentRole ? QVariant(int(Qt::AlignRight | Qt::AlignVCenter))
                                              : QVariant();
@@ -82,6 +96,16 @@ QVariant GroupsModel::headerData(int section, Qt::Orientation orientation, int r
     default:
         return QString();
     }
+}
+
+const File* GroupsModel::groupAt(int row) const {
+    return row >= 0 && static_cast<std::size_t>(row) < groups_->size()
+               ? (*groups_)[static_cast<std::size_t>(row)].get()
+               : nullptr;
+}
+
+QString GroupsModel::sizeOnlyTip() {
+    return QStringLiteral("Matched by size only; contents not compared");
 }
 
 void GroupsModel::reset() {

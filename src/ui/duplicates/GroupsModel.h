@@ -24,6 +24,13 @@ class GroupsModel : public QAbstractTableModel {
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
+    // The group at row, null when out of range.
+    const File* groupAt(int row) const;
+    // Whether the search compared files of 100 MiB and more by content; when
+    // not, their groups carry a mark saying they were matched by size alone.
+    void setLargeByContent(bool byContent) { largeByContent_ = byContent; }
+    static QString sizeOnlyTip();
+
     // The list was replaced or its length changed.
     void reset();
     // Marks changed in place: every visible cell is drawn again.
@@ -35,6 +42,7 @@ class GroupsModel : public QAbstractTableModel {
 
   private:
     const FileList* groups_;
+    bool largeByContent_ = false;
 };
 
 // Draws the count in its colour on the selected row too, where the style

@@ -3,6 +3,7 @@
 
 #include <QAbstractTableModel>
 #include <functional>
+#include <vector>
 
 #include "engine/File.h"
 
@@ -10,7 +11,9 @@ namespace twinsweep::ui {
 
 // The members table of the selected group: a check box (marked for removal),
 // the path and the date. Reads the group's own member list; a tick is handed
-// to the window, which decides what it changes.
+// to the window, which decides what it changes. Rows are in the group's
+// order until a header is clicked; the sort stays while other groups are
+// shown. "Member" below is an index into the group's list, "row" a table row.
 class MembersModel : public QAbstractTableModel {
     Q_OBJECT
   public:
@@ -24,8 +27,15 @@ class MembersModel : public QAbstractTableModel {
     // Marks changed in place.
     void refresh();
 
-    // Called with the row whose box the user clicked.
-    std::function<void(int row)> onToggle;
+    // Called with the member whose box the user clicked.
+    std::function<void(int member)> onToggle;
+
+    // The member shown on row, and the row that shows member (-1 when none).
+    int memberAt(int row) const;
+    int rowOf(int member) const;
+    // Orders the rows by column (-1: the group's order); keeps the current row
+    // on its member.
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -39,7 +49,12 @@ class MembersModel : public QAbstractTableModel {
     static QString protectedCopyTip();
 
   private:
+    void placeRows();
+
     FilePtr group_;
+    std::vector<int> order_; // row -> member
+    int sortColumn_ = -1;
+    Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
 };
 
 } // namespace twinsweep::ui

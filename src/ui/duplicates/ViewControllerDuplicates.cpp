@@ -15,6 +15,7 @@
 #include "selection/CustomSettingsText.h"
 #include "selection/KeepOptions.h"
 #include "ui/duplicates/GroupsModel.h"
+#include "ui/duplicates/GroupsProxy.h"
 #include "ui/duplicates/MembersModel.h"
 #include "ui/duplicates/RevealFile.h"
 #include "ui/duplicates/SegmentedControl.h"
@@ -27,6 +28,7 @@ ViewControllerDuplicates::ViewControllerDuplicates(QWidget* opener)
     : ModalWindow(opener), settingsManager(SettingsManager::shared()) {
     buildLayout();
     buildCommands();
+    buildReview();
     viewDidLoad();
 }
 
@@ -76,7 +78,9 @@ std::string ViewControllerDuplicates::groupFolder(std::int64_t row) const {
 
 void ViewControllerDuplicates::tableViewSelectionDidChange() {
     const QModelIndexList rows = tableViewFiles->selectionModel()->selectedRows();
-    const int s = rows.isEmpty() ? -1 : rows.front().row();
+    // The table shows the groups sorted and filtered; fileList keeps the
+    // search's order, and selectedRow is its index.
+    const int s = rows.isEmpty() ? -1 : groupsProxy_->mapToSource(rows.front()).row();
     if (s < 0 || static_cast<std::size_t>(s) >= fileList.size()) {
         selectedRow = 0;
         return;
@@ -88,9 +92,16 @@ void ViewControllerDuplicates::tableViewSelectionDidChange() {
 }
 
 void ViewControllerDuplicates::selectGroupRow(int row) {
-    if (row >= 0 && row < groupsModel_->rowCount()) {
-        tableViewFiles->selectRow(row);
-        tableViewFiles->scrollTo(groupsModel_->index(row, 0));
+    // Row indexes fileList; one the filter hides gives way to the first shown.
+    QModelIndex shown = row >= 0 && row < groupsModel_->rowCount()
+                            ? groupsProxy_->mapFromSource(groupsModel_->index(row, 0))
+                            : QModelIndex();
+    if (!shown.isValid() && row >= 0 && groupsProxy_->rowCount() > 0) {
+        shown = groupsProxy_->index(0, 0);
+    }
+    if (shown.isValid()) {
+        tableViewFiles->selectRow(shown.row());
+        tableViewFiles->scrollTo(shown);
         // Selecting the row already selected sends no change; the members
         // table must follow the list all the same.
         tableViewSelectionDidChange();
@@ -120,8 +131,9 @@ void ViewControllerDuplicates::toggleMember(int row) {
     member.checkState = member.checkState == 0 ? 1 : 0;
     // The member just ticked is the one File Info and Show in File Manager
     // act on.
-    const QModelIndex ticked = membersModel_->index(row, MembersModel::ColumnCheck);
-    if (tableViewDuplicates->currentIndex().row() != row) {
+    const int shownRow = membersModel_->rowOf(row);
+    const QModelIndex ticked = membersModel_->index(shownRow, MembersModel::ColumnCheck);
+    if (tableViewDuplicates->currentIndex().row() != shownRow) {
         tableViewDuplicates->setCurrentIndex(ticked);
     }
     // Another entry of the same group (never the case with shared records)
@@ -142,8 +154,10 @@ DuplicateFilePtr ViewControllerDuplicates::selectedMember() const {
     if (!group || !current.isValid()) {
         return nullptr;
     }
-    const auto row = static_cast<std::size_t>(current.row());
-    return row < group->duplicates.size() ? group->duplicates[row] : nullptr;
+    const int member = membersModel_->memberAt(current.row());
+    return member >= 0 && static_cast<std::size_t>(member) < group->duplicates.size()
+               ? group->duplicates[static_cast<std::size_t>(member)]
+               : nullptr;
 }
 
 void ViewControllerDuplicates::OnGoToSourceDirectoryButton() {

@@ -14,6 +14,8 @@
 
 class QCheckBox;
 class QLabel;
+class QLineEdit;
+class QMenu;
 class QProgressBar;
 class QPushButton;
 class QTableView;
@@ -21,6 +23,7 @@ class QTableView;
 namespace twinsweep::ui {
 
 class GroupsModel;
+class GroupsProxy;
 class MembersModel;
 class SegmentedControl;
 
@@ -63,6 +66,15 @@ class ViewControllerDuplicates : public ModalWindow {
     QPushButton* buttonReveal = nullptr;
     QPushButton* buttonInfo = nullptr;
     QPushButton* buttonExport = nullptr;
+    // Our additions above the tables: the listed groups' totals and a filter
+    // on path text (DuplicatesReview.cpp).
+    QLabel* labelTotals = nullptr;
+    QLineEdit* textFieldFilter = nullptr;
+
+    // The menu a right click on a row of table (either table) opens, for
+    // the member on that row (a group's row: its head); null off the rows.
+    // The caller owns it.
+    QMenu* contextMenuAt(QTableView* table, QPoint position);
 
     // The folder of the group at index row of fileList ("" when out of range):
     // what the custom keep window puts in place of an unset folder rule.
@@ -102,6 +114,14 @@ class ViewControllerDuplicates : public ModalWindow {
     void buildCommands();
     void toggleCurrentMember();
 
+    // Totals, filter and context menus (DuplicatesReview.cpp).
+    void buildReview();
+    void showTotals();
+    void setMemberMark(int member, bool marked);
+    void protectFolderOf(const std::string& path);
+    // The index of the group's own entry among its members (0 when none).
+    int headMemberRow(const File& group) const;
+
     // Results update (DuplicatesUpdate.cpp).
     void UpdateResults();
     void ShowResults(ComputedResults results);
@@ -117,7 +137,8 @@ class ViewControllerDuplicates : public ModalWindow {
     // Tables (ViewControllerDuplicates.cpp).
     void tableViewSelectionDidChange();
     void selectGroupRow(int row);
-    void toggleMember(int row);
+    // member: an index into the shown group's list, whatever the rows' order.
+    void toggleMember(int member);
     DuplicateFilePtr selectedMember() const;
 
     // Runs work on the thread pool and done(result) back on the GUI thread,
@@ -128,6 +149,7 @@ class ViewControllerDuplicates : public ModalWindow {
     void waitForBackgroundJobs();
 
     GroupsModel* groupsModel_ = nullptr;
+    GroupsProxy* groupsProxy_ = nullptr;
     MembersModel* membersModel_ = nullptr;
     CategoryFigures shownFigures_;
     int jobsInFlight_ = 0;

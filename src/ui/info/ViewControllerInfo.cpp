@@ -55,11 +55,16 @@ ViewControllerInfo::ViewControllerInfo(QWidget* opener)
     labelExtension = makeValue(contents, QStringLiteral("labelExtension"));
     labelCreationDate = makeValue(contents, QStringLiteral("labelCreationDate"));
     labelModificationDate = makeValue(contents, QStringLiteral("labelModificationDate"));
+    // Our addition: where the file is, the folder that tells copies apart.
+    labelPath = makeValue(contents, QStringLiteral("labelPath"));
+    labelPath->setWordWrap(true);
+    labelPath->setTextFormat(Qt::PlainText);
     form->addRow(QStringLiteral("Name:"), labelFileName);
     form->addRow(QStringLiteral("Size:"), labelFileSize);
     form->addRow(QStringLiteral("Extension:"), labelExtension);
     form->addRow(QStringLiteral("Created:"), labelCreationDate);
     form->addRow(QStringLiteral("Modified:"), labelModificationDate);
+    form->addRow(QStringLiteral("Path:"), labelPath);
     outer->addLayout(form, 1);
     setContents(contents);
     resize(680, 340);
@@ -74,6 +79,7 @@ void ViewControllerInfo::fillLabels(const std::string& path, std::uint64_t group
     labelFileName->setText(
         QFile::decodeName(QByteArray::fromStdString(nameWithoutExtension(path))));
     labelFileSize->setText(QString::fromStdString(FileTools::fileSizeText(groupSize)));
+    labelPath->setText(QFile::decodeName(QByteArray::fromStdString(path)));
     labelExtension->setText(
         QFile::decodeName(QByteArray::fromStdString(extensionKeepingCase(path))));
     // A file gone since the search has no dates: the labels stay empty.

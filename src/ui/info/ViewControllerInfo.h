@@ -27,10 +27,11 @@ class ViewControllerInfo : public ModalWindow {
     QLabel* labelExtension = nullptr;
     QLabel* labelCreationDate = nullptr;
     QLabel* labelModificationDate = nullptr;
+    QLabel* labelPath = nullptr;
     QLabel* imageView = nullptr;
     QProgressBar* progressIndicator = nullptr;
 
-    // The five labels for the member at path in a group of groupSize bytes.
+    // The labels (the path too) for the member at path in a group of groupSize bytes.
     void fillLabels(const std::string& path, std::uint64_t groupSize);
 
     // Whether the preview has arrived, and whether it is the file's picture

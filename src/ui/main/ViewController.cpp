@@ -211,6 +211,11 @@ void ViewController::UpdateSettings() {
     settingsManager->compareLargeFilesByContent = checkCompareLargeFilesByContent->isChecked();
     settingsManager->rememberFingerprints = checkRememberFingerprints->isChecked();
     settingsManager->idleSearch = checkIdleSearch->isChecked();
+    settingsManager->exactKeepTimes = checkExactKeepTimes->isChecked();
+    if (settingsManager->searchAnyLocation != checkSearchAnyLocation->isChecked()) {
+        settingsManager->searchAnyLocation = checkSearchAnyLocation->isChecked();
+        updateOutsideLocationsLine();
+    }
 }
 
 void ViewController::ResetSettings() {
@@ -234,6 +239,8 @@ void ViewController::ResetSettings() {
     checkCompareLargeFilesByContent->setChecked(false);
     checkRememberFingerprints->setChecked(false);
     checkIdleSearch->setChecked(false);
+    checkExactKeepTimes->setChecked(false);
+    checkSearchAnyLocation->setChecked(false);
 
     SettingsManager& s = *settingsManager;
     s.listFolderPaths.clear();
@@ -249,6 +256,8 @@ void ViewController::ResetSettings() {
     s.compareLargeFilesByContent = false;
     s.rememberFingerprints = false;
     s.idleSearch = false;
+    s.exactKeepTimes = false;
+    s.searchAnyLocation = false;
 
     folderModel_->reload();
     extensionModel_->reload();
@@ -275,7 +284,9 @@ void ViewController::ShowDuplicatesWindow() {
 
 void ViewController::updateOutsideLocationsLine() {
     const QString text =
-        outsideLocationsText(LocationGate::processDefault(), settingsManager->listFolderPaths);
+        outsideLocationsText(settingsManager->searchAnyLocation ? LocationGate::anywhere()
+                                                                : LocationGate::processDefault(),
+                             settingsManager->listFolderPaths);
     labelOutsideLocations->setText(text);
     outsideLocationsLine_->setVisible(!text.isEmpty());
 }

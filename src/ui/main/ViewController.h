@@ -61,10 +61,16 @@ class ViewController : public QMainWindow {
     QCheckBox* checkCompareLargeFilesByContent = nullptr;
     QCheckBox* checkRememberFingerprints = nullptr;
     QCheckBox* checkIdleSearch = nullptr;
+    // Keep oldest / keep newest by the exact creation times, not the date texts.
+    QCheckBox* checkExactKeepTimes = nullptr;
+    // The search takes folders outside the searched locations too.
+    QCheckBox* checkSearchAnyLocation = nullptr;
     QPushButton* buttonFindDuplicateFiles = nullptr;
     // Under the folder table: which listed folders the search will not look
     // in, and where it does look. Hidden while there are none.
     QLabel* labelOutsideLocations = nullptr;
+    // Beside that line: ticks "Search any location".
+    QPushButton* buttonSearchAnyLocation = nullptr;
 
   public slots:
     void OnAddFolder();
@@ -101,6 +107,12 @@ class ViewController : public QMainWindow {
     void UpdateSettings();
     void ShowDuplicatesWindow();
     void updateOutsideLocationsLine();
+    // The folder list (with its protected folders) is kept between runs: this
+    // reads the one saved last and saves every later change (SavedChoices.cpp).
+    // The application calls it once for its window; a window made without it
+    // starts empty and saves nothing.
+    void restoreSavedChoices();
+    void saveChoices() const;
     // Whether the window may close; asks first when the title ends in "*".
     bool windowShouldClose();
 
@@ -120,6 +132,7 @@ class ViewController : public QMainWindow {
     FolderModel* folderModel_ = nullptr;
     StringListModel* extensionModel_ = nullptr;
     QWidget* outsideLocationsLine_ = nullptr;
+    bool savesChoices_ = false;
     QAction* actionRemoveExtension_ = nullptr;
     QAction* actionRemoveAllExtensions_ = nullptr;
 };

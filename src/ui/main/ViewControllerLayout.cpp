@@ -70,7 +70,7 @@ void ViewController::buildLayout() {
     FolderModel::fitColumns(tableViewFolders);
     tableViewFolders->setToolTip(QStringLiteral("Add folders with the buttons, or drag them here "
                                                 "from your file manager."));
-    tableViewFolders->setMinimumHeight(150);
+    tableViewFolders->setMinimumHeight(120);
     folderRow->addWidget(tableViewFolders, 1);
     auto* folderButtons = new QVBoxLayout;
     buttonAddFolder =
@@ -132,16 +132,20 @@ void ViewController::buildLayout() {
                                                 "buttonCustomFileTypesRemoveSelected");
     buttonCustomFileTypesRemoveAll = named(new QPushButton(QStringLiteral("Remove All"), types),
                                            "buttonCustomFileTypesRemoveAll");
-    typeGrid->addWidget(radioScanAllFileTypes, 0, 0, 1, 2);
-    typeGrid->addWidget(radioCustomFileTypes, 1, 0, 1, 2);
-    typeGrid->addWidget(tableViewFileTypes, 2, 0, 4, 1);
+    // The two choices share a row: the window fits a small screen.
+    auto* choiceRow = new QHBoxLayout;
+    choiceRow->addWidget(radioScanAllFileTypes);
+    choiceRow->addWidget(radioCustomFileTypes);
+    choiceRow->addStretch(1);
+    typeGrid->addLayout(choiceRow, 0, 0, 1, 2);
+    typeGrid->addWidget(tableViewFileTypes, 1, 0, 4, 1);
     auto* addRow = new QHBoxLayout;
     addRow->addWidget(textFieldCustomFileTypesExtension);
     addRow->addWidget(buttonCustomFileTypesAddFileExtension);
-    typeGrid->addLayout(addRow, 2, 1);
-    typeGrid->addWidget(buttonCustomFileTypesRemoveSelected, 3, 1);
-    typeGrid->addWidget(buttonCustomFileTypesRemoveAll, 4, 1);
-    typeGrid->setRowStretch(5, 1);
+    typeGrid->addLayout(addRow, 1, 1);
+    typeGrid->addWidget(buttonCustomFileTypesRemoveSelected, 2, 1);
+    typeGrid->addWidget(buttonCustomFileTypesRemoveAll, 3, 1);
+    typeGrid->setRowStretch(4, 1);
     typeGrid->setColumnStretch(0, 1);
     for (QPushButton* b : {buttonCustomFileTypesAddFileExtension,
                            buttonCustomFileTypesRemoveSelected, buttonCustomFileTypesRemoveAll}) {
@@ -151,7 +155,7 @@ void ViewController::buildLayout() {
 
     // What cleaning does, and the search options.
     auto* options = new QGroupBox(QStringLiteral("Options"), central);
-    auto* optionRows = new QVBoxLayout(options);
+    auto* optionRows = new QGridLayout(options);
     radioMoveDuplicateFilesToTrash =
         named(new QRadioButton(QStringLiteral("Move duplicate files to the Trash"), options),
               "radioMoveDuplicateFilesToTrash");
@@ -195,11 +199,30 @@ void ViewController::buildLayout() {
     checkIdleSearch->setToolTip(QStringLiteral(
         "The search reads only when no other program is waiting for the disk: slower, "
         "but the desktop stays responsive."));
+    checkExactKeepTimes =
+        named(new QCheckBox(QStringLiteral("Decide oldest and newest by exact time"), options),
+              "checkExactKeepTimes");
+    checkExactKeepTimes->setToolTip(
+        QStringLiteral("Keep Oldest and Keep Newest compare the exact creation times instead of "
+                       "the dates shown, which go by the second on a 12-hour clock."));
+    checkSearchAnyLocation = named(new QCheckBox(QStringLiteral("Search any location"), options),
+                                   "checkSearchAnyLocation");
+    checkSearchAnyLocation->setToolTip(
+        QStringLiteral("Search listed folders wherever they are, not only under /home, /opt and "
+                       "the volume folders."));
+    // Two columns, what cleaning does beside what the search does, so the
+    // window fits a small screen with every option in sight.
+    int row = 0;
     for (QWidget* w : std::initializer_list<QWidget*>{
              radioMoveDuplicateFilesToTrash, radioRemoveDuplicateFilesPermanently,
-             radioReplaceWithHardLinks, radioShareStorage, checkIgnoreBundles,
-             checkCompareLargeFilesByContent, checkRememberFingerprints, checkIdleSearch}) {
-        optionRows->addWidget(w);
+             radioReplaceWithHardLinks, radioShareStorage, checkExactKeepTimes}) {
+        optionRows->addWidget(w, row++, 0);
+    }
+    row = 0;
+    for (QWidget* w : std::initializer_list<QWidget*>{
+             checkIgnoreBundles, checkCompareLargeFilesByContent, checkRememberFingerprints,
+             checkIdleSearch, checkSearchAnyLocation}) {
+        optionRows->addWidget(w, row++, 1);
     }
     page->addWidget(options);
 
@@ -212,7 +235,8 @@ void ViewController::buildLayout() {
     bottom->addWidget(buttonFindDuplicateFiles);
     page->addLayout(bottom);
     setCentralWidget(central);
-    resize(640, 780); // room for every option below a folder table of five rows
+    // Room for a folder table of four rows on a 1366x768 screen with a panel.
+    resize(760, 680);
 
     connect(buttonAddFolder, &QPushButton::clicked, this, &ViewController::OnAddFolder);
     connect(buttonRemoveSelected, &QPushButton::clicked, this, &ViewController::OnRemoveSelected);
@@ -247,6 +271,8 @@ void ViewController::buildLayout() {
     connect(checkRememberFingerprints, &QCheckBox::clicked, this, &ViewController::UpdateSettings);
     connect(checkIdleSearch, &QCheckBox::clicked, this,
             &ViewController::OnCompareLargeFilesByContentChecked); // both just update the settings
+    connect(checkExactKeepTimes, &QCheckBox::clicked, this, &ViewController::UpdateSettings);
+    connect(checkSearchAnyLocation, &QCheckBox::clicked, this, &ViewController::UpdateSettings);
     connect(buttonFindDuplicateFiles, &QPushButton::clicked, this,
             &ViewController::OnFindDuplicateFiles);
 }
@@ -263,11 +289,27 @@ QWidget* ViewController::buildOutsideLocationsLine(QWidget* parent) {
     labelOutsideLocations->setWordWrap(true);
     labelOutsideLocations->setTextFormat(Qt::PlainText);
     row->addWidget(labelOutsideLocations, 1);
+    buttonSearchAnyLocation =
+        named(new QPushButton(QStringLiteral("Search Any Location"), outsideLocationsLine_),
+              "buttonSearchAnyLocation");
+    buttonSearchAnyLocation->setAutoDefault(false);
+    buttonSearchAnyLocation->setToolTip(
+        QStringLiteral("Tick \"Search any location\" so these folders are searched too."));
+    connect(buttonSearchAnyLocation, &QPushButton::clicked, this, [this] {
+        checkSearchAnyLocation->setChecked(true);
+        UpdateSettings();
+    });
+    row->addWidget(buttonSearchAnyLocation, 0, Qt::AlignTop);
     outsideLocationsLine_->hide();
-    const auto update = [this] { updateOutsideLocationsLine(); };
+    const auto update = [this] {
+        updateOutsideLocationsLine();
+        saveChoices();
+    };
     connect(folderModel_, &QAbstractItemModel::modelReset, this, update);
     connect(folderModel_, &QAbstractItemModel::rowsInserted, this, update);
     connect(folderModel_, &QAbstractItemModel::rowsRemoved, this, update);
+    connect(folderModel_, &QAbstractItemModel::rowsMoved, this, update);
+    connect(folderModel_, &QAbstractItemModel::dataChanged, this, [this] { saveChoices(); });
     return outsideLocationsLine_;
 }
 

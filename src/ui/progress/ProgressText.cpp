@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/progress/ProgressText.h"
 
+#include <algorithm>
+
 namespace twinsweep::ui {
 
 ProgressTexts progressTexts(std::int64_t total, std::int64_t checked) {
@@ -17,6 +19,20 @@ ProgressTexts progressTexts(std::int64_t total, std::int64_t checked) {
                          QStringLiteral(" Files Scaned");
     texts.percents =
         QString::asprintf("%.1f", static_cast<double>(texts.percent)) + QLatin1Char('%');
+    return texts;
+}
+
+ProgressTexts progressTexts(std::int64_t total, std::int64_t checked, std::uint64_t bytesDone,
+                            std::uint64_t bytesTotal) {
+    ProgressTexts texts = progressTexts(total, checked);
+    if (bytesTotal > 0) {
+        texts.percent = static_cast<float>(static_cast<double>(std::min(bytesDone, bytesTotal)) /
+                                           static_cast<double>(bytesTotal) * 100.0);
+        texts.percents =
+            QString::asprintf("%.1f", static_cast<double>(texts.percent)) + QLatin1Char('%');
+    } else {
+        texts.busy = checked < 1;
+    }
     return texts;
 }
 

@@ -7,9 +7,11 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <cmath>
 
 #include "engine/FileTools.h"
+#include "engine/LocationGate.h"
 #include "engine/SearchJob.h"
 #include "fingerprints/FingerprintCache.h"
 #include "settings/SettingsManager.h"
@@ -18,6 +20,16 @@
 #include "ui/shell/Alert.h"
 
 namespace twinsweep::ui {
+
+namespace {
+
+void setIfChanged(QLabel* label, const QString& text) {
+    if (label->text() != text) {
+        label->setText(text);
+    }
+}
+
+} // namespace
 
 ViewControllerProgress::ViewControllerProgress(QWidget* opener)
     : ModalWindow(opener), settingsManager(SettingsManager::shared()) {
@@ -37,7 +49,6 @@ ViewControllerProgress::ViewControllerProgress(QWidget* opener)
             }
             latestChecked_.store(checked->second, std::memory_order_relaxed);
             latestTotal_.store(total->second, std::memory_order_relaxed);
-            fresh_.store(true, std::memory_order_release);
         });
     searchFinishedObserver_ =
         ScopedObserver(kSearchThreadFinished, [this](const std::string&, const UserInfo&) {
@@ -102,6 +113,9 @@ void ViewControllerProgress::RunSearch() {
     {
         FileTools tools;
         tools.byteProgress = bytes_;
+        if (settingsManager->searchAnyLocation) {
+            tools.locationGate = LocationGate::anywhere();
+        }
         if (settingsManager->rememberFingerprints) {
             tools.fingerprints = openFingerprintCache(); // says why when there is none
         }
@@ -111,29 +125,29 @@ void ViewControllerProgress::RunSearch() {
 }
 
 void ViewControllerProgress::repaintLatest() {
-    if (fresh_.exchange(false, std::memory_order_acquire)) {
-        ShowProgress(latestTotal_.load(std::memory_order_relaxed),
-                     latestChecked_.load(std::memory_order_relaxed));
-    }
-    // The bytes move while one large file is read and no file count changes.
-    showBytes();
-}
-
-void ViewControllerProgress::showBytes() {
-    const std::int64_t checked = latestChecked_.load(std::memory_order_relaxed);
-    const std::int64_t files = latestTotal_.load(std::memory_order_relaxed);
-    const QString line =
-        QString::fromStdString(timeLeft_.line(*bytes_, TimeLeft::Clock::now(), checked, files));
-    // The bar stays on the files' percentage; the bytes have this line.
-    if (textFieldBytesCompared->text() != line) {
-        textFieldBytesCompared->setText(line);
-    }
+    // Every tick, not only when a count changed: the bytes move while one
+    // large file is read.
+    ShowProgress(latestTotal_.load(std::memory_order_relaxed),
+                 latestChecked_.load(std::memory_order_relaxed));
 }
 
 void ViewControllerProgress::ShowProgress(std::int64_t total, std::int64_t checked) {
-    const ProgressTexts texts = progressTexts(total, checked);
-    textFieldFilesScanned->setText(texts.filesScanned);
-    textFieldPercents->setText(texts.percents);
+    const TimeLeft::Clock::time_point now = TimeLeft::Clock::now();
+    // Times the estimate from the comparison's start, however late it is
+    // first looked at; the figures shown are read once, below.
+    timeLeft_.line(*bytes_, now, checked, total);
+    const std::uint64_t bytesTotal = bytes_->total();
+    const std::uint64_t bytesDone = std::min(bytes_->done(), bytesTotal);
+    const ProgressTexts texts = progressTexts(total, checked, bytesDone, bytesTotal);
+    setIfChanged(textFieldFilesScanned, texts.filesScanned);
+    setIfChanged(textFieldPercents, texts.percents);
+    setIfChanged(textFieldBytesCompared, QString::fromStdString(timeLeft_.line(
+                                             bytesDone, bytesTotal, now, checked, total)));
+    if (texts.busy) {
+        progressIndicator->setRange(0, 0);
+        return;
+    }
+    progressIndicator->setRange(0, 100);
     // The same percentage as the text, to the whole percent the bar can hold.
     progressIndicator->setValue(static_cast<int>(std::lround(texts.percent)));
 }

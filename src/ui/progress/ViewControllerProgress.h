@@ -56,13 +56,11 @@ class ViewControllerProgress : public ModalWindow {
     void buildLayout();
     void RunSearch();
     void repaintLatest();
-    void showBytes();
 
     ScopedObserver updateProgressObserver_;
     ScopedObserver searchFinishedObserver_;
     std::atomic<std::int64_t> latestTotal_{0};
     std::atomic<std::int64_t> latestChecked_{0};
-    std::atomic<bool> fresh_{false};
     // Handed to the engine; read here while its readers add to it.
     std::shared_ptr<ByteProgress> bytes_ = std::make_shared<ByteProgress>();
     TimeLeft timeLeft_;
