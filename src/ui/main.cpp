@@ -42,7 +42,9 @@ int main(int argc, char** argv) {
     twinsweep::ui::AppDelegate delegate(app);
 
     twinsweep::ui::ViewController mainWindow;
-    mainWindow.restoreSavedChoices();
+    // Every start begins from the defaults; the folder list is saved from
+    // now on for File > Reopen Last Folders.
+    mainWindow.rememberChoices();
     mainWindow.show();
     QTimer::singleShot(0, &delegate, [&delegate] { delegate.applicationDidFinishLaunching(); });
     return QApplication::exec();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <QAction>
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QLabel>
@@ -345,10 +346,11 @@ class MainWindowTest : public QObject {
                          window_->buttonFindDuplicateFiles->size());
         QVERIFY(window_->rect().contains(find));
 
-        // The application's own window reads the list saved last and saves
-        // every change; a window that did not ask starts empty.
+        // The application's own window saves every change and starts empty,
+        // from the defaults; File > Reopen Last Folders brings the list back.
         const std::string a = tree_.mkdir("kept/a"), b = tree_.mkdir("kept/b");
-        window_->restoreSavedChoices();
+        window_->rememberChoices();
+        QVERIFY(!window_->hasSavedFolders());
         QCOMPARE(folders(), Paths{});
         window_->addFolders(qt({a, b}));
         window_->tableViewFolders->model()->setData(window_->tableViewFolders->model()->index(1, 1),
@@ -356,8 +358,10 @@ class MainWindowTest : public QObject {
         QCOMPARE(SettingsManager::shared()->protectedFolders, Paths{b});
         window_.reset();
         window_ = std::make_unique<ViewController>();
+        window_->rememberChoices();
         QCOMPARE(folders(), Paths{});
-        window_->restoreSavedChoices();
+        QVERIFY(window_->hasSavedFolders());
+        window_->findChild<QAction*>(u"actionReopenFolders"_s)->trigger();
         QCOMPARE(folders(), (Paths{a, b}));
         QCOMPARE(SettingsManager::shared()->protectedFolders, Paths{b});
         QCOMPARE(window_->tableViewFolders->model()->rowCount(), 2);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The folder list outlives the application: read once when the window starts,
-// written on every change, in the user's configuration folder
-// ($XDG_CONFIG_HOME/twinsweep/twinsweep.ini).
+// The folder list outlives the application: written on every change, in the
+// user's configuration folder ($XDG_CONFIG_HOME/twinsweep/twinsweep.ini).
+// Every start still begins from the defaults, an empty list; File > Reopen
+// Last Folders brings the saved one back.
 #include <QByteArrayList>
 #include <QSettings>
 #include <algorithm>
@@ -43,18 +44,31 @@ std::vector<std::string> asPaths(const QVariant& saved) {
     return out;
 }
 
-} // namespace
-
-void ViewController::restoreSavedChoices() {
-    const QSettings saved = savedChoices();
+// A folder removed or renamed since is left out, as the add panel would.
+std::vector<std::string> savedFolders(const QSettings& saved) {
     std::vector<std::string> folders;
-    // A folder removed or renamed since is left out, as the add panel would.
     for (std::string& path : asPaths(saved.value(QString::fromLatin1(kFolders)))) {
         struct stat info {};
         if (::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
             folders.push_back(std::move(path));
         }
     }
+    return folders;
+}
+
+} // namespace
+
+void ViewController::rememberChoices() {
+    savesChoices_ = true;
+}
+
+bool ViewController::hasSavedFolders() const {
+    return !savedFolders(savedChoices()).empty();
+}
+
+void ViewController::restoreSavedChoices() {
+    const QSettings saved = savedChoices();
+    std::vector<std::string> folders = savedFolders(saved);
     std::vector<std::string> protectedFolders;
     for (std::string& path : asPaths(saved.value(QString::fromLatin1(kProtected)))) {
         if (std::find(folders.begin(), folders.end(), path) != folders.end()) {

@@ -111,6 +111,10 @@ class ViewController : public QMainWindow {
     // reads the one saved last and saves every later change (SavedChoices.cpp).
     // The application calls it once for its window; a window made without it
     // starts empty and saves nothing.
+    // Saves the folder list from now on, for File > Reopen Last Folders.
+    void rememberChoices();
+    bool hasSavedFolders() const;
+    // Brings back the folder list saved last (and saves from now on).
     void restoreSavedChoices();
     void saveChoices() const;
     // Whether the window may close; asks first when the title ends in "*".

@@ -322,6 +322,12 @@ void ViewController::buildMenus() {
     addCommand(file, QStringLiteral("&Add Folder..."), QKeySequence::Open, [this] {
         OnAddFolder();
     })->setObjectName(QStringLiteral("actionAddFolder"));
+    QAction* reopen = addCommand(file, QStringLiteral("&Reopen Last Folders"),
+                                 QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O),
+                                 [this] { restoreSavedChoices(); });
+    reopen->setObjectName(QStringLiteral("actionReopenFolders"));
+    connect(file, &QMenu::aboutToShow, this,
+            [this, reopen] { reopen->setEnabled(hasSavedFolders()); });
     addCommand(file, QStringLiteral("&Find Duplicate Files"), QKeySequence::Find, [this] {
         OnFindDuplicateFiles();
     })->setObjectName(QStringLiteral("actionFindDuplicateFiles"));
