@@ -106,6 +106,9 @@ class SettingsManager {
     bool rememberFingerprints = false;
     // Our extra option: the search reads at idle I/O priority.
     bool idleSearch = false;
+    // Our addition: the diagnostic lines of the window's last search (items
+    // that could not be read), which the results window counts.
+    std::vector<std::string> searchRefusals;
 };
 
 } // namespace twinsweep

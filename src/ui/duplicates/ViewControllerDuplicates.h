@@ -63,6 +63,9 @@ class ViewControllerDuplicates : public ModalWindow {
     QPushButton* buttonReveal = nullptr;
     QPushButton* buttonInfo = nullptr;
     QPushButton* buttonExport = nullptr;
+    // "N items could not be read" by the search, its lines as the tip;
+    // hidden when the search read everything.
+    QLabel* textFieldUnread = nullptr;
 
     // The folder of the group at index row of fileList ("" when out of range):
     // what the custom keep window puts in place of an unset folder rule.
