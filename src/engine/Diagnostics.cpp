@@ -46,16 +46,15 @@ void Diagnostics::report(std::string_view prefix, std::string_view path, int err
 }
 
 void DescriptorDiagnostics::write(const std::string& line) {
+    const std::string whole = line + "\n";
     std::lock_guard guard(lock_);
     if (fd_ == STDOUT_FILENO) {
         // Through the stream: whatever else the program wrote there stays
         // in the order it was written.
-        std::fwrite(line.data(), 1, line.size(), stdout);
-        std::fputc('\n', stdout);
+        std::fwrite(whole.data(), 1, whole.size(), stdout);
         std::fflush(stdout);
         return;
     }
-    const std::string whole = line + "\n";
     for (std::size_t done = 0; done < whole.size();) {
         const ssize_t n = ::write(fd_, whole.data() + done, whole.size() - done);
         if (n < 0 && errno == EINTR) {
