@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Times the phases of one search (walk, sort, comparison, collection) from
-// the progress posts. Usage: search-phases FOLDER [DIGEST_THREADS]
+// Times the phases of one search (walk, size order, comparison, collection)
+// as the search context records them. Usage: search-phases FOLDER [DIGEST_THREADS]
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -22,34 +22,19 @@ int main(int argc, char** argv) {
     if (argc > 2) {
         tools.digestThreads = static_cast<unsigned>(std::atoi(argv[2]));
     }
+    const AtomicFlag never;
+    SearchContext context(never);
     const auto start = Clock::now();
-    Clock::time_point walkEnd = start;
-    Clock::time_point compareStart{};
-    Clock::time_point compareEnd{};
-    ScopedObserver progress(kUpdateProgress, [&](const std::string&, const UserInfo& info) {
-        const auto now = Clock::now();
-        const std::int64_t checked = info.at(kCheckedFiles);
-        if (checked == 0) {
-            walkEnd = now;
-        } else if (checked == 1) {
-            compareStart = now;
-        }
-        if (checked == info.at(kTotalFiles)) {
-            compareEnd = now;
-        }
-    });
-    const FileList heads = tools.findDuplicateFiles({argv[1]}, 1, UINT64_MAX, true, {});
-    const auto end = Clock::now();
-    auto ms = [](Clock::duration d) {
-        return std::chrono::duration_cast<std::chrono::microseconds>(d).count() / 1000.0;
-    };
+    const FileList heads = tools.findDuplicateFiles(context, {argv[1]}, 1, UINT64_MAX, true, {});
+    const std::chrono::duration<double, std::milli> total = Clock::now() - start;
     std::size_t groups = 0;
     for (const FilePtr& h : heads) {
         groups += h->duplicates.empty() ? 0 : 1;
     }
-    std::printf("files %zu groups %zu | walk %.1f ms, sort %.1f ms, compare %.1f ms, collect "
-                "%.1f ms, total %.1f ms\n",
-                tools.fileList.size(), groups, ms(walkEnd - start), ms(compareStart - walkEnd),
-                ms(compareEnd - compareStart), ms(end - compareEnd), ms(end - start));
+    std::printf("files %zu groups %zu |", tools.fileList.size(), groups);
+    for (const PhaseProgress::Timing& t : context.phases.timings()) {
+        std::printf(" %s %.1f ms,", std::string(phaseName(t.phase)).c_str(), t.seconds * 1000);
+    }
+    std::printf(" total %.1f ms\n", total.count());
     return 0;
 }

@@ -175,6 +175,11 @@ const std::vector<OptionRule>& optionRules() {
              o.idle = true;
              return std::string();
          }},
+        {"--verbose", false,
+         [](Options& o, const std::string&) {
+             o.verbose = true;
+             return std::string();
+         }},
         {"--apply", true,
          [](Options& o, const std::string& v) {
              if (v.empty()) {

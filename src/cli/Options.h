@@ -23,7 +23,8 @@ struct Options {
     std::vector<std::string> extensions; // lower-case, no dot; empty: every type
     bool ignorePackages = true;
     bool compareLargeByContent = false;
-    bool idle = false; // --idle: the search reads at idle I/O priority
+    bool idle = false;    // --idle: the search reads at idle I/O priority
+    bool verbose = false; // --verbose: each phase's time on standard error after the search
     Locations locations = Locations::PlatformDefault;
     std::string locationRoot;
     OutputFormat format = OutputFormat::Text;

@@ -5,6 +5,8 @@
 #include <string>
 #include <unistd.h>
 
+#include "engine/FileTools.h"
+
 namespace twinsweep::cli {
 
 namespace {
@@ -24,20 +26,8 @@ void writeAll(int fd, const char* data, std::size_t length) {
 
 } // namespace
 
-TerminalProgress::TerminalProgress(int fd, std::shared_ptr<const ByteProgress> bytes)
-    : fd_(fd), bytes_(std::move(bytes)),
-      observer_(kUpdateProgress,
-                [this](const std::string&, const UserInfo& info) {
-                    // Called for every entry and every comparison step: only note the counts.
-                    const auto total = info.find(kTotalFiles);
-                    const auto checked = info.find(kCheckedFiles);
-                    total_.store(total == info.end() ? 0 : total->second,
-                                 std::memory_order_relaxed);
-                    checked_.store(checked == info.end() ? 0 : checked->second,
-                                   std::memory_order_relaxed);
-                    counted_.store(true, std::memory_order_relaxed);
-                }),
-      drawer_([this] { draw(); }) {}
+TerminalProgress::TerminalProgress(int fd, const SearchContext& context)
+    : fd_(fd), context_(context), drawer_([this] { draw(); }) {}
 
 TerminalProgress::~TerminalProgress() {
     finish();
@@ -46,35 +36,43 @@ TerminalProgress::~TerminalProgress() {
 void TerminalProgress::draw() {
     std::unique_lock guard(lock_);
     while (!wake_.wait_for(guard, kInterval, [this] { return stop_; })) {
-        if (counted_.load(std::memory_order_relaxed)) {
-            show(total_.load(std::memory_order_relaxed), checked_.load(std::memory_order_relaxed));
-        }
+        show();
     }
 }
 
-void TerminalProgress::show(std::int64_t total, std::int64_t checked) {
-    std::string line;
-    char counts[96];
-    if (checked == 0) {
-        std::snprintf(counts, sizeof counts, "\r\033[KFiles found: %lld",
-                      static_cast<long long>(total));
-        line = counts;
-    } else {
-        std::snprintf(counts, sizeof counts, "\r\033[KFiles checked: %lld of %lld",
-                      static_cast<long long>(checked), static_cast<long long>(total));
-        line = counts;
+std::string TerminalProgress::text(const PhaseProgress::Figures& f, const std::string& bytes) {
+    std::string line(phaseName(f.phase));
+    line += ": " + std::to_string(f.items);
+    if (f.itemsTotal > 0) {
+        line += " of " + std::to_string(f.itemsTotal);
     }
-    const std::string bytes =
-        timeLeft_.line(*bytes_, TimeLeft::Clock::now(), checked, total);
-    if (!bytes.empty()) {
-        line += "; " + bytes;
+    line += " files";
+    if (f.phase == SearchPhase::Comparison) {
+        if (!bytes.empty()) {
+            line += "; " + bytes;
+        }
+    } else if (f.phase != SearchPhase::Collection) {
+        line += ", " + FileTools::fileSizeText(f.bytes);
     }
+    return line;
+}
+
+void TerminalProgress::show() {
+    const PhaseProgress::Figures f = context_.figures();
+    if (!f.started) {
+        return;
+    }
+    const std::string bytes = f.phase == SearchPhase::Comparison
+                                  ? timeLeft_.line(*context_.bytes, TimeLeft::Clock::now(),
+                                                   static_cast<std::int64_t>(f.items),
+                                                   static_cast<std::int64_t>(f.itemsTotal))
+                                  : std::string();
+    const std::string line = "\r\033[K" + text(f, bytes);
     writeAll(fd_, line.data(), line.size());
     shown_ = true;
 }
 
 void TerminalProgress::finish() {
-    observer_.reset();
     {
         std::lock_guard guard(lock_);
         stop_ = true;

@@ -8,34 +8,35 @@
 #include <mutex>
 #include <thread>
 
+#include <string>
+
 #include "engine/ByteProgress.h"
-#include "engine/NotificationCenter.h"
+#include "engine/SearchContext.h"
 
 namespace twinsweep::cli {
 
-// Shows the search's counts on one terminal line, a few times a second:
-// files found during the walk, then files checked out of the total with the
-// bytes compared and the time left. Drawn by its own thread, so the line
-// moves while one large file is read and no count changes.
+// Shows the search's phase and its figures on one terminal line, a few times
+// a second: files and bytes found during the walk, then files checked out of
+// the total with the bytes compared and the time left. Drawn by its own
+// thread, so the line moves while one large file is read and no count changes.
 class TerminalProgress {
   public:
-    TerminalProgress(int fd, std::shared_ptr<const ByteProgress> bytes);
+    // context must outlive the object.
+    TerminalProgress(int fd, const SearchContext& context);
+    // The line for these figures (without the terminal's control codes).
+    static std::string text(const PhaseProgress::Figures& figures, const std::string& bytes);
     ~TerminalProgress();
     // Stops drawing and clears the line.
     void finish();
 
   private:
     void draw();
-    void show(std::int64_t total, std::int64_t checked);
+    void show();
 
     int fd_;
-    std::shared_ptr<const ByteProgress> bytes_;
+    const SearchContext& context_;
     TimeLeft timeLeft_;
-    std::atomic<std::int64_t> total_{0};
-    std::atomic<std::int64_t> checked_{0};
-    std::atomic<bool> counted_{false};
     bool shown_ = false;
-    ScopedObserver observer_;
 
     std::mutex lock_;
     std::condition_variable wake_;

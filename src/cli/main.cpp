@@ -8,6 +8,7 @@
 #include <limits.h>
 #include <memory>
 #include <poll.h>
+#include <string>
 #include <string_view>
 #include <unistd.h>
 
@@ -20,6 +21,7 @@
 #include "cli/Undo.h"
 #include "engine/FileTools.h"
 #include "engine/ProtectedFolders.h"
+#include "engine/SearchContext.h"
 #include "engine/SearchJob.h"
 #include "fingerprints/FingerprintCache.h"
 #include "removal/PlatformRemover.h"
@@ -41,6 +43,16 @@ extern "C" void onInterrupt(int sig) {
     lastSignal = sig;
     if (cancelFlag != nullptr) {
         cancelFlag->store(true);
+    }
+}
+
+// One line per phase that ran, in order: its name, seconds, items and bytes.
+void printPhaseTimings(const PhaseProgress& phases) {
+    for (const PhaseProgress::Timing& t : phases.timings()) {
+        std::fprintf(stderr, "twinsweep-cli: %s: %.3f s, %llu items, %llu bytes\n",
+                     std::string(phaseName(t.phase)).c_str(), t.seconds,
+                     static_cast<unsigned long long>(t.items),
+                     static_cast<unsigned long long>(t.bytes));
     }
 }
 
@@ -180,11 +192,12 @@ int main(int argc, char** argv) {
     }
     ::signal(SIGPIPE, SIG_IGN);
 
-    // The engine writes its diagnostic lines to standard output; keep them
-    // out of the report by sending them to standard error during the search.
-    std::fflush(stdout);
-    const int reportFd = ::dup(STDOUT_FILENO);
-    ::dup2(STDERR_FILENO, STDOUT_FILENO);
+    // Diagnostic lines (the search's, the fingerprint store's, the clean's)
+    // go to standard error: standard output carries the report alone.
+    static DescriptorDiagnostics errors(STDERR_FILENO);
+    setProcessDiagnostics(&errors);
+    const int reportFd = STDOUT_FILENO;
+    SearchContext context(settings->searchCanceledByUser, errors);
 
     // The engine lives until the process ends: tearing down a million
     // records only to exit would cost time for nothing.
@@ -207,9 +220,13 @@ int main(int argc, char** argv) {
     } else {
         std::unique_ptr<cli::TerminalProgress> progress;
         if (::isatty(STDERR_FILENO)) {
-            progress = std::make_unique<cli::TerminalProgress>(STDERR_FILENO, tools->byteProgress);
+            progress = std::make_unique<cli::TerminalProgress>(STDERR_FILENO, context);
         }
-        completed = runSearchJob(*settings, *tools);
+        completed = runSearchJob(*settings, *tools, context);
+        progress.reset();
+        if (options.verbose) {
+            printPhaseTimings(context.phases);
+        }
     }
 
     if (!completed || settings->searchCanceledByUser.load()) {

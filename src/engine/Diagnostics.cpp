@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/Diagnostics.h"
 
+#include <atomic>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <mutex>
-#include <string>
+#include <unistd.h>
 
 namespace twinsweep {
 
@@ -30,22 +31,94 @@ void appendEscaped(std::string& out, std::string_view text) {
     }
 }
 
-void printErrorLine(std::string_view prefix, std::string_view description) {
-    static std::mutex lock;
+void Diagnostics::report(std::string_view prefix, std::string_view description) {
     std::string line;
-    line.reserve(prefix.size() + description.size() + 1);
+    line.reserve(prefix.size() + description.size());
     line.append(prefix);
     appendEscaped(line, description);
-    line.push_back('\n');
-    std::lock_guard guard(lock);
-    std::fwrite(line.data(), 1, line.size(), stdout);
-    std::fflush(stdout);
+    write(line);
+}
+
+void Diagnostics::report(std::string_view prefix, std::string_view path, int err) {
+    std::string description(path);
+    description.append(": ").append(std::strerror(err));
+    report(prefix, description);
+}
+
+void DescriptorDiagnostics::write(const std::string& line) {
+    const std::string whole = line + "\n";
+    std::lock_guard guard(lock_);
+    if (fd_ == STDOUT_FILENO) {
+        // Through the stream: whatever else the program wrote there stays
+        // in the order it was written.
+        std::fwrite(whole.data(), 1, whole.size(), stdout);
+        std::fflush(stdout);
+        return;
+    }
+    for (std::size_t done = 0; done < whole.size();) {
+        const ssize_t n = ::write(fd_, whole.data() + done, whole.size() - done);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return; // a diagnostic that can't be written is not worth a second one
+        }
+        done += static_cast<std::size_t>(n);
+    }
+}
+
+std::vector<std::string> CollectedDiagnostics::lines() const {
+    std::lock_guard guard(lock_);
+    return lines_;
+}
+
+std::size_t CollectedDiagnostics::count() const {
+    std::lock_guard guard(lock_);
+    return lines_.size();
+}
+
+void CollectedDiagnostics::write(const std::string& line) {
+    if (forward_ != nullptr) {
+        forward_->write(line);
+    }
+    std::lock_guard guard(lock_);
+    lines_.push_back(line);
+}
+
+namespace {
+
+DescriptorDiagnostics& standardOutput() {
+    static DescriptorDiagnostics sink(STDOUT_FILENO);
+    return sink;
+}
+
+std::atomic<Diagnostics*> processSink{nullptr};
+
+class ProcessForwarder final : public Diagnostics {
+  public:
+    void write(const std::string& line) override {
+        Diagnostics* sink = processSink.load(std::memory_order_acquire);
+        (sink != nullptr ? *sink : standardOutput()).write(line);
+    }
+};
+
+} // namespace
+
+Diagnostics& processDiagnostics() {
+    static ProcessForwarder forwarder;
+    return forwarder;
+}
+
+Diagnostics* setProcessDiagnostics(Diagnostics* sink) {
+    return processSink.exchange(sink, std::memory_order_acq_rel);
+}
+
+void printErrorLine(std::string_view prefix, std::string_view description) {
+    processDiagnostics().report(prefix, description);
 }
 
 void printErrorLine(std::string_view prefix, std::string_view path, int err) {
-    std::string description(path);
-    description.append(": ").append(std::strerror(err));
-    printErrorLine(prefix, description);
+    processDiagnostics().report(prefix, path, err);
 }
 
 } // namespace twinsweep

@@ -34,9 +34,9 @@ unsigned readersAllowedByOpenFiles() {
 
 DigestPipeline::DigestPipeline(const FileList& list, std::vector<Run> runs, unsigned threads,
                                const AtomicFlag& cancel, ByteProgress& progress,
-                               FingerprintStore* store)
-    : list_(list), runs_(std::move(runs)), cancel_(cancel), progress_(progress), store_(store),
-      next_(runs_.size()), done_(runs_.size(), 0) {
+                               Diagnostics& diagnostics, FingerprintStore* store)
+    : list_(list), runs_(std::move(runs)), cancel_(cancel), progress_(progress),
+      diagnostics_(diagnostics), store_(store), next_(runs_.size()), done_(runs_.size(), 0) {
     warmReaders_ = std::max(1U, threads);
     coldReaders_ = std::max(warmReaders_, readersAllowedByOpenFiles());
     workers_.reserve(coldReaders_);
@@ -126,8 +126,8 @@ bool DigestPipeline::digestRun(std::size_t r) {
     const std::size_t count = run.end - run.begin;
     std::vector<std::uint32_t>& next = next_[r];
     std::vector<std::uint32_t> setOf;
-    if (!compareRunContents(list_, run.begin, run.end, cancel_, signals_, progress_, store_,
-                            setOf)) {
+    if (!compareRunContents(list_, run.begin, run.end, cancel_, signals_, progress_, diagnostics_,
+                            store_, setOf)) {
         return false;
     }
     // Link each member of a set to the next one of the same set.

@@ -13,6 +13,7 @@
 namespace twinsweep {
 
 class AtomicFlag;
+class Diagnostics;
 class FingerprintStore;
 
 // Compares the contents within the equal-size runs of a sorted file list on
@@ -27,7 +28,7 @@ class DigestPipeline {
     };
 
     DigestPipeline(const FileList& list, std::vector<Run> runs, unsigned threads,
-                   const AtomicFlag& cancel, ByteProgress& progress,
+                   const AtomicFlag& cancel, ByteProgress& progress, Diagnostics& diagnostics,
                    FingerprintStore* store = nullptr);
     ~DigestPipeline();
     DigestPipeline(const DigestPipeline&) = delete;
@@ -48,6 +49,7 @@ class DigestPipeline {
     std::vector<Run> runs_;
     const AtomicFlag& cancel_;
     ByteProgress& progress_;
+    Diagnostics& diagnostics_;
     FingerprintStore* store_; // remembered fingerprints; none when null
     // Per run, per member: distance to the next member with the same digest.
     std::vector<std::vector<std::uint32_t>> next_;

@@ -9,7 +9,9 @@ namespace twinsweep {
 void fillExtensionLists(FileTools& tools);
 
 FileTools::FileTools()
-    : settingsManager(SettingsManager::shared()), locationGate(LocationGate::processDefault()) {
+    : settingsManager(SettingsManager::shared()), locationGate(LocationGate::processDefault()),
+      neverCancelled_(std::make_unique<AtomicFlag>(false)),
+      ownContext_(std::make_unique<SearchContext>(*neverCancelled_)), context_(ownContext_.get()) {
     fillExtensionLists(*this);
     for (const std::string& ext : packageExtension) {
         packageSet_.insert(ext);
@@ -19,7 +21,7 @@ FileTools::FileTools()
 FileTools::~FileTools() = default;
 
 bool FileTools::canceled() const {
-    return settingsManager->searchCanceledByUser.load();
+    return context_->canceled();
 }
 
 void FileTools::post(const std::string& name) {
@@ -37,6 +39,19 @@ void FileTools::postWalkProgress() {
     }
     *totalFilesSlot_ = static_cast<std::int64_t>(fileList.size());
     *checkedFilesSlot_ = 0;
+    for (; walkCounted_ < fileList.size(); ++walkCounted_) {
+        walkBytes_ += fileList[walkCounted_]->size;
+    }
+    context_->phases.advance(fileList.size(), walkBytes_);
+    post(kUpdateProgress);
+}
+
+void FileTools::postComparisonStep(std::size_t i) {
+    if (checkedFilesSlot_ == nullptr) {
+        checkedFilesSlot_ = &userInfo[kCheckedFiles];
+    }
+    *checkedFilesSlot_ = static_cast<std::int64_t>(i) + 1;
+    context_->phases.advance(i + 1, 0);
     post(kUpdateProgress);
 }
 

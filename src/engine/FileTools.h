@@ -16,16 +16,20 @@
 #include "engine/Fingerprints.h"
 #include "engine/LocationGate.h"
 #include "engine/NotificationCenter.h"
+#include "engine/SearchContext.h"
 
 namespace twinsweep {
 
+class AtomicFlag;
 class SettingsManager;
 
 enum class DateKind { Creation, Modification };
 
 // The scan engine. One object per search, or wherever a list, a measure or a
 // text is needed. Its operations live in files by concern: ExtensionLists.cpp,
-// Walker.cpp, Grouping.cpp, SearchRun.cpp, Categories.cpp, Formatting.cpp.
+// Walker.cpp, Grouping.cpp, SearchRun.cpp, Comparison.cpp, Categories.cpp,
+// Formatting.cpp. A search reads no settings: its starter hands in a
+// SearchContext.
 class FileTools {
   public:
     FileTools();
@@ -47,8 +51,8 @@ class FileTools {
     LocationGate locationGate;
     // Our extra option: files of 100 MiB and more are compared by content too.
     bool compareLargeFilesByContent = false;
-    // Threads that read and digest contents ahead of the comparison; 0 digests
-    // each file on the search thread when the comparison first needs it.
+    // Threads that read and compare contents ahead of the comparison loop
+    // (0 counts as 1).
     unsigned digestThreads = defaultDigestThreads();
     static unsigned defaultDigestThreads();
     // Threads that list folders and read attributes ahead of the walk, which
@@ -62,9 +66,13 @@ class FileTools {
     // comparison on threads trusts them for runs whose every file is
     // remembered unchanged, and remembers what it reads. None: every run is read.
     std::shared_ptr<FingerprintStore> fingerprints;
-    // Bytes to compare and compared so far, for the progress displays, which
-    // may hand in their own before the search starts.
-    std::shared_ptr<ByteProgress> byteProgress = std::make_shared<ByteProgress>();
+
+    // The context that the walk, the comparison and their diagnostics use:
+    // a run's own during findDuplicateFiles, else the one set here (the
+    // engine's own until then, with a cancel flag nobody sets).
+    void useContext(SearchContext& context) { context_ = &context; }
+    SearchContext& context() const { return *context_; }
+    Diagnostics& diagnostics() const { return context_->diagnostics; }
 
     // --- Walk (Walker.cpp) ---
     // Appends accepted files to fileList in walk order. Every call, the top
@@ -87,10 +95,22 @@ class FileTools {
     // compared by size alone. Safe to call from several threads.
     std::string digestText(File& file) const;
 
-    // --- Search run (SearchRun.cpp) ---
-    FileList findDuplicateFiles(const std::vector<std::string>& folders, std::uint64_t minimum,
-                                std::uint64_t maximum, bool ignorePackages,
+    // --- Search run (SearchRun.cpp, Comparison.cpp) ---
+    // The whole run over context, phase by phase: walk, size order,
+    // comparison, collection. Cancelled: "SearchThreadFinished" once, nothing
+    // returned.
+    FileList findDuplicateFiles(SearchContext& context, const std::vector<std::string>& folders,
+                                std::uint64_t minimum, std::uint64_t maximum, bool ignorePackages,
                                 const std::vector<std::string>& extensions);
+    // The phases one by one, on the context in use. Each but the walk returns
+    // false when it found the run cancelled (nothing posted yet: the caller
+    // posts the one "SearchThreadFinished").
+    void walkPhase(const std::vector<std::string>& folders, bool ignorePackages,
+                   const std::vector<std::string>& extensions, std::uint64_t minimum,
+                   std::uint64_t maximum);
+    bool sizeOrderPhase();
+    bool comparisonPhase();
+    std::optional<FileList> collectionPhase();
     static std::vector<std::string> removeNestedFolders(const std::vector<std::string>& folders);
 
     // --- Categories (Categories.cpp) ---
@@ -116,14 +136,20 @@ class FileTools {
     // Whether the last run ended by cancellation ("SearchThreadFinished" posted).
     bool runWasCancelled() const { return finishedPosted_; }
 
-  private:
-    struct WalkState;
-    // The comparison steps; false when the run was cancelled (already posted).
-    bool compareFiles();
-    // Drops a file met again under another name that the walk let through.
-    void takeEachFileOnce();
+    // Sets "checkedFiles" to i + 1 and posts "UpdateProgress": the start of
+    // comparison step i.
+    void postComparisonStep(std::size_t i);
+    // Whether files of this size are compared by their contents (else by size).
     bool byContent(std::uint64_t size) const;
     DuplicateFilePtr memberFor(const File& file) const;
+
+  private:
+    struct WalkState;
+    struct Runs;
+    Runs contentRuns() const;
+    bool compareBySize(std::size_t i);
+    // Drops a file met again under another name that the walk let through.
+    void takeEachFileOnce();
     class Walk;
     friend class Walk;
     std::uint64_t packageSizeAt(int parentFd, const std::string& name, const std::string& path);
@@ -133,6 +159,12 @@ class FileTools {
     std::int64_t* totalFilesSlot_ = nullptr;
     std::int64_t* checkedFilesSlot_ = nullptr;
     bool finishedPosted_ = false;
+    // The walk's bytes so far: the sizes of fileList up to walkCounted_.
+    std::size_t walkCounted_ = 0;
+    std::uint64_t walkBytes_ = 0;
+    std::unique_ptr<AtomicFlag> neverCancelled_;
+    std::unique_ptr<SearchContext> ownContext_;
+    SearchContext* context_;
 };
 
 } // namespace twinsweep

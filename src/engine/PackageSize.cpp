@@ -51,7 +51,8 @@ std::uint64_t FileTools::packageSizeAt(int parentFd, const std::string& name,
         FolderFdPtr fd =
             at == -1 ? nullptr : gatherListing(*node, at, n.c_str(), p, nullptr, false);
         if (!fd) {
-            printErrorLine("Ooops! Something went wrong: ", p, at == -1 ? errno : node->error);
+            diagnostics().report("Ooops! Something went wrong: ", p,
+                                 at == -1 ? errno : node->error);
             return;
         }
         if (!active.insert({node->device, node->inode}).second) {
@@ -87,7 +88,7 @@ std::uint64_t FileTools::packageSizeAt(int parentFd, const std::string& name,
         }
         struct stat own {};
         if (::fstatat(dirFd, n.c_str(), &own, AT_SYMLINK_NOFOLLOW) != 0) {
-            printErrorLine("Error: ", p, errno);
+            diagnostics().report("Error: ", p, errno);
             continue;
         }
         total += static_cast<std::uint64_t>(own.st_size);

@@ -68,10 +68,11 @@ long readFirst(int fd, unsigned char* data, std::size_t length, bool& cold) {
 class RunComparer final : public RunFiles {
   public:
     RunComparer(const FileList& list, std::size_t begin, std::size_t end, const AtomicFlag& cancel,
-                ReadSignals& signals, ByteProgress& progress, FingerprintStore* store,
-                std::vector<std::uint32_t>& setOf)
+                ReadSignals& signals, ByteProgress& progress, Diagnostics& diagnostics,
+                FingerprintStore* store, std::vector<std::uint32_t>& setOf)
         : list_(list), begin_(begin), count_(end - begin), cancel_(cancel), signals_(signals),
-          progress_(progress), budget_(count_ * list[begin]->size), setOf_(setOf) {
+          progress_(progress), diagnostics_(diagnostics), budget_(count_ * list[begin]->size),
+          setOf_(setOf) {
         setOf_.assign(count_, 0);
         if (store != nullptr) {
             prints_.emplace(list, begin, count_, *store);
@@ -175,7 +176,7 @@ class RunComparer final : public RunFiles {
     }
 
     void unreadable(std::size_t k) override {
-        printErrorLine(kOoops, file(k).path, errno);
+        diagnostics_.report(kOoops, file(k).path, errno);
         empty_.push_back(k);
         if (prints_) {
             prints_->failed(k);
@@ -359,6 +360,7 @@ class RunComparer final : public RunFiles {
     const AtomicFlag& cancel_;
     ReadSignals& signals_;
     ByteProgress& progress_;
+    Diagnostics& diagnostics_;
     const std::uint64_t budget_; // the run's share of the bytes to compare
     std::uint64_t counted_ = 0;
     std::vector<std::uint32_t>& setOf_;
@@ -373,8 +375,10 @@ class RunComparer final : public RunFiles {
 
 bool compareRunContents(const FileList& list, std::size_t begin, std::size_t end,
                         const AtomicFlag& cancel, ReadSignals& signals, ByteProgress& progress,
-                        FingerprintStore* store, std::vector<std::uint32_t>& setOf) {
-    return RunComparer(list, begin, end, cancel, signals, progress, store, setOf).run();
+                        Diagnostics& diagnostics, FingerprintStore* store,
+                        std::vector<std::uint32_t>& setOf) {
+    return RunComparer(list, begin, end, cancel, signals, progress, diagnostics, store, setOf)
+        .run();
 }
 
 } // namespace twinsweep

@@ -13,6 +13,7 @@
 namespace twinsweep {
 
 class AtomicFlag;
+class Diagnostics;
 class FingerprintStore;
 
 // What the readers of one search tell each other; relaxed counters, read for
@@ -56,6 +57,7 @@ struct ReadSignals {
 // read as without one, and its members are remembered (see RunFingerprints).
 bool compareRunContents(const FileList& list, std::size_t begin, std::size_t end,
                         const AtomicFlag& cancel, ReadSignals& signals, ByteProgress& progress,
-                        FingerprintStore* store, std::vector<std::uint32_t>& setOf);
+                        Diagnostics& diagnostics, FingerprintStore* store,
+                        std::vector<std::uint32_t>& setOf);
 
 } // namespace twinsweep

@@ -31,6 +31,11 @@ void dropSecondViews(File& group, const SameFile& sameFile) {
 } // namespace
 
 bool runSearchJob(SettingsManager& settings, FileTools& tools) {
+    SearchContext context(settings.searchCanceledByUser);
+    return runSearchJob(settings, tools, context);
+}
+
+bool runSearchJob(SettingsManager& settings, FileTools& tools, SearchContext& context) {
     tools.compareLargeFilesByContent = settings.compareLargeFilesByContent;
     // The reading threads start below and inherit it.
     const IdleIoPriority idle(settings.idleSearch);
@@ -38,7 +43,7 @@ bool runSearchJob(SettingsManager& settings, FileTools& tools) {
     const std::vector<std::string> extensions =
         settings.customFileTypes ? settings.listFileExtensions : std::vector<std::string>{};
     settings.fileList =
-        tools.findDuplicateFiles(settings.listFolderPaths, settings.minimumFileSize,
+        tools.findDuplicateFiles(context, settings.listFolderPaths, settings.minimumFileSize,
                                  settings.maximumFileSize, settings.ignorePackages, extensions);
     const bool completed = !tools.runWasCancelled();
     const SameFile sameFile;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The search run: nested folders dropped, walk, size order, comparison,
-// collection of the group heads, with progress and cancellation throughout.
+// The search run: nested folders dropped, then its phases (walk, size order,
+// comparison in Comparison.cpp, collection of the group heads) over the
+// context its starter hands in, with one way out for a cancelled run.
 #include <algorithm>
 #include <optional>
 #include <set>
@@ -8,9 +9,7 @@
 #include <thread>
 
 #include "engine/Digest.h"
-#include "engine/DigestPipeline.h"
 #include "engine/FileTools.h"
-#include "settings/SettingsManager.h"
 
 namespace twinsweep {
 
@@ -66,48 +65,96 @@ DuplicateFilePtr FileTools::memberFor(const File& file) const {
     return member;
 }
 
-FileList FileTools::findDuplicateFiles(const std::vector<std::string>& folders,
+FileList FileTools::findDuplicateFiles(SearchContext& context,
+                                       const std::vector<std::string>& folders,
                                        std::uint64_t minimum, std::uint64_t maximum,
                                        bool ignorePackages,
                                        const std::vector<std::string>& extensions) {
+    SearchContext* const before = context_;
+    context_ = &context;
     finishedPosted_ = false;
-    byteProgress->start(0);
+    context.bytes->start(0);
+    std::optional<FileList> heads;
+    walkPhase(removeNestedFolders(folders), ignorePackages, extensions, minimum, maximum);
+    if (canceled()) {
+        heads.reset();
+    } else if (fileList.size() < 2) {
+        heads = fileList;
+    } else if (sizeOrderPhase() && comparisonPhase()) {
+        heads = collectionPhase();
+    }
+    context_ = before;
+    if (!heads) {
+        // The one way out of a cancelled run, whichever phase noticed.
+        post(kSearchThreadFinished);
+        return {};
+    }
+    return std::move(*heads);
+}
+
+namespace {
+
+// Keeps the time of the phase however it ends.
+struct PhaseTimer {
+    PhaseProgress& phases;
+    ~PhaseTimer() { phases.end(); }
+};
+
+} // namespace
+
+void FileTools::walkPhase(const std::vector<std::string>& folders, bool ignorePackages,
+                          const std::vector<std::string>& extensions, std::uint64_t minimum,
+                          std::uint64_t maximum) {
+    PhaseProgress& phases = context_->phases;
+    phases.begin(SearchPhase::Walk, 0, 0);
+    const PhaseTimer timer{phases};
+    walkCounted_ = fileList.size();
+    walkBytes_ = 0;
     // The walk posts once more when its top-level call returns: that is the
     // post after the walk.
-    scanFolders(removeNestedFolders(folders), ignorePackages, extensions, minimum, maximum);
+    scanFolders(folders, ignorePackages, extensions, minimum, maximum);
     takeEachFileOnce();
-    if (canceled()) {
-        post(kSearchThreadFinished);
-        return {};
+    if (walkCounted_ != fileList.size()) {
+        walkBytes_ = 0;
+        for (const FilePtr& f : fileList) {
+            walkBytes_ += f->size;
+        }
     }
-    if (fileList.size() < 2) {
-        return fileList;
-    }
+    phases.advance(fileList.size(), walkBytes_);
+}
+
+bool FileTools::sizeOrderPhase() {
+    PhaseProgress& phases = context_->phases;
+    phases.begin(SearchPhase::SizeOrder, fileList.size(), walkBytes_);
+    const PhaseTimer timer{phases};
     quickSort(0, static_cast<std::int64_t>(fileList.size()) - 1);
     if (canceled()) {
-        post(kSearchThreadFinished);
-        return {};
+        return false;
     }
-    if (!compareFiles()) {
-        return {};
-    }
-    userInfo[kCheckedFiles] = static_cast<std::int64_t>(fileList.size());
-    post(kUpdateProgress);
+    phases.advance(fileList.size(), walkBytes_);
+    return true;
+}
 
+std::optional<FileList> FileTools::collectionPhase() {
+    PhaseProgress& phases = context_->phases;
+    phases.begin(SearchPhase::Collection, fileList.size(), 0);
+    const PhaseTimer timer{phases};
     // Sized once: a million heads grown by doubling would hold half as much
     // again while the list is copied over.
     FileList heads;
     heads.reserve(static_cast<std::size_t>(std::count_if(
         fileList.begin(), fileList.end(), [](const FilePtr& f) { return !f->wasFound; })));
+    std::uint64_t bytes = 0;
     for (const FilePtr& file : fileList) {
         if (canceled()) {
-            post(kSearchThreadFinished);
-            return {};
+            return std::nullopt;
         }
         if (!file->wasFound) {
             heads.push_back(file);
+            bytes += file->size;
         }
     }
+    phases.advance(fileList.size(), bytes);
     return heads;
 }
 
@@ -133,124 +180,6 @@ void FileTools::takeEachFileOnce() {
         return f->seen.known && linked.contains(id) && !taken.insert(id).second;
     });
     userInfo[kTotalFiles] = static_cast<std::int64_t>(fileList.size());
-}
-
-bool FileTools::compareFiles() {
-    const std::size_t n = fileList.size();
-    auto sameSize = [&](std::size_t a, std::size_t b) {
-        return fileList[a]->size == fileList[b]->size;
-    };
-
-    // Runs of equal size that are compared by content go to the digest workers.
-    std::vector<DigestPipeline::Run> runs;
-    std::vector<std::size_t> runOf; // for each run start: its run number
-    // What the readers fingerprinted is kept however the comparison ends,
-    // once the readers have stopped (the pipeline goes first).
-    struct Flush {
-        FingerprintStore* store;
-        ~Flush() {
-            if (store != nullptr) {
-                store->flush();
-            }
-        }
-    } flush{fingerprints.get()};
-    std::optional<DigestPipeline> pipeline;
-    std::uint64_t bytesToCompare = 0;
-    for (std::size_t i = 0; i < n;) {
-        std::size_t j = i + 1;
-        while (j < n && sameSize(i, j)) {
-            ++j;
-        }
-        if (j - i >= 2 && byContent(fileList[i]->size)) {
-            runs.push_back({i, j});
-            bytesToCompare += (j - i) * fileList[i]->size;
-        }
-        i = j;
-    }
-    ByteProgress& progress = *byteProgress;
-    progress.start(bytesToCompare);
-    if (digestThreads > 0 && !runs.empty()) {
-        pipeline.emplace(fileList, runs, digestThreads, settingsManager->searchCanceledByUser,
-                         progress, fingerprints.get());
-    }
-    // The plain loop counts each file's bytes once it is digested.
-    auto digest = [&](File& f) {
-        if (f.MD5Hash.empty()) {
-            f.MD5Hash = base64Text(streamDigest(f.path, f.folder));
-            progress.add(f.size);
-        }
-    };
-    auto cancelled = [&] {
-        if (!canceled()) {
-            return false;
-        }
-        post(kSearchThreadFinished);
-        return true;
-    };
-
-    std::size_t run = 0;
-    std::int64_t& checked = userInfo[kCheckedFiles];
-    for (std::size_t i = 0; i + 1 < n; ++i) {
-        checked = static_cast<std::int64_t>(i) + 1;
-        post(kUpdateProgress);
-        if (cancelled()) {
-            return false;
-        }
-        File& a = *fileList[i];
-        if (a.wasFound || !sameSize(i, i + 1)) {
-            continue;
-        }
-        if (cancelled()) {
-            return false;
-        }
-        if (!byContent(a.size)) {
-            // Large files: equal size alone makes them copies.
-            for (std::size_t j = i + 1; j < n && sameSize(i, j); ++j) {
-                File& b = *fileList[j];
-                b.wasFound = true;
-                a.duplicates.push_back(memberFor(b));
-                if (j + 1 < n && sameSize(i, j + 1) && cancelled()) {
-                    return false;
-                }
-            }
-            continue;
-        }
-        if (pipeline) {
-            while (runs[run].end <= i) {
-                ++run;
-            }
-            if (!pipeline->waitFor(run)) {
-                post(kSearchThreadFinished);
-                return false;
-            }
-            // Follow the chain of equal digests instead of testing every pair:
-            // the same copies, in the same order.
-            const std::size_t begin = runs[run].begin;
-            for (std::size_t k = i - begin, step = 0; (step = pipeline->nextCopy(run, k)) != 0;) {
-                k += step;
-                File& b = *fileList[begin + k];
-                b.wasFound = true;
-                a.duplicates.push_back(memberFor(b));
-                if (cancelled()) {
-                    return false;
-                }
-            }
-            continue;
-        }
-        for (std::size_t j = i + 1; j < n && sameSize(i, j); ++j) {
-            File& b = *fileList[j];
-            digest(a);
-            digest(b);
-            if (a.MD5Hash == b.MD5Hash) {
-                b.wasFound = true;
-                a.duplicates.push_back(memberFor(b));
-            }
-            if (j + 1 < n && sameSize(i, j + 1) && cancelled()) {
-                return false;
-            }
-        }
-    }
-    return true;
 }
 
 } // namespace twinsweep

@@ -117,7 +117,7 @@ class FileTools::Walk {
             auto node = std::make_shared<FolderListing>();
             FolderFdPtr fd = gather(*node, AT_FDCWD, folders[k], folders[k]);
             if (!fd) {
-                printErrorLine(kOoops, folders[k], node->error);
+                tools_.diagnostics().report(kOoops, folders[k], node->error);
                 return false;
             }
             state_.tops.insert({node->device, node->inode});
@@ -292,7 +292,7 @@ class FileTools::Walk {
             // fails the existence test (gone, or its parent can be listed but
             // not searched) is skipped silently.
             if (exists(e.name)) {
-                printErrorLine(kOoops, path_, node->error);
+                tools_.diagnostics().report(kOoops, path_, node->error);
             }
             tools_.postWalkProgress();
             return;

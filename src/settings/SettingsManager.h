@@ -112,6 +112,9 @@ class SettingsManager {
     // Our extra option: the window's search takes any folder, as the
     // command-line tool's --any-location does.
     bool searchAnyLocation = false;
+    // Our addition: the diagnostic lines of the window's last search (items
+    // that could not be read), which the results window counts.
+    std::vector<std::string> searchRefusals;
 };
 
 } // namespace twinsweep

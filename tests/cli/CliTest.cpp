@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <regex>
 #include <set>
 #include <unistd.h>
 
 #include "cli/Options.h"
 #include "cli/Output.h"
+#include "cli/Progress.h"
 #include "export/ResultsExport.h"
 #include "support/Cli.h"
 #include "support/Csv.h"
@@ -174,4 +176,36 @@ TEST(CliOptions, FoldersBecomeAbsoluteAndOptionsTakeBothForms) {
     EXPECT_FALSE(r.options.ignorePackages);
     EXPECT_EQ(r.options.folders, std::vector<std::string>{"/tmp"});
     EXPECT_EQ(parseOptions({"--", "--help"}, "/").error.value_or("").find("--help"), 19U);
+}
+
+TEST(Cli, VerboseTimesEachPhaseAfterTheSearchAndTheReportStaysAlone) {
+    TempTree tree;
+    tree.write("a.txt", "twins");
+    tree.write("b.txt", "twins");
+    tree.write("c.txt", "lonely!");
+    tree.write("d.txt", ""); // below the smallest size
+    const CliOutcome quiet = runCli({"--any-location", tree.root()});
+    const CliOutcome r = runCli({"--any-location", "--verbose", tree.root()});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, quiet.out);
+    EXPECT_EQ(r.out, tree.path("a.txt") + "\n" + tree.path("b.txt") + "\n");
+    const std::string err = std::regex_replace(r.err, std::regex(R"(\d+\.\d{3} s)"), "S s");
+    EXPECT_EQ(err, "twinsweep-cli: walk: S s, 3 items, 17 bytes\n"
+                   "twinsweep-cli: size order: S s, 3 items, 17 bytes\n"
+                   "twinsweep-cli: comparison: S s, 3 items, 10 bytes\n"
+                   "twinsweep-cli: collection: S s, 3 items, 12 bytes\n");
+    EXPECT_EQ(quiet.err, "");
+}
+
+TEST(CliProgress, TheLineNamesThePhaseAndItsFigures) {
+    using F = PhaseProgress::Figures;
+    EXPECT_EQ(TerminalProgress::text(F{true, SearchPhase::Walk, 12, 0, 3 << 20, 0}, ""),
+              "walk: 12 files, 3.0 MB");
+    EXPECT_EQ(TerminalProgress::text(F{true, SearchPhase::SizeOrder, 12, 12, 1000, 1000}, ""),
+              "size order: 12 of 12 files, 1000 B");
+    EXPECT_EQ(TerminalProgress::text(F{true, SearchPhase::Comparison, 5, 12, 1, 9},
+                                     "1 KB of 9 KB compared"),
+              "comparison: 5 of 12 files; 1 KB of 9 KB compared");
+    EXPECT_EQ(TerminalProgress::text(F{true, SearchPhase::Collection, 7, 12, 0, 0}, ""),
+              "collection: 7 of 12 files");
 }

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "SearchSupport.h"
+#include "support/PlainComparison.h"
 #include "support/TempTree.h"
 
 using namespace twinsweep;
@@ -152,9 +153,13 @@ std::string searchChanging(std::uint32_t seed, bool ignorePackages, unsigned thr
             }
         }
     };
-    StdoutCapture out;
-    const FileList heads = search(tools, {tree.root()}, ignorePackages);
-    std::string printed = out.finish();
+    const AtomicFlag never;
+    CollectedDiagnostics said;
+    SearchContext context(never, said);
+    const FileList heads = threads == 0 ? plainSearch(tools, context, {tree.root()}, ignorePackages)
+                                        : tools.findDuplicateFiles(context, {tree.root()}, 0,
+                                                                   UINT64_MAX, ignorePackages, {});
+    std::string printed = joined(said.lines());
     for (std::size_t at; (at = printed.find(tree.root())) != std::string::npos;) {
         printed.replace(at, tree.root().size(), "~");
     }

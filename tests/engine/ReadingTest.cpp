@@ -65,7 +65,7 @@ TEST(Reading, FilesDeeperThanPathMaxAreComparedAndDatedWhereTheyLie) {
     for (unsigned threads : {0U, 2U}) {
         FileTools tools;
         prepare(tools, threads);
-        StdoutCapture out;
+        DiagnosticsCapture out;
         const FileList heads = search(tools, {tree.root()});
         EXPECT_EQ(lines(out.finish()), Paths{}) << threads;
         // a and b differ: each is alone; c and d are one group.
@@ -95,7 +95,7 @@ TEST(Reading, TheDigestOfAGroupWhoseHeadWasCleanedComesFromAMemberLeft) {
     group->duplicates[0]->checkState = 1; // the head's own entry
     YesPrompt yes;
     PlatformRemover remover;
-    StdoutCapture out;
+    DiagnosticsCapture out;
     const CleaningReport report = clean(settings.duplicateFileList, settings, yes, remover);
     EXPECT_EQ(report.failed, 0);
     ASSERT_EQ(group->duplicates.size(), 2u);

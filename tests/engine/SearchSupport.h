@@ -72,7 +72,7 @@ inline void prepare(FileTools& tools, unsigned threads) {
 
 inline FileList search(FileTools& tools, const std::vector<std::string>& folders,
                        bool ignorePackages = true) {
-    return tools.findDuplicateFiles(folders, 0, UINT64_MAX, ignorePackages, {});
+    return tools.findDuplicateFiles(tools.context(), folders, 0, UINT64_MAX, ignorePackages, {});
 }
 
 // One line per group: the head, then its copies, relative to root.

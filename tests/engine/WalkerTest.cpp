@@ -23,12 +23,10 @@ namespace {
 
 class Walker : public ::testing::Test {
   protected:
-    void SetUp() override { SettingsManager::shared()->searchCanceledByUser = false; }
-    void TearDown() override { SettingsManager::shared()->searchCanceledByUser = false; }
-
-    // A fresh engine, gated to the Mac layout under the tree.
+    // A fresh engine on the test's context, gated to the Mac layout under the tree.
     FileTools& engine() {
         tools.emplace();
+        tools->useContext(context);
         tools->locationGate = LocationGate::macLayoutUnder(tree.root());
         return *tools;
     }
@@ -47,6 +45,8 @@ class Walker : public ::testing::Test {
     }
 
     TempTree tree;
+    AtomicFlag cancel;
+    SearchContext context{cancel};
     std::optional<FileTools> tools;
 };
 
@@ -104,7 +104,7 @@ TEST_F(Walker, PackagesAreSkippedOrTakenWholeWithHiddenContentsCounted) {
     tree.write("Users/b/keep.txt", "k");
     EXPECT_EQ(walk({tree.path("Users")}, true), (Paths{"Users/b/keep.txt"}));
 
-    StdoutCapture out;
+    DiagnosticsCapture out;
     EXPECT_EQ(walk({tree.path("Users")}, false),
               (Paths{"Users/b/Mail.app", "Users/b/keep.txt", "Users/b/x.pkg"}));
     EXPECT_EQ(lines(out.finish()),
@@ -135,18 +135,18 @@ TEST_F(Walker, CancellingFromAnotherThreadStopsEveryLevelAndKeepsWhatWasFound) {
         tree.write("Users/b/d" + std::to_string(k / 20) + "/f" + std::to_string(k % 20), "x");
     }
     for (int stopAfter : {1, 7, 30, 64}) {
-        SettingsManager::shared()->searchCanceledByUser = false;
+        cancel = false;
         int seen = 0;
         ScopedObserver watch(kUpdateProgress, [&](const std::string&, const UserInfo&) {
             if (++seen == stopAfter) {
-                std::thread([] { SettingsManager::shared()->searchCanceledByUser = true; }).join();
+                std::thread([this] { cancel = true; }).join();
             }
         });
         EXPECT_LT(walk({tree.path("Users")}).size(), 100u) << stopAfter;
         // Each level returns at its next test and posts once on the way out.
         EXPECT_LE(seen, stopAfter + 4) << stopAfter;
     }
-    SettingsManager::shared()->searchCanceledByUser = true;
+    cancel = true;
     EXPECT_TRUE(walk({tree.path("Users")}).empty());
     EXPECT_EQ(tools->packageSize(tree.path("Users/b")), 0u);
 }
@@ -165,7 +165,7 @@ TEST_F(Walker, EntriesThatFailTheExistenceTestAreSkippedSilently) {
             ::rmdir(tree.path("Users/b/sub").c_str());
         }
     });
-    StdoutCapture out;
+    DiagnosticsCapture out;
     tools->scanFolders({tree.path("Users")}, true, {}, 0, UINT64_MAX);
     EXPECT_EQ(lines(out.finish()), Paths{});
     EXPECT_EQ(found(), (Paths{"Users/b/a.txt", "Users/b/z.txt"}));
@@ -183,21 +183,37 @@ TEST_F(Walker, AFolderThatCanBeListedButNotSearchedGivesNothingAndSaysNothing) {
     tree.openToEveryone();
     ASSERT_EQ(::chmod(tree.path("Users/c/locked").c_str(), 0444), 0);
     ASSERT_EQ(::chmod(tree.path("Users/c/unlisted").c_str(), 0111), 0);
-    StdoutCapture out;
-    // As root every folder could be searched; with --min-size 0.
+    // As root every folder could be searched; with --min-size 0. The child
+    // hands back what it said and found through a pipe.
+    int pipeEnds[2];
+    ASSERT_EQ(::pipe(pipeEnds), 0);
     const int status = runUnprivileged([&] {
         for (unsigned threads : {0U, 3U}) {
             FileTools t;
             prepare(t, 1);
             t.walkThreads = threads;
             t.walkAheadAfter = std::chrono::nanoseconds(0);
-            for (const std::string& line :
-                 groupLines(search(t, {tree.path("Users")}), tree.root())) {
-                std::printf("%s\n", line.c_str());
+            const AtomicFlag never;
+            CollectedDiagnostics said;
+            SearchContext run(never, said);
+            const FileList heads =
+                t.findDuplicateFiles(run, {tree.path("Users")}, 0, UINT64_MAX, true, {});
+            std::vector<std::string> out = said.lines();
+            for (const std::string& line : groupLines(heads, tree.root())) {
+                out.push_back(line);
             }
+            const std::string text = joined(out);
+            (void)!::write(pipeEnds[1], text.data(), text.size());
         }
         return 0;
     });
+    ::close(pipeEnds[1]);
+    std::string printed;
+    char buffer[4096];
+    for (ssize_t n; (n = ::read(pipeEnds[0], buffer, sizeof buffer)) > 0;) {
+        printed.append(buffer, static_cast<std::size_t>(n));
+    }
+    ::close(pipeEnds[0]);
     EXPECT_EQ(status, 0);
     // Only the folder that can't be listed at all says so.
     const std::string unlisted =
@@ -206,7 +222,7 @@ TEST_F(Walker, AFolderThatCanBeListedButNotSearchedGivesNothingAndSaysNothing) {
                      "Users/c/open/e1.txt Users/c/open/e2.txt"};
     Paths twice = once;
     twice.insert(twice.end(), once.begin(), once.end());
-    EXPECT_EQ(lines(out.finish()), twice);
+    EXPECT_EQ(lines(printed), twice);
 }
 
 TEST_F(Walker, ListingAheadOnThreadsChangesNothingTheWalkShows) {
@@ -231,7 +247,7 @@ TEST_F(Walker, ListingAheadOnThreadsChangesNothingTheWalkShows) {
         FileTools& t = engine();
         t.walkThreads = threads;
         t.walkAheadAfter = {}; // as on a cold cache
-        StdoutCapture out;
+        DiagnosticsCapture out;
         t.scanFolders({tree.path("Users/b/2"), tree.path("Users")}, ignorePackages, {"txt", "app"},
                       1, 11);
         Paths files = lines(out.finish());

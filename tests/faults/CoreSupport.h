@@ -10,10 +10,11 @@
 #include "removal/PlatformRemover.h"
 #include "selection/Cleaning.h"
 #include "settings/SettingsManager.h"
+#include "support/PlainComparison.h"
 
 namespace twinsweep::testing {
 
-// The groups of a search job over root (0 threads: the plain comparison loop).
+// The groups of a search job over root, read by that many threads (0 counts as 1).
 inline FileList searchJob(const std::string& root, unsigned threads) {
     const auto settings = SettingsManager::shared();
     settings->duplicateFileList.clear();
@@ -28,6 +29,28 @@ inline FileList searchJob(const std::string& root, unsigned threads) {
     tools.locationGate = LocationGate::anywhere();
     tools.digestThreads = threads;
     runSearchJob(*settings, tools);
+    return settings->duplicateFileList;
+}
+
+// The groups as a search job would leave them had the comparison gone by
+// digests alone (the plain loop): what cleaning must still refuse when two
+// different files share a digest.
+inline FileList plainSearchJob(const std::string& root) {
+    const auto settings = SettingsManager::shared();
+    settings->duplicateFileList.clear();
+    FileTools tools;
+    tools.locationGate = LocationGate::anywhere();
+    const AtomicFlag never;
+    SearchContext context(never);
+    for (const FilePtr& head : plainSearch(tools, context, {root}, true)) {
+        if (!head->duplicates.empty()) {
+            auto own = std::make_shared<DuplicateFile>(head->path, "", 0);
+            own->seen = head->seen;
+            own->folder = head->folder;
+            head->duplicates.insert(head->duplicates.begin(), std::move(own));
+            settings->duplicateFileList.push_back(head);
+        }
+    }
     return settings->duplicateFileList;
 }
 

@@ -50,11 +50,11 @@ Searched searchWithStore(const TempTree& tree, const std::string& cache) {
     FileTools tools;
     tools.locationGate = LocationGate::anywhere();
     tools.digestThreads = 2;
-    tools.settingsManager->searchCanceledByUser = false;
     tools.fingerprints = openFingerprintCache(cache);
     const std::uint64_t before = bytesRead();
-    const FileList heads = tools.findDuplicateFiles({tree.path("t")}, 0, UINT64_MAX, true, {});
-    Searched s{"", tools.byteProgress->remembered(), bytesRead() - before};
+    const FileList heads =
+        tools.findDuplicateFiles(tools.context(), {tree.path("t")}, 0, UINT64_MAX, true, {});
+    Searched s{"", tools.context().bytes->remembered(), bytesRead() - before};
     // Sorted: a file replaced since moves in the walk's order.
     std::multiset<std::string> groups;
     for (const FilePtr& h : heads) {

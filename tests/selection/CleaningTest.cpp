@@ -116,7 +116,7 @@ TEST_F(Cleaning, QuestionsComeInOrderNoChangesNothingAndAFailureIsReported) {
     folders->duplicates[1]->checkState = 1;
     const std::string gone = path(two, 1);
     prompt = {};
-    StdoutCapture out;
+    DiagnosticsCapture out;
     const CleaningReport r = run({folders, three, two});
     EXPECT_EQ(lines(out.finish()), (Texts{"Error:  " + std::string(std::strerror(EISDIR))}));
     EXPECT_EQ(prompt.asked, (Alerts{CleaningAlert::PermanentDeletion}));
@@ -177,7 +177,7 @@ TEST_F(Cleaning, VanishedChangedAndProtectedCopiesAreReportedAndNotRemoved) {
     s.duplicateFileList.push_back(guarded);
     const Snapshot before = files();
 
-    StdoutCapture out;
+    DiagnosticsCapture out;
     const CleaningReport r = run(s.duplicateFileList);
     const auto printed = lines(out.finish());
     EXPECT_EQ(printed, (Texts{"Error:  " + vanished + ": No such file or directory",
@@ -211,7 +211,7 @@ TEST_F(Cleaning, OnlyAnUnmarkedCopyAsTheSearchSawItAndWithTheSameBytesVouches) {
     const Texts copies{path(three, 1), path(three, 2)};
     const Snapshot before = files();
 
-    StdoutCapture out;
+    DiagnosticsCapture out;
     const CleaningReport r = run(s.duplicateFileList);
     const std::string printed = out.finish();
     EXPECT_EQ(r.failed, 3);

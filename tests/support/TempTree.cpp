@@ -118,30 +118,26 @@ int runUnprivileged(const std::function<int()>& body) {
     return WEXITSTATUS(status);
 }
 
-StdoutCapture::StdoutCapture() {
-    std::fflush(stdout);
-    char tmpl[] = "/tmp/twinsweep-stdout-XXXXXX";
-    const int fd = ::mkstemp(tmpl);
-    file_ = tmpl;
-    saved_ = ::dup(STDOUT_FILENO);
-    ::dup2(fd, STDOUT_FILENO);
-    ::close(fd);
-}
+DiagnosticsCapture::DiagnosticsCapture() : before_(setProcessDiagnostics(&sink_)) {}
 
-StdoutCapture::~StdoutCapture() {
+DiagnosticsCapture::~DiagnosticsCapture() {
     finish();
 }
 
-std::string StdoutCapture::finish() {
+std::string DiagnosticsCapture::finish() {
     if (done_) {
         return {};
     }
     done_ = true;
-    std::fflush(stdout);
-    ::dup2(saved_, STDOUT_FILENO);
-    ::close(saved_);
-    std::string text = slurp(file_);
-    ::unlink(file_.c_str());
+    setProcessDiagnostics(before_);
+    return joined(sink_.lines());
+}
+
+std::string joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line + "\n";
+    }
     return text;
 }
 

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "engine/Diagnostics.h"
+
 namespace twinsweep::testing {
 
 // A temporary folder, removed with everything in it when the object goes.
@@ -39,18 +41,22 @@ class TempTree {
     std::string root_;
 };
 
-// Captures what the code under test writes to standard output.
-class StdoutCapture {
+// Collects the diagnostic lines that the code under test reports through the
+// process's sink (where a search without a sink of its own reports too).
+class DiagnosticsCapture {
   public:
-    StdoutCapture();
-    ~StdoutCapture();
-    std::string finish(); // stops capturing; returns everything written
+    DiagnosticsCapture();
+    ~DiagnosticsCapture();
+    std::string finish(); // stops collecting; returns the lines, each ending in a line feed
 
   private:
-    int saved_ = -1;
-    std::string file_;
+    CollectedDiagnostics sink_;
+    Diagnostics* before_ = nullptr;
     bool done_ = false;
 };
+
+// The lines, each ending in a line feed.
+std::string joined(const std::vector<std::string>& lines);
 
 std::vector<std::string> lines(const std::string& text);
 

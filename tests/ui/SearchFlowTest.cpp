@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cmath>
 #include <thread>
+#include <unistd.h>
 
 #include "UiTestSupport.h"
 #include "engine/NotificationCenter.h"
@@ -147,6 +148,48 @@ class SearchFlowTest : public QObject {
         QCOMPARE(bytes.filesScanned + u' ' + bytes.percents, u"5/6 Files Scaned 25.0%"_s);
         QCOMPARE(bytes.percent, 25.0f);
         QCOMPARE(progressTexts(6, 6, 9, 8).percents, u"100.0%"_s); // a file grew meanwhile
+    }
+
+    void resultsCountWhatTheSearchCouldNotRead() {
+        SearchTree where;
+        for (const char* name : {"a", "b", "c", "d", "e"}) {
+            where.tree.write(std::string("Users/me/") + name, std::string(64, 't'));
+        }
+        // Once the walk has all five, e goes: the comparison can't read it.
+        std::atomic<bool> gone{false};
+        ScopedObserver vanish(kUpdateProgress, [&](const std::string&, const UserInfo& info) {
+            if (info.at(kTotalFiles) == 5 && !gone.exchange(true)) {
+                ::unlink(where.tree.path("Users/me/e").c_str());
+            }
+        });
+        auto window = searchWindow({QString::fromStdString(where.home)});
+        ModalAnswers answers;
+        QString said, tip;
+        bool hidden = true;
+        answers.then("twinsweep::ui::ViewControllerDuplicates", [&](QWidget* modal) {
+            auto* results = qobject_cast<ViewControllerDuplicates*>(modal);
+            QVERIFY(results != nullptr);
+            said = results->textFieldUnread->text();
+            tip = results->textFieldUnread->toolTip();
+            hidden = results->textFieldUnread->isHidden();
+            modal->close();
+        });
+        window->buttonFindDuplicateFiles->click();
+        QCOMPARE(said, u"1 item could not be read"_s);
+        QVERIFY(!hidden);
+        QCOMPARE(tip, QString::fromStdString(
+                          "Ooops! Something went wrong: " + where.tree.path("Users/me/e") +
+                          ": No such file or directory"));
+        QCOMPARE(SettingsManager::shared()->searchRefusals.size(), 1U);
+        // A search that read everything shows no count.
+        FoundDuplicates found;
+        found.tree.write("x", "same");
+        found.tree.write("y", "same");
+        SettingsManager::shared()->searchRefusals.clear();
+        QCOMPARE(found.search(), 1U);
+        QVERIFY(found.open().textFieldUnread->isHidden());
+        found.shown.reset();
+        SettingsManager::shared()->duplicateFileList.clear();
     }
 };
 

@@ -9,6 +9,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSplitter>
+#include <QStringList>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -86,6 +87,24 @@ void ViewControllerDuplicates::buildLayout() {
     textFieldFilter->setMinimumWidth(240);
     reviewRow->addWidget(textFieldFilter);
     outer->addLayout(reviewRow);
+    // What the search could not read, counted (our addition).
+    textFieldUnread = new QLabel(contents);
+    textFieldUnread->setObjectName(QStringLiteral("textFieldUnread"));
+    const std::vector<std::string>& refusals = settingsManager->searchRefusals;
+    const qsizetype unread = static_cast<qsizetype>(refusals.size());
+    textFieldUnread->setText(unread == 1
+                                 ? QStringLiteral("1 item could not be read")
+                                 : QStringLiteral("%1 items could not be read").arg(unread));
+    QStringList tip;
+    for (std::size_t k = 0; k < refusals.size() && k < 20; ++k) {
+        tip << QString::fromStdString(refusals[k]);
+    }
+    if (refusals.size() > 20) {
+        tip << QStringLiteral("…");
+    }
+    textFieldUnread->setToolTip(tip.join(QLatin1Char('\n')));
+    textFieldUnread->setVisible(unread > 0);
+    outer->addWidget(textFieldUnread);
 
     // The two tables.
     auto* split = new QSplitter(Qt::Horizontal, contents);

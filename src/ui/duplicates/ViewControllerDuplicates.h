@@ -75,6 +75,9 @@ class ViewControllerDuplicates : public ModalWindow {
     // the member on that row (a group's row: its head); null off the rows.
     // The caller owns it.
     QMenu* contextMenuAt(QTableView* table, QPoint position);
+    // "N items could not be read" by the search, its lines as the tip;
+    // hidden when the search read everything.
+    QLabel* textFieldUnread = nullptr;
 
     // The folder of the group at index row of fileList ("" when out of range):
     // what the custom keep window puts in place of an unset folder rule.

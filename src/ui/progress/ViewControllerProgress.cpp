@@ -112,14 +112,18 @@ void ViewControllerProgress::buildLayout() {
 void ViewControllerProgress::RunSearch() {
     {
         FileTools tools;
-        tools.byteProgress = bytes_;
+        // Its lines still go to standard output; the results window counts them.
+        CollectedDiagnostics said(&processDiagnostics());
+        SearchContext context(settingsManager->searchCanceledByUser, said);
+        context.bytes = bytes_;
         if (settingsManager->searchAnyLocation) {
             tools.locationGate = LocationGate::anywhere();
         }
         if (settingsManager->rememberFingerprints) {
             tools.fingerprints = openFingerprintCache(); // says why when there is none
         }
-        runSearchJob(*settingsManager, tools);
+        runSearchJob(*settingsManager, tools, context);
+        settingsManager->searchRefusals = said.lines();
     } // the engine's records are freed here, before SearchDone joins this thread
     submitToMain(this, [this] { SearchDone(); });
 }
