@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFile>
+#include <QFormLayout>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QToolButton>
@@ -10,9 +12,13 @@
 
 #include "AccessibilityAudit.h"
 #include "UiTestSupport.h"
+#include "engine/LocationGate.h"
 #include "selection/Cleaning.h"
 #include "selection/CustomMarking.h"
 #include "ui/customkeep/ViewControllerCustomKeep.h"
+#include "ui/info/ViewControllerInfo.h"
+#include "ui/main/OutsideLocations.h"
+#include "ui/main/ViewController.h"
 #include "ui/placeholder/PlaceholderWindow.h"
 #include "ui/platform/CoreTexts.h"
 #include "ui/platform/Translations.h"
@@ -56,6 +62,23 @@ QStringList customKeepTexts() {
            items(w.comboMatch) + menuTitles(bar);
 }
 
+// A handful of the main and file information windows' texts, in order.
+QStringList mainTexts() {
+    ViewController w;
+    ViewControllerInfo info(nullptr);
+    auto* form = info.findChild<QFormLayout*>();
+    return QStringList{
+               w.buttonFindDuplicateFiles->text(),
+               w.checkExactKeepTimes->text(),
+               w.buttonSearchAnyLocation->toolTip(),
+               w.buttonRemoveAll->accessibleName(),
+               w.findChild<QAction*>(u"actionReopenFolders"_s)->text(),
+               outsideLocationsText(LocationGate{{"/home"}, {"/opt"}, {}, false}, {"/srv/x"}),
+               info.windowTitle(),
+               qobject_cast<QLabel*>(form->labelForField(info.labelPath))->text()} +
+           menuTitles(w.menuBar());
+}
+
 // The messages of the German catalogue that have no translation.
 QStringList untranslated(const QString& tsFile) {
     QFile file(tsFile);
@@ -96,8 +119,22 @@ class TranslationTest : public QObject {
             "&Browse…",          "Cancel", "Increase size",   "Creation Date",
             "Modification Date", "Larger", "Smaller",         "Match",
             "Don't match",       "&Edit",  "&Window",         "&Help"};
+        const QStringList mainEnglish{
+            "Find Duplicate Files",
+            "Decide oldest and newest by exact time",
+            "Tick \"Search any location\" so these folders are searched too.",
+            "Remove all folders",
+            "&Reopen Last Folders",
+            "The search looks only under /home and /opt. Outside those locations: /srv/x.",
+            "File Information",
+            "Path:",
+            "&File",
+            "&Edit",
+            "&Window",
+            "&Help"};
         QVERIFY(!translations.use(QLocale::c()));
         QCOMPARE(customKeepTexts(), english);
+        QCOMPARE(mainTexts(), mainEnglish);
         // English has no catalogue: the texts as written.
         QVERIFY(!translations.use(QLocale(u"en_US"_s)));
         QCOMPARE(customKeepTexts(), english);
@@ -109,6 +146,16 @@ class TranslationTest : public QObject {
                          "Unterordner einbeziehen", "&Durchsuchen…", "Abbrechen", "Größe erhöhen",
                          "Erstellungsdatum", "Änderungsdatum", "Größer", "Kleiner", "erfüllen",
                          "nicht erfüllen", "&Bearbeiten", "&Fenster", "&Hilfe"}));
+        QCOMPARE(mainTexts(),
+                 (QStringList{"Doppelte Dateien finden",
+                              "Älteste und neueste nach exakter Zeit bestimmen",
+                              "Setzen Sie „Überall suchen“, damit auch diese Ordner durchsucht "
+                              "werden.",
+                              "Alle Ordner entfernen", "&Letzte Ordner wieder öffnen",
+                              "Gesucht wird nur unter /home und /opt. Außerhalb dieser Orte "
+                              "liegen: /srv/x.",
+                              "Dateiinformationen", "Pfad:", "&Datei", "&Bearbeiten", "&Fenster",
+                              "&Hilfe"}));
         // Qt's own buttons come in German too.
         PlaceholderWindow placeholder(nullptr, u"Duplicates"_s, false);
         QCOMPARE(placeholder.findChild<QLabel*>(u"labelPlaceholder"_s)->text(),
@@ -120,6 +167,7 @@ class TranslationTest : public QObject {
         // Back to C: English again, Qt's buttons included.
         QVERIFY(!translations.use(QLocale::c()));
         QCOMPARE(customKeepTexts(), english);
+        QCOMPARE(mainTexts(), mainEnglish);
         PlaceholderWindow again(nullptr, u"Duplicates"_s, false);
         QCOMPARE(again.findChild<QDialogButtonBox*>()->buttons().front()->text(), "Close");
     }
@@ -175,6 +223,17 @@ class TranslationTest : public QObject {
             ViewControllerCustomKeep w(nullptr, "/data/group");
             w.show();
             QCOMPARE(controlsWithoutAccessibleText(&w), QStringList{});
+            // A folder outside the searched locations brings up the line
+            // under the folder list, with its button.
+            ViewController main;
+            main.addFolders({u"/usr"_s});
+            main.show();
+            QVERIFY(main.buttonSearchAnyLocation->isVisible());
+            QCOMPARE(controlsWithoutAccessibleText(&main), QStringList{});
+            ViewControllerInfo info(nullptr);
+            info.fillLabels("/data/a.jpg", 1);
+            info.show();
+            QCOMPARE(controlsWithoutAccessibleText(&info), QStringList{});
         }
         QWidget bare;
         auto* field = new QLineEdit(&bare);

@@ -31,7 +31,7 @@ QLabel* makeValue(QWidget* parent, const QString& name) {
 
 ViewControllerInfo::ViewControllerInfo(QWidget* opener)
     : ModalWindow(opener), settingsManager(SettingsManager::shared()) {
-    setWindowTitle(QStringLiteral("File Information"));
+    setWindowTitle(tr("File Information"));
     auto* contents = new QWidget(this);
     auto* outer = new QHBoxLayout(contents);
 
@@ -59,16 +59,32 @@ ViewControllerInfo::ViewControllerInfo(QWidget* opener)
     labelPath = makeValue(contents, QStringLiteral("labelPath"));
     labelPath->setWordWrap(true);
     labelPath->setTextFormat(Qt::PlainText);
-    form->addRow(QStringLiteral("Name:"), labelFileName);
-    form->addRow(QStringLiteral("Size:"), labelFileSize);
-    form->addRow(QStringLiteral("Extension:"), labelExtension);
-    form->addRow(QStringLiteral("Created:"), labelCreationDate);
-    form->addRow(QStringLiteral("Modified:"), labelModificationDate);
-    form->addRow(QStringLiteral("Path:"), labelPath);
+    form->addRow(tr("Name:"), labelFileName);
+    form->addRow(tr("Size:"), labelFileSize);
+    form->addRow(tr("Extension:"), labelExtension);
+    form->addRow(tr("Created:"), labelCreationDate);
+    form->addRow(tr("Modified:"), labelModificationDate);
+    form->addRow(tr("Path:"), labelPath);
     outer->addLayout(form, 1);
+    describeControls();
     setContents(contents);
     resize(680, 340);
     viewDidLoad();
+}
+
+// A value label is spoken as its text, the value: only a description is set,
+// and the label in front of it names it.
+void ViewControllerInfo::describeControls() {
+    imageView->setAccessibleName(tr("Preview"));
+    imageView->setAccessibleDescription(tr("The file's picture, or the icon of its type."));
+    progressIndicator->setAccessibleName(tr("Loading the preview"));
+    progressIndicator->setAccessibleDescription(tr("Shown while the file's picture is read."));
+    labelFileName->setAccessibleDescription(tr("The file's name without its extension."));
+    labelFileSize->setAccessibleDescription(tr("The size of the file."));
+    labelExtension->setAccessibleDescription(tr("The file's extension."));
+    labelCreationDate->setAccessibleDescription(tr("When the file was created."));
+    labelModificationDate->setAccessibleDescription(tr("When the file was last changed."));
+    labelPath->setAccessibleDescription(tr("The folder and name of the file."));
 }
 
 void ViewControllerInfo::viewDidLoad() {

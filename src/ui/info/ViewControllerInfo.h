@@ -40,6 +40,7 @@ class ViewControllerInfo : public ModalWindow {
     bool previewIsPicture() const { return previewIsPicture_; }
 
   private:
+    void describeControls();
     void viewDidLoad();
     void loadPreview();
     void showPreview(const QImage& picture);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/main/OutsideLocations.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QStringList>
 
@@ -19,8 +20,8 @@ QString listed(const QStringList& items) {
     if (items.size() < 2) {
         return items.join(QString());
     }
-    return items.mid(0, items.size() - 1).join(QStringLiteral(", ")) + QStringLiteral(" and ") +
-           items.back();
+    return items.mid(0, items.size() - 1).join(QStringLiteral(", ")) +
+           QCoreApplication::translate("OutsideLocations", " and ") + items.back();
 }
 
 } // namespace
@@ -47,7 +48,9 @@ QString outsideLocationsText(const LocationGate& gate, const std::vector<std::st
             roots << shown(root);
         }
     }
-    return QStringLiteral("The search looks only under %1. Outside those locations: %2.")
+    return QCoreApplication::translate("OutsideLocations",
+                                       "The search looks only under %1. Outside those locations: "
+                                       "%2.")
         .arg(listed(roots), outside.join(QStringLiteral(", ")));
 }
 

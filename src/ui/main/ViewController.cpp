@@ -49,6 +49,7 @@ ViewController::ViewController(QWidget* parent)
                                           StringListModel::Kind::Extensions, this);
     buildLayout();
     buildMenus();
+    describeControls();
     ResetSettings();
     updateUndoClean();
 }
@@ -68,7 +69,7 @@ void ViewController::OnAddFolder() {
     // A folder that vanished meanwhile, or whose name did not survive the
     // dialog, is reported the same way as an empty choice.
     if (chosen->isEmpty() || addFolders(*chosen) > 0) {
-        showInformation(this, QStringLiteral("The selected folder(s) could not be added."));
+        showInformation(this, tr("The selected folder(s) could not be added."));
     }
 }
 
@@ -105,8 +106,7 @@ void ViewController::OnRemoveAll() {
     if (settingsManager->listFolderPaths.empty()) {
         return;
     }
-    if (!askYesNo(this,
-                  QStringLiteral("Are you sure you want to remove all folders from the list?"))) {
+    if (!askYesNo(this, tr("Are you sure you want to remove all folders from the list?"))) {
         return;
     }
     settingsManager->listFolderPaths.clear();
@@ -265,8 +265,8 @@ void ViewController::ResetSettings() {
 
 void ViewController::OnFindDuplicateFiles() {
     if (settingsManager->listFolderPaths.empty()) {
-        showInformation(this, QStringLiteral("There are no folders to scan. Please add at least "
-                                             "one folder and try again."));
+        showInformation(this, tr("There are no folders to scan. Please add at least "
+                                 "one folder and try again."));
         return;
     }
     settingsManager->searchCanceledByUser = false;
@@ -316,8 +316,8 @@ bool ViewController::windowShouldClose() {
     if (!windowTitle().endsWith(QLatin1Char('*'))) {
         return true;
     }
-    return askYesNo(this, QStringLiteral("You have unsaved changes that will be lost. Are you "
-                                         "sure you want to exit the application?"));
+    return askYesNo(this, tr("You have unsaved changes that will be lost. Are you "
+                             "sure you want to exit the application?"));
 }
 
 void ViewController::closeEvent(QCloseEvent* event) {

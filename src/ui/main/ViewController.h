@@ -130,6 +130,8 @@ class ViewController : public QMainWindow {
     void updateUndoClean();
     void buildListCommands(QMenu* edit);
     QWidget* buildOutsideLocationsLine(QWidget* parent);
+    // Accessible names and descriptions (MainAccessible.cpp).
+    void describeControls();
     void setExtensionControlsEnabled(bool enabled);
     int selectedRow(QTableView* table) const;
 

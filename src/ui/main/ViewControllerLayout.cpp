@@ -60,7 +60,7 @@ void ViewController::buildLayout() {
     auto* page = new QVBoxLayout(central);
 
     // Folders to scan.
-    auto* folders = new QGroupBox(QStringLiteral("Folders to scan"), central);
+    auto* folders = new QGroupBox(tr("Folders to scan"), central);
     auto* folderColumn = new QVBoxLayout(folders);
     auto* folderRow = new QHBoxLayout;
     folderColumn->addLayout(folderRow, 1);
@@ -68,17 +68,14 @@ void ViewController::buildLayout() {
     tableViewFolders = named(new FolderTableView(folders), "TableViewFolderPaths");
     tableViewFolders->setModel(folderModel_);
     FolderModel::fitColumns(tableViewFolders);
-    tableViewFolders->setToolTip(QStringLiteral("Add folders with the buttons, or drag them here "
-                                                "from your file manager."));
+    tableViewFolders->setToolTip(tr("Add folders with the buttons, or drag them here "
+                                    "from your file manager."));
     tableViewFolders->setMinimumHeight(120);
     folderRow->addWidget(tableViewFolders, 1);
     auto* folderButtons = new QVBoxLayout;
-    buttonAddFolder =
-        named(new QPushButton(QStringLiteral("Add Folder..."), folders), "buttonAddFolder");
-    buttonRemoveSelected =
-        named(new QPushButton(QStringLiteral("Remove"), folders), "buttonRemoveSelected");
-    buttonRemoveAll =
-        named(new QPushButton(QStringLiteral("Remove All"), folders), "buttonRemoveAll");
+    buttonAddFolder = named(new QPushButton(tr("Add Folder..."), folders), "buttonAddFolder");
+    buttonRemoveSelected = named(new QPushButton(tr("Remove"), folders), "buttonRemoveSelected");
+    buttonRemoveAll = named(new QPushButton(tr("Remove All"), folders), "buttonRemoveAll");
     for (QPushButton* b : {buttonAddFolder, buttonRemoveSelected, buttonRemoveAll}) {
         b->setAutoDefault(false);
         folderButtons->addWidget(b);
@@ -88,28 +85,28 @@ void ViewController::buildLayout() {
     page->addWidget(folders, 1);
 
     // File sizes.
-    auto* sizes = new QGroupBox(QStringLiteral("File size"), central);
+    auto* sizes = new QGroupBox(tr("File size"), central);
     auto* sizeGrid = new QGridLayout(sizes);
     sliderMinimumFileSize = sizeSlider(sizes, "sliderMinimumFileSize");
     textFieldMinimumFileSize = sizeLabel(sizes, "textFieldMinimumFileSize");
     sliderMaximumFileSize = sizeSlider(sizes, "sliderMaximumFileSize");
     textFieldMaximumFileSize = sizeLabel(sizes, "textFieldMaximumFileSize");
-    sizeGrid->addWidget(new QLabel(QStringLiteral("Smallest:"), sizes), 0, 0);
+    sizeGrid->addWidget(new QLabel(tr("Smallest:"), sizes), 0, 0);
     sizeGrid->addWidget(sliderMinimumFileSize, 0, 1);
     sizeGrid->addWidget(textFieldMinimumFileSize, 0, 2);
-    sizeGrid->addWidget(new QLabel(QStringLiteral("Largest:"), sizes), 1, 0);
+    sizeGrid->addWidget(new QLabel(tr("Largest:"), sizes), 1, 0);
     sizeGrid->addWidget(sliderMaximumFileSize, 1, 1);
     sizeGrid->addWidget(textFieldMaximumFileSize, 1, 2);
     sizeGrid->setColumnStretch(1, 1);
     page->addWidget(sizes);
 
     // File types.
-    auto* types = new QGroupBox(QStringLiteral("File types"), central);
+    auto* types = new QGroupBox(tr("File types"), central);
     auto* typeGrid = new QGridLayout(types);
     radioScanAllFileTypes =
-        named(new QRadioButton(QStringLiteral("All file types"), types), "radioScanAllFileTypes");
-    radioCustomFileTypes = named(new QRadioButton(QStringLiteral("Only these extensions:"), types),
-                                 "radioCustomFileTypes");
+        named(new QRadioButton(tr("All file types"), types), "radioScanAllFileTypes");
+    radioCustomFileTypes =
+        named(new QRadioButton(tr("Only these extensions:"), types), "radioCustomFileTypes");
     auto* typeGroup = new QButtonGroup(types);
     typeGroup->addButton(radioScanAllFileTypes);
     typeGroup->addButton(radioCustomFileTypes);
@@ -125,13 +122,13 @@ void ViewController::buildLayout() {
     tableViewFileTypes->setMaximumHeight(110);
     textFieldCustomFileTypesExtension =
         named(new QLineEdit(types), "textFieldCustomFileTypesExtension");
-    textFieldCustomFileTypesExtension->setPlaceholderText(QStringLiteral("extension, e.g. jpg"));
-    buttonCustomFileTypesAddFileExtension = named(new QPushButton(QStringLiteral("Add"), types),
-                                                  "buttonCustomFileTypesAddFileExtension");
-    buttonCustomFileTypesRemoveSelected = named(new QPushButton(QStringLiteral("Remove"), types),
-                                                "buttonCustomFileTypesRemoveSelected");
-    buttonCustomFileTypesRemoveAll = named(new QPushButton(QStringLiteral("Remove All"), types),
-                                           "buttonCustomFileTypesRemoveAll");
+    textFieldCustomFileTypesExtension->setPlaceholderText(tr("extension, e.g. jpg"));
+    buttonCustomFileTypesAddFileExtension =
+        named(new QPushButton(tr("Add"), types), "buttonCustomFileTypesAddFileExtension");
+    buttonCustomFileTypesRemoveSelected =
+        named(new QPushButton(tr("Remove"), types), "buttonCustomFileTypesRemoveSelected");
+    buttonCustomFileTypesRemoveAll =
+        named(new QPushButton(tr("Remove All"), types), "buttonCustomFileTypesRemoveAll");
     // The two choices share a row: the window fits a small screen.
     auto* choiceRow = new QHBoxLayout;
     choiceRow->addWidget(radioScanAllFileTypes);
@@ -154,62 +151,60 @@ void ViewController::buildLayout() {
     page->addWidget(types);
 
     // What cleaning does, and the search options.
-    auto* options = new QGroupBox(QStringLiteral("Options"), central);
+    auto* options = new QGroupBox(tr("Options"), central);
     auto* optionRows = new QGridLayout(options);
     radioMoveDuplicateFilesToTrash =
-        named(new QRadioButton(QStringLiteral("Move duplicate files to the Trash"), options),
+        named(new QRadioButton(tr("Move duplicate files to the Trash"), options),
               "radioMoveDuplicateFilesToTrash");
     radioRemoveDuplicateFilesPermanently =
-        named(new QRadioButton(QStringLiteral("Delete duplicate files permanently"), options),
+        named(new QRadioButton(tr("Delete duplicate files permanently"), options),
               "radioRemoveDuplicateFilesPermanently");
     radioReplaceWithHardLinks =
-        named(new QRadioButton(QStringLiteral("Replace duplicate files with hard links"), options),
+        named(new QRadioButton(tr("Replace duplicate files with hard links"), options),
               "radioReplaceWithHardLinks");
     radioReplaceWithHardLinks->setToolTip(
-        QStringLiteral("Each removed copy becomes a hard link to a kept copy: every path keeps "
-                       "working and the contents are stored once."));
+        tr("Each removed copy becomes a hard link to a kept copy: every path keeps "
+           "working and the contents are stored once."));
     radioShareStorage =
-        named(new QRadioButton(
-                  QStringLiteral("Share the storage of duplicate files (copy-on-write)"), options),
+        named(new QRadioButton(tr("Share the storage of duplicate files (copy-on-write)"), options),
               "radioShareStorage");
     radioShareStorage->setToolTip(
-        QStringLiteral("On Btrfs and XFS, each copy shares its storage with a kept copy: nothing "
-                       "is removed, and every file keeps its own path, owner and later edits."));
+        tr("On Btrfs and XFS, each copy shares its storage with a kept copy: nothing "
+           "is removed, and every file keeps its own path, owner and later edits."));
     auto* removalGroup = new QButtonGroup(options);
     removalGroup->addButton(radioMoveDuplicateFilesToTrash);
     removalGroup->addButton(radioRemoveDuplicateFilesPermanently);
     removalGroup->addButton(radioReplaceWithHardLinks);
     removalGroup->addButton(radioShareStorage);
-    checkIgnoreBundles = named(
-        new QCheckBox(QStringLiteral("Skip packages (application bundles and similar folders)"),
-                      options),
-        "checkIgnoreBundles");
+    checkIgnoreBundles =
+        named(new QCheckBox(tr("Skip packages (application bundles and similar folders)"), options),
+              "checkIgnoreBundles");
     checkCompareLargeFilesByContent =
-        named(new QCheckBox(QStringLiteral("Compare large files by content"), options),
+        named(new QCheckBox(tr("Compare large files by content"), options),
               "checkCompareLargeFilesByContent");
     checkCompareLargeFilesByContent->setToolTip(
-        QStringLiteral("Files of 100 MB and more are otherwise matched by size alone."));
+        tr("Files of 100 MB and more are otherwise matched by size alone."));
     checkRememberFingerprints =
-        named(new QCheckBox(QStringLiteral("Remember file fingerprints between searches"), options),
+        named(new QCheckBox(tr("Remember file fingerprints between searches"), options),
               "checkRememberFingerprints");
     checkRememberFingerprints->setToolTip(
-        QStringLiteral("Files unchanged since an earlier search are not read again."));
-    checkIdleSearch = named(new QCheckBox(QStringLiteral("Search at idle disk priority"), options),
-                            "checkIdleSearch");
-    checkIdleSearch->setToolTip(QStringLiteral(
-        "The search reads only when no other program is waiting for the disk: slower, "
-        "but the desktop stays responsive."));
+        tr("Files unchanged since an earlier search are not read again."));
+    checkIdleSearch =
+        named(new QCheckBox(tr("Search at idle disk priority"), options), "checkIdleSearch");
+    checkIdleSearch->setToolTip(
+        tr("The search reads only when no other program is waiting for the disk: slower, "
+           "but the desktop stays responsive."));
     checkExactKeepTimes =
-        named(new QCheckBox(QStringLiteral("Decide oldest and newest by exact time"), options),
+        named(new QCheckBox(tr("Decide oldest and newest by exact time"), options),
               "checkExactKeepTimes");
     checkExactKeepTimes->setToolTip(
-        QStringLiteral("Keep Oldest and Keep Newest compare the exact creation times instead of "
-                       "the dates shown, which go by the second on a 12-hour clock."));
-    checkSearchAnyLocation = named(new QCheckBox(QStringLiteral("Search any location"), options),
-                                   "checkSearchAnyLocation");
+        tr("Keep Oldest and Keep Newest compare the exact creation times instead of "
+           "the dates shown, which go by the second on a 12-hour clock."));
+    checkSearchAnyLocation =
+        named(new QCheckBox(tr("Search any location"), options), "checkSearchAnyLocation");
     checkSearchAnyLocation->setToolTip(
-        QStringLiteral("Search listed folders wherever they are, not only under /home, /opt and "
-                       "the volume folders."));
+        tr("Search listed folders wherever they are, not only under /home, /opt and "
+           "the volume folders."));
     // Two columns, what cleaning does beside what the search does, so the
     // window fits a small screen with every option in sight.
     int row = 0;
@@ -229,8 +224,7 @@ void ViewController::buildLayout() {
     auto* bottom = new QHBoxLayout;
     bottom->addStretch(1);
     buttonFindDuplicateFiles =
-        named(new QPushButton(QStringLiteral("Find Duplicate Files"), central),
-              "buttonFindDuplicateFiles");
+        named(new QPushButton(tr("Find Duplicate Files"), central), "buttonFindDuplicateFiles");
     buttonFindDuplicateFiles->setDefault(true);
     bottom->addWidget(buttonFindDuplicateFiles);
     page->addLayout(bottom);
@@ -290,11 +284,11 @@ QWidget* ViewController::buildOutsideLocationsLine(QWidget* parent) {
     labelOutsideLocations->setTextFormat(Qt::PlainText);
     row->addWidget(labelOutsideLocations, 1);
     buttonSearchAnyLocation =
-        named(new QPushButton(QStringLiteral("Search Any Location"), outsideLocationsLine_),
+        named(new QPushButton(tr("Search Any Location"), outsideLocationsLine_),
               "buttonSearchAnyLocation");
     buttonSearchAnyLocation->setAutoDefault(false);
     buttonSearchAnyLocation->setToolTip(
-        QStringLiteral("Tick \"Search any location\" so these folders are searched too."));
+        tr("Tick \"Search any location\" so these folders are searched too."));
     connect(buttonSearchAnyLocation, &QPushButton::clicked, this, [this] {
         checkSearchAnyLocation->setChecked(true);
         UpdateSettings();
@@ -314,36 +308,36 @@ QWidget* ViewController::buildOutsideLocationsLine(QWidget* parent) {
 }
 
 void ViewController::buildMenus() {
-    QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
-    QAction* fileNew = file->addAction(QStringLiteral("&New"));
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    QAction* fileNew = file->addAction(tr("&New"));
     fileNew->setObjectName(QStringLiteral("actionFileNew"));
     fileNew->setShortcut(QKeySequence::New);
     connect(fileNew, &QAction::triggered, this, &ViewController::OnFileNew);
-    addCommand(file, QStringLiteral("&Add Folder..."), QKeySequence::Open, [this] {
+    addCommand(file, tr("&Add Folder..."), QKeySequence::Open, [this] {
         OnAddFolder();
     })->setObjectName(QStringLiteral("actionAddFolder"));
-    QAction* reopen = addCommand(file, QStringLiteral("&Reopen Last Folders"),
-                                 QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O),
-                                 [this] { restoreSavedChoices(); });
+    QAction* reopen =
+        addCommand(file, tr("&Reopen Last Folders"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O),
+                   [this] { restoreSavedChoices(); });
     reopen->setObjectName(QStringLiteral("actionReopenFolders"));
     connect(file, &QMenu::aboutToShow, this,
             [this, reopen] { reopen->setEnabled(hasSavedFolders()); });
-    addCommand(file, QStringLiteral("&Find Duplicate Files"), QKeySequence::Find, [this] {
+    addCommand(file, tr("&Find Duplicate Files"), QKeySequence::Find, [this] {
         OnFindDuplicateFiles();
     })->setObjectName(QStringLiteral("actionFindDuplicateFiles"));
     file->addSeparator();
-    addCommand(file, QStringLiteral("Clear Remembered &Fingerprints"),
+    addCommand(file, tr("Clear Remembered &Fingerprints"),
                QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Delete),
                [this] { OnClearRememberedFingerprints(); })
         ->setObjectName(QStringLiteral("actionClearRememberedFingerprints"));
     file->addSeparator();
-    QAction* quit = file->addAction(QStringLiteral("&Quit"));
+    QAction* quit = file->addAction(tr("&Quit"));
     quit->setObjectName(QStringLiteral("actionQuit"));
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
     connect(quit, &QAction::triggered, this, &ViewController::OnAppQuit);
-    QMenu* edit = menuBar()->addMenu(QStringLiteral("&Edit"));
-    actionUndoClean = edit->addAction(QStringLiteral("&Undo Clean"));
+    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+    actionUndoClean = edit->addAction(tr("&Undo Clean"));
     actionUndoClean->setObjectName(QStringLiteral("actionUndoClean"));
     actionUndoClean->setShortcut(QKeySequence::Undo);
     connect(actionUndoClean, &QAction::triggered, this, &ViewController::OnUndoClean);
@@ -359,22 +353,21 @@ void ViewController::buildListCommands(QMenu* edit) {
     // Delete acts on the table that has the focus, as in a file manager.
     const QKeySequence removeAll(Qt::SHIFT | Qt::Key_Delete);
     addCommand(
-        edit, QStringLiteral("&Remove Folder"), QKeySequence::Delete,
-        [this] { OnRemoveSelected(); }, tableViewFolders)
+        edit, tr("&Remove Folder"), QKeySequence::Delete, [this] { OnRemoveSelected(); },
+        tableViewFolders)
         ->setObjectName(QStringLiteral("actionRemoveFolder"));
     addCommand(
-        edit, QStringLiteral("Remove All F&olders..."), removeAll, [this] { OnRemoveAll(); },
-        tableViewFolders);
+        edit, tr("Remove All F&olders..."), removeAll, [this] { OnRemoveAll(); }, tableViewFolders);
     edit->addSeparator();
     // These two go with the extension controls: off while all file types
     // are searched (setExtensionControlsEnabled).
     actionRemoveExtension_ = addCommand(
-        edit, QStringLiteral("Remove E&xtension"), QKeySequence::Delete,
+        edit, tr("Remove E&xtension"), QKeySequence::Delete,
         [this] { OnCustomFileTypesRemoveSelected(); }, tableViewFileTypes);
     actionRemoveExtension_->setObjectName(QStringLiteral("actionRemoveExtension"));
     actionRemoveAllExtensions_ = addCommand(
-        edit, QStringLiteral("Remove All Ex&tensions"), removeAll,
-        [this] { OnCustomFileTypesRemoveAll(); }, tableViewFileTypes);
+        edit, tr("Remove All Ex&tensions"), removeAll, [this] { OnCustomFileTypesRemoveAll(); },
+        tableViewFileTypes);
     actionRemoveAllExtensions_->setObjectName(QStringLiteral("actionRemoveAllExtensions"));
 }
 

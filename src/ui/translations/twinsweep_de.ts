@@ -363,7 +363,7 @@ Dieses Fenster ist noch nicht fertig.</translation>
     </message>
     <message>
         <source>Clear Remembered &amp;Fingerprints</source>
-        <translation>Gespeicherte Fingerabdrücke &amp;löschen</translation>
+        <translation>&amp;Gespeicherte Fingerabdrücke löschen</translation>
     </message>
     <message>
         <source>&amp;Quit</source>
@@ -408,6 +408,162 @@ Dieses Fenster ist noch nicht fertig.</translation>
     <message>
         <source>You have unsaved changes that will be lost. Are you sure you want to exit the application?</source>
         <translation>Sie haben ungespeicherte Änderungen, die verloren gehen. Möchten Sie die Anwendung wirklich beenden?</translation>
+    </message>
+    <message>
+        <source>The folders the search looks in. Tick Protected beside a folder so no copy in it is marked or removed.</source>
+        <translation>Die Ordner, in denen gesucht wird. Setzen Sie „Geschützt“ neben einem Ordner, damit keine Kopie darin markiert oder entfernt wird.</translation>
+    </message>
+    <message>
+        <source>Add folder</source>
+        <translation>Ordner hinzufügen</translation>
+    </message>
+    <message>
+        <source>Opens a window to pick folders to scan.</source>
+        <translation>Öffnet ein Fenster, in dem Sie zu durchsuchende Ordner wählen.</translation>
+    </message>
+    <message>
+        <source>Remove folder</source>
+        <translation>Ordner entfernen</translation>
+    </message>
+    <message>
+        <source>Removes the selected folder from the list.</source>
+        <translation>Entfernt den ausgewählten Ordner aus der Liste.</translation>
+    </message>
+    <message>
+        <source>Remove all folders</source>
+        <translation>Alle Ordner entfernen</translation>
+    </message>
+    <message>
+        <source>Empties the list of folders.</source>
+        <translation>Leert die Liste der Ordner.</translation>
+    </message>
+    <message>
+        <source>Search any location</source>
+        <translation>Überall suchen</translation>
+    </message>
+    <message>
+        <source>Ticks Search any location, so the folders named beside it are searched too.</source>
+        <translation>Setzt „Überall suchen“, damit auch die daneben genannten Ordner durchsucht werden.</translation>
+    </message>
+    <message>
+        <source>Smallest file size</source>
+        <translation>Kleinste Dateigröße</translation>
+    </message>
+    <message>
+        <source>Files smaller than this are left out of the search.</source>
+        <translation>Kleinere Dateien lässt die Suche aus.</translation>
+    </message>
+    <message>
+        <source>Largest file size</source>
+        <translation>Größte Dateigröße</translation>
+    </message>
+    <message>
+        <source>Files larger than this are left out of the search.</source>
+        <translation>Größere Dateien lässt die Suche aus.</translation>
+    </message>
+    <message>
+        <source>The search looks at every file.</source>
+        <translation>Die Suche prüft jede Datei.</translation>
+    </message>
+    <message>
+        <source>Only these extensions</source>
+        <translation>Nur diese Endungen</translation>
+    </message>
+    <message>
+        <source>The search looks only at files whose extension is in the list.</source>
+        <translation>Die Suche prüft nur Dateien, deren Endung in der Liste steht.</translation>
+    </message>
+    <message>
+        <source>File extensions</source>
+        <translation>Dateiendungen</translation>
+    </message>
+    <message>
+        <source>The extensions the search looks for.</source>
+        <translation>Die Endungen, auf die sich die Suche beschränkt.</translation>
+    </message>
+    <message>
+        <source>New extension</source>
+        <translation>Neue Endung</translation>
+    </message>
+    <message>
+        <source>An extension to add to the list, without the dot.</source>
+        <translation>Eine Endung für die Liste, ohne Punkt.</translation>
+    </message>
+    <message>
+        <source>Add extension</source>
+        <translation>Endung hinzufügen</translation>
+    </message>
+    <message>
+        <source>Adds the extension typed to the list.</source>
+        <translation>Fügt die eingegebene Endung der Liste hinzu.</translation>
+    </message>
+    <message>
+        <source>Remove extension</source>
+        <translation>Endung entfernen</translation>
+    </message>
+    <message>
+        <source>Removes the selected extension from the list.</source>
+        <translation>Entfernt die ausgewählte Endung aus der Liste.</translation>
+    </message>
+    <message>
+        <source>Remove all extensions</source>
+        <translation>Alle Endungen entfernen</translation>
+    </message>
+    <message>
+        <source>Empties the list of extensions.</source>
+        <translation>Leert die Liste der Endungen.</translation>
+    </message>
+    <message>
+        <source>Cleaning moves the marked copies to the Trash, from where they can be put back.</source>
+        <translation>Beim Bereinigen werden die markierten Kopien in den Papierkorb verschoben, aus dem sie zurückgeholt werden können.</translation>
+    </message>
+    <message>
+        <source>Cleaning deletes the marked copies; they cannot be put back.</source>
+        <translation>Beim Bereinigen werden die markierten Kopien gelöscht; sie können nicht zurückgeholt werden.</translation>
+    </message>
+    <message>
+        <source>Share the storage of duplicate files</source>
+        <translation>Speicherplatz doppelter Dateien teilen</translation>
+    </message>
+    <message>
+        <source>Decide oldest and newest by exact time</source>
+        <translation>Älteste und neueste nach exakter Zeit bestimmen</translation>
+    </message>
+    <message>
+        <source>Skip packages</source>
+        <translation>Pakete überspringen</translation>
+    </message>
+    <message>
+        <source>Application bundles and similar folders are not searched.</source>
+        <translation>Anwendungsbündel und ähnliche Ordner werden nicht durchsucht.</translation>
+    </message>
+    <message>
+        <source>Find duplicate files</source>
+        <translation>Doppelte Dateien finden</translation>
+    </message>
+    <message>
+        <source>Searches the folders listed with these options and shows the duplicates found.</source>
+        <translation>Durchsucht die aufgeführten Ordner mit diesen Optionen und zeigt die gefundenen doppelten Dateien.</translation>
+    </message>
+    <message>
+        <source>Keep Oldest and Keep Newest compare the exact creation times instead of the dates shown, which go by the second on a 12-hour clock.</source>
+        <translation>„Älteste behalten“ und „Neueste behalten“ vergleichen die exakten Erstellungszeiten statt der angezeigten Daten, die nur sekundengenau und im 12-Stunden-Format sind.</translation>
+    </message>
+    <message>
+        <source>Search listed folders wherever they are, not only under /home, /opt and the volume folders.</source>
+        <translation>Aufgeführte Ordner durchsuchen, wo immer sie liegen, nicht nur unter /home, /opt und den Ordnern der Datenträger.</translation>
+    </message>
+    <message>
+        <source>Search Any Location</source>
+        <translation>Überall suchen</translation>
+    </message>
+    <message>
+        <source>Tick &quot;Search any location&quot; so these folders are searched too.</source>
+        <translation>Setzen Sie „Überall suchen“, damit auch diese Ordner durchsucht werden.</translation>
+    </message>
+    <message>
+        <source>&amp;Reopen Last Folders</source>
+        <translation>&amp;Letzte Ordner wieder öffnen</translation>
     </message>
 </context>
 <context>
@@ -929,6 +1085,50 @@ Dieses Fenster ist noch nicht fertig.</translation>
     <message>
         <source>Modified:</source>
         <translation>Geändert:</translation>
+    </message>
+    <message>
+        <source>Path:</source>
+        <translation>Pfad:</translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
+    </message>
+    <message>
+        <source>The file&apos;s picture, or the icon of its type.</source>
+        <translation>Das Bild der Datei oder das Symbol ihres Typs.</translation>
+    </message>
+    <message>
+        <source>Loading the preview</source>
+        <translation>Vorschau wird geladen</translation>
+    </message>
+    <message>
+        <source>Shown while the file&apos;s picture is read.</source>
+        <translation>Wird angezeigt, während das Bild der Datei gelesen wird.</translation>
+    </message>
+    <message>
+        <source>The file&apos;s name without its extension.</source>
+        <translation>Der Name der Datei ohne ihre Endung.</translation>
+    </message>
+    <message>
+        <source>The size of the file.</source>
+        <translation>Die Größe der Datei.</translation>
+    </message>
+    <message>
+        <source>The file&apos;s extension.</source>
+        <translation>Die Endung der Datei.</translation>
+    </message>
+    <message>
+        <source>When the file was created.</source>
+        <translation>Wann die Datei erstellt wurde.</translation>
+    </message>
+    <message>
+        <source>When the file was last changed.</source>
+        <translation>Wann die Datei zuletzt geändert wurde.</translation>
+    </message>
+    <message>
+        <source>The folder and name of the file.</source>
+        <translation>Ordner und Name der Datei.</translation>
     </message>
 </context>
 <context>
