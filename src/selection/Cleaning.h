@@ -76,7 +76,51 @@ struct CleaningRun {
     CopyAction action;
 };
 
-// The clean command up to the update: checks that a listed group has a marked
+// What the questions decided: whether the removals go ahead (outcome
+// Cleaned) and how each marked copy is acted on.
+struct CleaningChoice {
+    CleaningOutcome outcome = CleaningOutcome::NothingMarked;
+    bool linking = false; // replaced by hard links
+    bool sharing = false; // storage shared with a kept copy
+    bool toTrash = true;  // else deleted for good (when neither of the above)
+};
+
+// The clean's questions, in order, before anything is touched: nothing
+// marked among the listed groups, whole groups, permanent deletion (and, when
+// sharing storage, whether a folder searched can share at all).
+CleaningChoice askBeforeCleaning(const FileList& listed, const SettingsManager& settings,
+                                 CleaningPrompt& prompt);
+
+// One attempted member and what became of it.
+struct CleanedCopy {
+    FilePtr group;
+    DuplicateFilePtr member;
+    RemovalResult result;
+    // Not acted on, and the file is still at its path (a check refused it, or
+    // the act failed): not a vanished file.
+    bool leftInPlace = false;
+};
+
+// The removals alone, for the choice made: every marked member of groups, in
+// order, through actOnCopy (see clean below). Reads the groups and changes
+// neither them nor any list, so it may run on another thread while the
+// groups are only read elsewhere; each attempted member goes to attempted as
+// it is done. With linking, the other names of a linked copy that the walk
+// took once (OtherNames.h) are linked too, each checked like a marked copy.
+CleaningReport removeMarked(const FileList& groups, const CleaningChoice& choice,
+                            const std::vector<std::string>& protectedFolders, FileRemover& remover,
+                            const CleaningRun& run, std::vector<CleanedCopy>& attempted);
+
+// The lists after removeMarked: attempted members leave their groups (with
+// hard links or shared storage, only a linked or shared one: a copy left
+// alone is still a copy; with keepLeftInPlace, no copy left in place either:
+// it stays listed and marked), and a group left with fewer than two members
+// leaves settings.duplicateFileList.
+void leaveLists(const std::vector<CleanedCopy>& attempted, const CleaningChoice& choice,
+                SettingsManager& settings, bool keepLeftInPlace = false);
+
+// The clean command up to the update: askBeforeCleaning, removeMarked, then
+// leaveLists. It checks that a listed group has a marked
 // member, asks before whole groups go and before permanent deletion (as
 // settings.moveToTrash says), then removes every marked member of the listed
 // groups, in order, each through actOnCopy (CopyRemoval.h; actOnCopyInPlace
