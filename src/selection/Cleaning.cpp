@@ -137,6 +137,9 @@ CleaningReport removeMarked(const FileList& groups, const CleaningChoice& choice
     SweptFolders swept;
     // One member, checked and acted on; false when the clean stops after it.
     const auto attempt = [&](const FilePtr& group, const DuplicateFilePtr& m) {
+        if (run.starting) {
+            run.starting(*group, *m);
+        }
         RemovalResult result;
         if (isProtectedCopy(*m, protectedFolders)) {
             result.ok = false;
@@ -157,8 +160,13 @@ CleaningReport removeMarked(const FileList& groups, const CleaningChoice& choice
             report.bytesFreed += result.bytesFreed;
             if (!run.dryRun) {
                 printErrorLine("Error:  ", result.error);
+                // Links and shared storage leave a whole group as it is, as
+                // the user was told before: nothing to point out there.
+                const bool wholeGroup =
+                    markedCount(*group) == static_cast<std::int64_t>(group->duplicates.size());
                 struct stat st {};
-                cleaned.leftInPlace = ::lstat(m->path.c_str(), &st) == 0;
+                cleaned.leftInPlace =
+                    !((linking || sharing) && wholeGroup) && ::lstat(m->path.c_str(), &st) == 0;
             }
         }
         attempted.push_back(std::move(cleaned));

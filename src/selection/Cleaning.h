@@ -68,6 +68,9 @@ struct CleaningRun {
     bool dryRun = false;
     // Asked before each removal; true stops the clean there.
     std::function<bool()> stop;
+    // Told of each member just before it is checked (what a progress display
+    // shows as the copy being checked).
+    std::function<void(const File& group, const DuplicateFile&)> starting;
     // Told of each attempted member as soon as it is done; false stops the clean.
     std::function<bool(const DuplicateFile&, const RemovalResult&)> done;
     // The final act on a checked copy; by default the remover's Trash or

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "engine/File.h"
 #include "selection/Breakdown.h"
@@ -17,6 +18,10 @@ class QLabel;
 class QProgressBar;
 class QPushButton;
 class QTableView;
+
+namespace twinsweep {
+struct CleanedCopy;
+}
 
 namespace twinsweep::ui {
 
@@ -101,6 +106,8 @@ class ViewControllerDuplicates : public ModalWindow {
     // Menus, shortcuts and keys (DuplicatesCommands.cpp).
     void buildCommands();
     void toggleCurrentMember();
+    // Selects the first copy a clean left in place (DuplicatesClean.cpp).
+    void showLeftInPlace(const std::vector<CleanedCopy>& attempted);
 
     // Results update (DuplicatesUpdate.cpp).
     void UpdateResults();
