@@ -175,8 +175,21 @@ void ViewControllerDuplicates::OnClean() {
                                             : CleaningAlert::Done);
     }
     const AlertText left = leftInPlaceAlert(run.attempted);
-    if (!left.informativeText.empty() && showAlert(this, left) == 0) {
-        showLeftInPlace(run.attempted);
+    if (!left.informativeText.empty()) {
+        // The update applied the keep option the control shows again; the
+        // copies left in place keep the marks the user gave them.
+        waitForBackgroundJobs();
+        for (const CleanedCopy& c : run.attempted) {
+            if (c.leftInPlace) {
+                c.member->checkState = 1;
+            }
+        }
+        groupsModel_->refresh();
+        membersModel_->refresh();
+        UpdateSpaceSaved();
+        if (showAlert(this, left) == 0) {
+            showLeftInPlace(run.attempted);
+        }
     }
     if (settingsManager->duplicateFileList.empty()) {
         close();
@@ -184,8 +197,6 @@ void ViewControllerDuplicates::OnClean() {
 }
 
 void ViewControllerDuplicates::showLeftInPlace(const std::vector<CleanedCopy>& attempted) {
-    // The update that follows the clean rebuilds the list first.
-    waitForBackgroundJobs();
     for (const CleanedCopy& c : attempted) {
         if (!c.leftInPlace) {
             continue;
