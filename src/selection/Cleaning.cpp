@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <sys/stat.h>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "engine/Diagnostics.h"
@@ -210,38 +209,60 @@ CleaningReport removeMarked(const FileList& groups, const CleaningChoice& choice
     return report;
 }
 
-void leaveLists(const std::vector<CleanedCopy>& attempted, const CleaningChoice& choice,
-                SettingsManager& settings, bool keepLeftInPlace) {
+LeavingPlan planLeaving(const std::vector<CleanedCopy>& attempted, const CleaningChoice& choice,
+                        const FileList& duplicateFileList, bool keepLeftInPlace) {
     // Attempted members leave their group in one pass per group, and groups
     // left with fewer than two members leave the list in one pass at the
     // end: linear in the listed members.
-    std::unordered_map<File*, std::unordered_set<const DuplicateFile*>> leaving;
-    std::vector<File*> order;
+    LeavingPlan plan;
+    std::unordered_set<const DuplicateFile*> gone;
     for (const CleanedCopy& c : attempted) {
         // A copy that was not linked or shared is still a copy of its group.
         const bool leaves = c.result.ok || (!choice.linking && !choice.sharing);
-        if (!leaves || (keepLeftInPlace && c.leftInPlace)) {
-            continue;
+        if (leaves && !(keepLeftInPlace && c.leftInPlace)) {
+            gone.insert(c.member.get());
         }
-        auto [at, added] = leaving.try_emplace(c.group.get());
-        if (added) {
-            order.push_back(c.group.get());
-        }
-        at->second.insert(c.member.get());
     }
     std::unordered_set<std::string> finished; // group paths
-    for (File* group : order) {
-        const auto& gone = leaving[group];
-        std::erase_if(group->duplicates,
-                      [&](const DuplicateFilePtr& d) { return gone.count(d.get()) != 0; });
-        if (group->duplicates.size() < 2) {
-            finished.insert(group->path);
+    const File* last = nullptr;
+    for (const CleanedCopy& c : attempted) {
+        // A group's attempts come one after the other.
+        if (c.group.get() == last || gone.count(c.member.get()) == 0) {
+            continue;
+        }
+        last = c.group.get();
+        std::vector<DuplicateFilePtr> kept;
+        kept.reserve(c.group->duplicates.size());
+        for (const DuplicateFilePtr& d : c.group->duplicates) {
+            if (gone.count(d.get()) == 0) {
+                kept.push_back(d);
+            }
+        }
+        if (kept.size() < 2) {
+            finished.insert(c.group->path);
+        }
+        plan.members.emplace_back(c.group, std::move(kept));
+    }
+    plan.duplicateFileList.reserve(duplicateFileList.size());
+    for (const FilePtr& g : duplicateFileList) {
+        if (finished.empty() || finished.count(g->path) == 0) {
+            plan.duplicateFileList.push_back(g);
         }
     }
-    if (!finished.empty()) {
-        std::erase_if(settings.duplicateFileList,
-                      [&](const FilePtr& g) { return finished.count(g->path) != 0; });
+    return plan;
+}
+
+void applyLeaving(LeavingPlan& plan, SettingsManager& settings) {
+    for (auto& [group, members] : plan.members) {
+        group->duplicates.swap(members);
     }
+    settings.duplicateFileList.swap(plan.duplicateFileList);
+}
+
+void leaveLists(const std::vector<CleanedCopy>& attempted, const CleaningChoice& choice,
+                SettingsManager& settings, bool keepLeftInPlace) {
+    LeavingPlan plan = planLeaving(attempted, choice, settings.duplicateFileList, keepLeftInPlace);
+    applyLeaving(plan, settings);
 }
 
 CleaningReport clean(const FileList& listed, SettingsManager& settings, CleaningPrompt& prompt,

@@ -122,6 +122,19 @@ CleaningReport removeMarked(const FileList& groups, const CleaningChoice& choice
 void leaveLists(const std::vector<CleanedCopy>& attempted, const CleaningChoice& choice,
                 SettingsManager& settings, bool keepLeftInPlace = false);
 
+// leaveLists in two steps, so that the work can be done on another thread
+// and only the change where the lists are read: planLeaving reads the groups
+// and the list, changes nothing, and returns each changed group's members
+// after the clean and the list after it; applyLeaving swaps them in (after
+// it, plan holds what was there before, to be released anywhere).
+struct LeavingPlan {
+    std::vector<std::pair<FilePtr, std::vector<DuplicateFilePtr>>> members;
+    FileList duplicateFileList;
+};
+LeavingPlan planLeaving(const std::vector<CleanedCopy>& attempted, const CleaningChoice& choice,
+                        const FileList& duplicateFileList, bool keepLeftInPlace);
+void applyLeaving(LeavingPlan& plan, SettingsManager& settings);
+
 // The clean command up to the update: askBeforeCleaning, removeMarked, then
 // leaveLists. It checks that a listed group has a marked
 // member, asks before whole groups go and before permanent deletion (as

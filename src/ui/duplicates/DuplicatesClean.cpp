@@ -7,7 +7,10 @@
 #include <QItemSelectionModel>
 #include <QPushButton>
 #include <QTableView>
+#include <QThreadPool>
 #include <QTimer>
+#include <algorithm>
+#include <iterator>
 #include <thread>
 
 #include "engine/Diagnostics.h"
@@ -68,11 +71,11 @@ bool takeLock(CleaningLock& lock, QWidget* parent) {
 struct CleanRun {
     CleaningReport report;
     std::vector<CleanedCopy> attempted;
+    LeavingPlan leaving; // worked out by the worker too
 };
 
 CleanRun removeInBackground(QWidget* parent, const FileList& groups, const CleaningChoice& choice,
-                            const std::vector<std::string>& protectedFolders,
-                            FileRemover& remover) {
+                            const SettingsManager& settings, FileRemover& remover) {
     std::int64_t marked = 0;
     for (const FilePtr& group : groups) {
         marked += markedCount(*group);
@@ -93,7 +96,11 @@ CleanRun removeInBackground(QWidget* parent, const FileList& groups, const Clean
         return true;
     };
     std::thread worker([&] {
-        out.report = removeMarked(groups, choice, protectedFolders, remover, run, out.attempted);
+        out.report =
+            removeMarked(groups, choice, settings.protectedFolders, remover, run, out.attempted);
+        // A copy our checks left in place stays listed and marked, for the
+        // user to look at.
+        out.leaving = planLeaving(out.attempted, choice, settings.duplicateFileList, true);
         QMetaObject::invokeMethod(
             &display, [&display] { display.finish(); }, Qt::QueuedConnection);
     });
@@ -146,17 +153,22 @@ void ViewControllerDuplicates::OnClean() {
     // The worker reads the listed groups, never changes them; nothing here
     // changes them until it is done.
     const FileList groups = fileList;
-    const CleanRun run =
-        removeInBackground(this, groups, choice, settingsManager->protectedFolders, remover);
+    CleanRun run = removeInBackground(this, groups, choice, *settingsManager, remover);
+    const CleaningReport report = run.report;
     if (const std::string err = remover.trashRecordError(); !err.empty()) {
         runAlert(this,
                  QString::fromStdString("Twinsweep could not keep the record to undo this clean: " +
                                         err + ". Nothing more was moved to the Trash."),
                  {QStringLiteral("OK")});
     }
-    // A copy our checks left in place stays listed and marked, for the user
-    // to look at.
-    leaveLists(run.attempted, choice, *settingsManager, true);
+    applyLeaving(run.leaving, *settingsManager);
+    // What the lists held before, and the record of every act, go on
+    // another thread: freeing a large clean's records takes a while.
+    std::vector<CleanedCopy> left;
+    std::copy_if(run.attempted.begin(), run.attempted.end(), std::back_inserter(left),
+                 [](const CleanedCopy& c) { return c.leftInPlace; });
+    auto done = std::make_shared<CleanRun>(std::move(run));
+    QThreadPool::globalInstance()->start([done = std::move(done)]() mutable { done.reset(); });
     // A group left with protected copies alone has nothing more to offer.
     std::erase_if(settingsManager->duplicateFileList,
                   [](const FilePtr& g) { return onlyProtectedCopies(*g); });
@@ -166,29 +178,27 @@ void ViewControllerDuplicates::OnClean() {
     UpdateResults();
     // With hard links or shared storage a clean that linked or shared nothing
     // changed nothing: it says so instead of saying it cleaned.
-    const bool none = run.report.removed == 0;
-    if (run.report.stopped) {
-        showAlert(this, stoppedAlert(run.report.removed, marked, choice));
+    const bool none = report.removed == 0;
+    if (report.stopped) {
+        showAlert(this, stoppedAlert(report.removed, marked, choice));
     } else {
         prompt.ask(choice.sharing && none   ? CleaningAlert::NothingShared
                    : choice.linking && none ? CleaningAlert::NothingLinked
                                             : CleaningAlert::Done);
     }
-    const AlertText left = leftInPlaceAlert(run.attempted);
-    if (!left.informativeText.empty()) {
+    const AlertText leftAlert = leftInPlaceAlert(left);
+    if (!leftAlert.informativeText.empty()) {
         // The update applied the keep option the control shows again; the
         // copies left in place keep the marks the user gave them.
         waitForBackgroundJobs();
-        for (const CleanedCopy& c : run.attempted) {
-            if (c.leftInPlace) {
-                c.member->checkState = 1;
-            }
+        for (const CleanedCopy& c : left) {
+            c.member->checkState = 1;
         }
         groupsModel_->refresh();
         membersModel_->refresh();
         UpdateSpaceSaved();
-        if (showAlert(this, left) == 0) {
-            showLeftInPlace(run.attempted);
+        if (showAlert(this, leftAlert) == 0) {
+            showLeftInPlace(left);
         }
     }
     if (settingsManager->duplicateFileList.empty()) {
