@@ -25,9 +25,16 @@ std::string reasonOf(const CleanedCopy& c) {
             continue;
         }
         std::size_t end = i;
-        while (end < text.size() && text[end] != ')' && text.compare(end, 2, ", ") != 0 &&
+        // Names often hold parentheses (" (1)"): a path ends at ", ", ": "
+        // or the end only.
+        while (end < text.size() && text.compare(end, 2, ", ") != 0 &&
                text.compare(end, 2, ": ") != 0) {
             ++end;
+        }
+        // ... but the parenthesis the reason opened before it closes there.
+        if (end > i + 1 && text[end - 1] == ')' &&
+            std::count(out.begin(), out.end(), '(') > std::count(out.begin(), out.end(), ')')) {
+            --end;
         }
         out += text.compare(i, end - i, path) == 0 ? "it" : "a kept copy";
         i = end;
