@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "UiTestSupport.h"
+#include "removal/UndoHistory.h"
 #include "ui/duplicates/CleanProgress.h"
 #include "ui/duplicates/MembersModel.h"
 
@@ -45,7 +46,6 @@ class BackgroundCleanTest : public QObject {
     }
 
     void theWindowKeepsRunningAndStopsBetweenTwoRemovals() {
-        SettingsManager::shared()->moveToTrash = false;
         FoundDuplicates found;
         constexpr int kGroups = 1500;
         for (int i = 0; i < kGroups; ++i) {
@@ -69,7 +69,6 @@ class BackgroundCleanTest : public QObject {
         connect(&ticker, &QTimer::timeout, [&] { ticksWhileCleaning += shown ? 1 : 0; });
         ticker.start(1);
         ModalAnswers answers;
-        answers.alert(u"Yes"_s); // permanent deletion
         answers.on<CleanProgress>([&](CleanProgress* progress) {
             shown = progress;
             QCOMPARE(progress->buttonStop->text(), u"Stop"_s);
@@ -79,15 +78,16 @@ class BackgroundCleanTest : public QObject {
         answers.alert(u"OK"_s);
         w.buttonClean->click();
         QVERIFY(answers.allAnswered());
-        QCOMPARE(answers.said.size(), 2);
+        QCOMPARE(answers.said.size(), 1);
         const QRegularExpressionMatch stopped =
             QRegularExpression(
                 u"^Cleaning was stopped: (\\d+) of the 1500 marked copies (was|were) "
-                u"deleted before the stop; the others were left as they are\\.$"_s)
-                .match(answers.said[1]);
-        QVERIFY2(stopped.hasMatch(), qPrintable(answers.said[1]));
+                u"moved to the Trash before the stop; the others were left as "
+                u"they are\\.$"_s)
+                .match(answers.said[0]);
+        QVERIFY2(stopped.hasMatch(), qPrintable(answers.said[0]));
         const int removed = stopped.captured(1).toInt();
-        QVERIFY2(removed < kGroups, qPrintable(answers.said[1]));
+        QVERIFY2(removed < kGroups, qPrintable(answers.said[0]));
 
         // Nothing beyond what the alert says went, and only marked copies.
         const Snapshot after = snapshot(found.tree.root());
@@ -102,20 +102,24 @@ class BackgroundCleanTest : public QObject {
         QCOMPARE(after, without(before, gone));
         QVERIFY(settled(w));
         QCOMPARE(w.tableViewFiles->model()->rowCount(), kGroups - removed);
+        // The undo record holds exactly those.
+        const UndoReport undone = undoNewestClean();
+        QCOMPARE(static_cast<int>(undone.count), removed);
+        QCOMPARE(snapshot(found.tree.root()), before);
 
         // The rest, to the end (the update after a clean applies the keep
         // option again): the window's own timers run meanwhile.
         markCopies();
         ticksWhileCleaning = 0;
         ModalAnswers rest;
-        rest.alert(u"Yes"_s);
         rest.on<CleanProgress>([&](CleanProgress* progress) { shown = progress; });
         rest.alert(u"OK"_s);
         w.buttonClean->click();
         QVERIFY(rest.allAnswered());
         QCOMPARE(rest.said.last(), kDone);
         QVERIFY2(ticksWhileCleaning > 0, qPrintable(QString::number(ticksWhileCleaning)));
-        QCOMPARE(static_cast<int>(snapshot(found.tree.root()).size()), 2 + kGroups);
+        // Those put back are no longer listed, so they stay.
+        QCOMPARE(static_cast<int>(snapshot(found.tree.root()).size()), 2 + kGroups + removed);
         QVERIFY(SettingsManager::shared()->duplicateFileList.empty()); // the window closed
     }
 

@@ -44,6 +44,18 @@ CleanProgress::CleanProgress(QWidget* parent, CleanProgressState& state, std::in
     buttonStop = new QPushButton(QStringLiteral("Stop"), this);
     buttonStop->setAutoDefault(false);
     layout->addWidget(buttonStop, 0, Qt::AlignRight);
+    progressIndicator->setAccessibleName(QStringLiteral("Clean progress"));
+    progressIndicator->setAccessibleDescription(QStringLiteral("Share of the marked copies done"));
+    textFieldCopiesDone->setAccessibleName(QStringLiteral("Copies done"));
+    textFieldCopiesDone->setAccessibleDescription(QStringLiteral("Marked copies done so far"));
+    textFieldBytesFreed->setAccessibleName(QStringLiteral("Space freed"));
+    textFieldBytesFreed->setAccessibleDescription(QStringLiteral("Space freed so far"));
+    textFieldCurrentCopy->setAccessibleName(QStringLiteral("Copy being checked"));
+    textFieldCurrentCopy->setAccessibleDescription(
+        QStringLiteral("The path of the copy checked now"));
+    buttonStop->setAccessibleName(QStringLiteral("Stop"));
+    buttonStop->setAccessibleDescription(
+        QStringLiteral("Stops the clean after the copy under way"));
     connect(buttonStop, &QPushButton::clicked, this, &CleanProgress::OnStop);
     connect(&repaint_, &QTimer::timeout, this, &CleanProgress::repaintLatest);
     repaint_.start(kRepaintIntervalMs);

@@ -75,11 +75,8 @@ struct CleanRun {
 };
 
 CleanRun removeInBackground(QWidget* parent, const FileList& groups, const CleaningChoice& choice,
-                            const SettingsManager& settings, FileRemover& remover) {
-    std::int64_t marked = 0;
-    for (const FilePtr& group : groups) {
-        marked += markedCount(*group);
-    }
+                            const SettingsManager& settings, FileRemover& remover,
+                            std::int64_t marked) {
     CleanProgressState state;
     CleanProgress display(parent, state, marked);
     CleanRun out;
@@ -153,7 +150,7 @@ void ViewControllerDuplicates::OnClean() {
     // The worker reads the listed groups, never changes them; nothing here
     // changes them until it is done.
     const FileList groups = fileList;
-    CleanRun run = removeInBackground(this, groups, choice, *settingsManager, remover);
+    CleanRun run = removeInBackground(this, groups, choice, *settingsManager, remover, marked);
     const CleaningReport report = run.report;
     if (const std::string err = remover.trashRecordError(); !err.empty()) {
         runAlert(this,
