@@ -29,7 +29,7 @@ CleanProgress::CleanProgress(QWidget* parent, CleanProgressState& state, std::in
     setWindowModality(Qt::ApplicationModal);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(
-        new QLabel(QStringLiteral("Checking and removing the marked copies..."), this));
+        new QLabel(QStringLiteral("Checking and cleaning the marked copies..."), this));
     progressIndicator = new QProgressBar(this);
     progressIndicator->setRange(0, 1000);
     progressIndicator->setValue(0);
