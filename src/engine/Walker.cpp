@@ -27,6 +27,7 @@
 #include "engine/FolderListing.h"
 #include "engine/FolderRegistry.h"
 #include "engine/LinkTrust.h"
+#include "engine/OtherNames.h"
 #include "engine/WalkState.h"
 
 namespace twinsweep {
@@ -372,7 +373,11 @@ class FileTools::Walk {
         }
         if (e.attrs.links > 1 &&
             !state_.linkedFiles.insert({e.attrs.device, e.attrs.inode}).second) {
-            return; // the same file under a second name
+            // The same file under a second name: not a record, but linking
+            // the file replaces this name too.
+            const FileIdentity id = identityOf(e.attrs);
+            OtherNames::note(id.device, id.inode, path_, identity);
+            return;
         }
         auto file = std::make_shared<File>(path_, identityOf(e.attrs), File::Seen{});
         file->folder = identity;
@@ -404,6 +409,7 @@ void FileTools::scanFolders(const std::vector<std::string>& folders, bool ignore
                             std::uint64_t maximum) {
     if (!walk_) {
         walk_ = std::make_unique<WalkState>();
+        OtherNames::clear();
     }
     {
         Walk walk(*this, ignorePackages, extensions, minimum, maximum);

@@ -68,6 +68,9 @@ struct CleaningRun {
     bool dryRun = false;
     // Asked before each removal; true stops the clean there.
     std::function<bool()> stop;
+    // Told of each member just before it is checked (what a progress display
+    // shows as the copy being checked).
+    std::function<void(const File& group, const DuplicateFile&)> starting;
     // Told of each attempted member as soon as it is done; false stops the clean.
     std::function<bool(const DuplicateFile&, const RemovalResult&)> done;
     // The final act on a checked copy; by default the remover's Trash or
@@ -76,7 +79,64 @@ struct CleaningRun {
     CopyAction action;
 };
 
-// The clean command up to the update: checks that a listed group has a marked
+// What the questions decided: whether the removals go ahead (outcome
+// Cleaned) and how each marked copy is acted on.
+struct CleaningChoice {
+    CleaningOutcome outcome = CleaningOutcome::NothingMarked;
+    bool linking = false; // replaced by hard links
+    bool sharing = false; // storage shared with a kept copy
+    bool toTrash = true;  // else deleted for good (when neither of the above)
+};
+
+// The clean's questions, in order, before anything is touched: nothing
+// marked among the listed groups, whole groups, permanent deletion (and, when
+// sharing storage, whether a folder searched can share at all).
+CleaningChoice askBeforeCleaning(const FileList& listed, const SettingsManager& settings,
+                                 CleaningPrompt& prompt);
+
+// One attempted member and what became of it.
+struct CleanedCopy {
+    FilePtr group;
+    DuplicateFilePtr member;
+    RemovalResult result;
+    // Not acted on, and the file is still at its path (a check refused it, or
+    // the act failed): not a vanished file.
+    bool leftInPlace = false;
+};
+
+// The removals alone, for the choice made: every marked member of groups, in
+// order, through actOnCopy (see clean below). Reads the groups and changes
+// neither them nor any list, so it may run on another thread while the
+// groups are only read elsewhere; each attempted member goes to attempted as
+// it is done. With linking, the other names of a linked copy that the walk
+// took once (OtherNames.h) are linked too, each checked like a marked copy.
+CleaningReport removeMarked(const FileList& groups, const CleaningChoice& choice,
+                            const std::vector<std::string>& protectedFolders, FileRemover& remover,
+                            const CleaningRun& run, std::vector<CleanedCopy>& attempted);
+
+// The lists after removeMarked: attempted members leave their groups (with
+// hard links or shared storage, only a linked or shared one: a copy left
+// alone is still a copy; with keepLeftInPlace, no copy left in place either:
+// it stays listed and marked), and a group left with fewer than two members
+// leaves settings.duplicateFileList.
+void leaveLists(const std::vector<CleanedCopy>& attempted, const CleaningChoice& choice,
+                SettingsManager& settings, bool keepLeftInPlace = false);
+
+// leaveLists in two steps, so that the work can be done on another thread
+// and only the change where the lists are read: planLeaving reads the groups
+// and the list, changes nothing, and returns each changed group's members
+// after the clean and the list after it; applyLeaving swaps them in (after
+// it, plan holds what was there before, to be released anywhere).
+struct LeavingPlan {
+    std::vector<std::pair<FilePtr, std::vector<DuplicateFilePtr>>> members;
+    FileList duplicateFileList;
+};
+LeavingPlan planLeaving(const std::vector<CleanedCopy>& attempted, const CleaningChoice& choice,
+                        const FileList& duplicateFileList, bool keepLeftInPlace);
+void applyLeaving(LeavingPlan& plan, SettingsManager& settings);
+
+// The clean command up to the update: askBeforeCleaning, removeMarked, then
+// leaveLists. It checks that a listed group has a marked
 // member, asks before whole groups go and before permanent deletion (as
 // settings.moveToTrash says), then removes every marked member of the listed
 // groups, in order, each through actOnCopy (CopyRemoval.h; actOnCopyInPlace

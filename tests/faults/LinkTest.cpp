@@ -134,3 +134,47 @@ TEST(Links, MadeFromTheComparedFile) {
         settings->duplicateFileList.clear();
     }
 }
+
+TEST(Links, ASetThatHoldsAHardLinkEndsAsOneFileInOnePass) {
+    TempTree tree;
+    // c is the oldest copy, so it is kept; a and b are one file under two
+    // names, which the search lists once; p is a third name of it, protected.
+    tree.write("c/f", "one file, four names");
+    ::sleep(1);
+    tree.write("a/f", "one file, four names");
+    fs::create_directories(tree.path("b"));
+    fs::create_directories(tree.path("p"));
+    ASSERT_EQ(::link(tree.path("a/f").c_str(), tree.path("b/f").c_str()), 0);
+    ASSERT_EQ(::link(tree.path("a/f").c_str(), tree.path("p/f").c_str()), 0);
+    const Snapshot before = snapshot(tree.root());
+    const std::vector<std::string> base{"--any-location", "--keep",       "oldest",   "--link",
+                                        "--protect",      tree.path("p"), tree.root()};
+    std::vector<std::string> dry = base;
+    dry.insert(dry.begin(), "--dry-run");
+    const CliOutcome preview = runCli(dry);
+    EXPECT_EQ(listed(preview.out, "would link: "),
+              (std::vector<std::string>{tree.path("a/f"), tree.path("b/f")}))
+        << preview.out;
+    EXPECT_EQ(snapshot(tree.root()), before);
+
+    const CliOutcome r = runCli(base);
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(listed(r.out, "linked: "),
+              (std::vector<std::string>{tree.path("a/f"), tree.path("b/f")}))
+        << r.out;
+    EXPECT_EQ(snapshot(tree.root()), before);
+    struct stat kept {};
+    ASSERT_EQ(::stat(tree.path("c/f").c_str(), &kept), 0);
+    EXPECT_EQ(kept.st_nlink, 3u);
+    EXPECT_EQ(inodeOf(tree.path("a/f")), inodeOf(tree.path("c/f")));
+    EXPECT_EQ(inodeOf(tree.path("b/f")), inodeOf(tree.path("c/f")));
+    // The protected name keeps the old file, now alone.
+    struct stat prot {};
+    ASSERT_EQ(::stat(tree.path("p/f").c_str(), &prot), 0);
+    EXPECT_EQ(prot.st_nlink, 1u);
+    EXPECT_NE(inodeOf(tree.path("p/f")), inodeOf(tree.path("c/f")));
+
+    // A second pass finds nothing left to link.
+    const CliOutcome again = runCli(base);
+    EXPECT_EQ(listed(again.out, "linked: ").size(), 0u) << again.out;
+}

@@ -10,6 +10,7 @@
 
 #include "Groups.h"
 #include "selection/Cleaning.h"
+#include "selection/CleaningSummary.h"
 #include "selection/KeepOptions.h"
 #include "support/TempTree.h"
 
@@ -224,4 +225,54 @@ TEST_F(Cleaning, OnlyAnUnmarkedCopyAsTheSearchSawItAndWithTheSameBytesVouches) {
               (Texts{"Error:  " + copies[0] + noKept, "Error:  " + copies[1] + noKept,
                      "Error:  " + marked + ": not byte for byte the same as " +
                          tree.path("a/2.txt") + ", not removed"}));
+}
+
+TEST_F(Cleaning, CopiesLeftInPlaceCountByReasonAndStayListedWhenAsked) {
+    three->duplicates[1]->checkState = 1;
+    three->duplicates[2]->checkState = 1;
+    two->duplicates[1]->checkState = 1;
+    const Snapshot before = files();
+    CleaningChoice choice;
+    choice.outcome = CleaningOutcome::Cleaned;
+    choice.toTrash = false;
+    CleaningRun run;
+    // Refuses both copies of three, each naming another kept path.
+    run.action = [&](const RemovalTarget& t) {
+        if (t.path.ends_with("1.jpg")) {
+            RemovalResult r;
+            r.ok = false;
+            r.error = t.path + ": no kept copy is left to compare with (" + t.path +
+                      ": not byte for byte the same as /k/" +
+                      (t.path == path(three, 1) ? "one" : "two (2)") + "), not removed";
+            return r;
+        }
+        return remover.removeForGood(t);
+    };
+    std::vector<CleanedCopy> attempted;
+    StdoutCapture out;
+    const CleaningReport r = removeMarked(s.duplicateFileList, choice, {}, remover, run, attempted);
+    EXPECT_EQ(lines(out.finish()).size(), 2u);
+    EXPECT_EQ(r.removed, 1);
+    EXPECT_EQ(r.failed, 2);
+    EXPECT_EQ(files(), less(before, {path(two, 1)}));
+    // Nothing in the lists changed yet.
+    EXPECT_EQ(three->duplicates.size(), 3u);
+    EXPECT_EQ(s.duplicateFileList.size(), 2u);
+    EXPECT_EQ(reasonsLeftInPlace(attempted),
+              (std::vector<std::pair<std::string, std::int64_t>>{
+                  {"no kept copy is left to compare with (it: not byte for byte the same as a "
+                   "kept copy), not removed",
+                   2}}));
+    EXPECT_EQ(leftInPlaceAlert(attempted).buttons, (Texts{"Show Them", "OK"}));
+
+    // The window keeps them listed; the command-line tool's lists drop them.
+    LeavingPlan plan = planLeaving(attempted, choice, s.duplicateFileList, true);
+    EXPECT_EQ(three->duplicates.size(), 3u);
+    applyLeaving(plan, s);
+    EXPECT_EQ(three->duplicates.size(), 3u);
+    EXPECT_EQ(two->duplicates.size(), 1u);
+    EXPECT_EQ(s.duplicateFileList, (FileList{three}));
+    leaveLists(attempted, choice, s);
+    EXPECT_EQ(three->duplicates.size(), 1u);
+    EXPECT_TRUE(s.duplicateFileList.empty());
 }

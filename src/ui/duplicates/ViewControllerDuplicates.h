@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "engine/File.h"
 #include "selection/Breakdown.h"
@@ -19,6 +20,10 @@ class QMenu;
 class QProgressBar;
 class QPushButton;
 class QTableView;
+
+namespace twinsweep {
+struct CleanedCopy;
+}
 
 namespace twinsweep::ui {
 
@@ -116,6 +121,8 @@ class ViewControllerDuplicates : public ModalWindow {
     // Menus, shortcuts and keys (DuplicatesCommands.cpp).
     void buildCommands();
     void toggleCurrentMember();
+    // Selects the first copy a clean left in place (DuplicatesClean.cpp).
+    void showLeftInPlace(const std::vector<CleanedCopy>& attempted);
 
     // Totals, filter and context menus (DuplicatesReview.cpp).
     void buildReview();

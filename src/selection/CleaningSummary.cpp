@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "selection/CleaningSummary.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace twinsweep {
+
+namespace {
+
+// The reason of a copy's removal failure, without the paths that make every
+// copy's reason different.
+std::string reasonOf(const CleanedCopy& c) {
+    const std::string& path = c.member->path;
+    std::string text = c.result.error;
+    if (text.starts_with(path + ": ")) {
+        text.erase(0, path.size() + 2);
+    }
+    std::string out;
+    for (std::size_t i = 0; i < text.size();) {
+        const bool pathStarts = text[i] == '/' && (i == 0 || text[i - 1] == ' ' ||
+                                                   text[i - 1] == '(' || text[i - 1] == '"');
+        if (!pathStarts) {
+            out += text[i++];
+            continue;
+        }
+        std::size_t end = i;
+        // Names often hold parentheses (" (1)"): a path ends at ", ", ": "
+        // or the end only.
+        while (end < text.size() && text.compare(end, 2, ", ") != 0 &&
+               text.compare(end, 2, ": ") != 0) {
+            ++end;
+        }
+        // ... but the parenthesis the reason opened before it closes there.
+        if (end > i + 1 && text[end - 1] == ')' &&
+            std::count(out.begin(), out.end(), '(') > std::count(out.begin(), out.end(), ')')) {
+            --end;
+        }
+        out += text.compare(i, end - i, path) == 0 ? "it" : "a kept copy";
+        i = end;
+    }
+    return out.empty() ? "not removed" : out;
+}
+
+std::string copies(std::int64_t n) {
+    return std::to_string(n) + (n == 1 ? " marked copy" : " marked copies");
+}
+
+} // namespace
+
+std::vector<std::pair<std::string, std::int64_t>>
+reasonsLeftInPlace(const std::vector<CleanedCopy>& attempted) {
+    std::vector<std::pair<std::string, std::int64_t>> reasons;
+    std::unordered_map<std::string, std::size_t> at;
+    for (const CleanedCopy& c : attempted) {
+        if (!c.leftInPlace) {
+            continue;
+        }
+        const std::string reason = reasonOf(c);
+        const auto [it, added] = at.try_emplace(reason, reasons.size());
+        if (added) {
+            reasons.emplace_back(reason, 0);
+        }
+        ++reasons[it->second].second;
+    }
+    std::stable_sort(reasons.begin(), reasons.end(),
+                     [](const auto& a, const auto& b) { return a.second > b.second; });
+    return reasons;
+}
+
+AlertText leftInPlaceAlert(const std::vector<CleanedCopy>& attempted) {
+    const auto reasons = reasonsLeftInPlace(attempted);
+    std::int64_t total = 0;
+    for (const auto& r : reasons) {
+        total += r.second;
+    }
+    if (total == 0) {
+        return {};
+    }
+    std::string text = copies(total) + (total == 1 ? " was" : " were") +
+                       " left in place, still listed and marked:";
+    // A long list of causes helps nobody; the standard output has them all.
+    constexpr std::size_t kShown = 8;
+    for (std::size_t i = 0; i < reasons.size() && i < kShown; ++i) {
+        text += "\n" + std::to_string(reasons[i].second) + " × " + reasons[i].first;
+    }
+    if (reasons.size() > kShown) {
+        std::int64_t rest = 0;
+        for (std::size_t i = kShown; i < reasons.size(); ++i) {
+            rest += reasons[i].second;
+        }
+        text += "\n" + std::to_string(rest) + " × other reasons";
+    }
+    return {text, {"Show Them", "OK"}};
+}
+
+AlertText stoppedAlert(std::int64_t done, std::int64_t marked, const CleaningChoice& choice) {
+    const bool one = done == 1;
+    const std::string verb =
+        choice.sharing
+            ? (one ? " now shares" : " now share") + std::string(" storage with a kept copy")
+        : choice.linking ? (one ? " was replaced by a hard link" : " were replaced by hard links")
+                         : std::string(one ? " was" : " were") +
+                               (choice.toTrash ? " moved to the Trash" : " deleted");
+    return {"Cleaning was stopped: " + std::to_string(done) + " of the " + copies(marked) + verb +
+                " before the stop; the others were left as they are.",
+            {"OK"}};
+}
+
+} // namespace twinsweep
