@@ -249,7 +249,7 @@ TEST_F(Cleaning, CopiesLeftInPlaceCountByReasonAndStayListedWhenAsked) {
         return remover.removeForGood(t);
     };
     std::vector<CleanedCopy> attempted;
-    StdoutCapture out;
+    DiagnosticsCapture out;
     const CleaningReport r = removeMarked(s.duplicateFileList, choice, {}, remover, run, attempted);
     EXPECT_EQ(lines(out.finish()).size(), 2u);
     EXPECT_EQ(r.removed, 1);
