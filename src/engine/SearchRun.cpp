@@ -2,6 +2,7 @@
 // The search run: nested folders dropped, walk, size order, comparison,
 // collection of the group heads, with progress and cancellation throughout.
 #include <algorithm>
+#include <fcntl.h>
 #include <optional>
 #include <set>
 #include <sys/stat.h>
@@ -10,6 +11,7 @@
 #include "engine/Digest.h"
 #include "engine/DigestPipeline.h"
 #include "engine/FileTools.h"
+#include "engine/WalkedFolders.h"
 #include "settings/SettingsManager.h"
 
 namespace twinsweep {
@@ -59,6 +61,7 @@ bool FileTools::byContent(std::uint64_t size) const {
 
 DuplicateFilePtr FileTools::memberFor(const File& file) const {
     // A file that vanished since the walk has no date to show: the empty text.
+    // The member shares the record's path text rather than copying it.
     auto member = std::make_shared<DuplicateFile>(
         file.path, fileDateText(file.path, DateKind::Creation, file.folder).value_or(""), 0);
     member->seen = file.seen;
@@ -70,6 +73,7 @@ FileList FileTools::findDuplicateFiles(const std::vector<std::string>& folders,
                                        std::uint64_t minimum, std::uint64_t maximum,
                                        bool ignorePackages,
                                        const std::vector<std::string>& extensions) {
+    const WalkedFolderSession openFolders;
     finishedPosted_ = false;
     byteProgress->start(0);
     // The walk posts once more when its top-level call returns: that is the
@@ -94,21 +98,25 @@ FileList FileTools::findDuplicateFiles(const std::vector<std::string>& folders,
     userInfo[kCheckedFiles] = static_cast<std::int64_t>(fileList.size());
     post(kUpdateProgress);
 
-    // Sized once: a million heads grown by doubling would hold half as much
-    // again while the list is copied over.
-    FileList heads;
-    heads.reserve(static_cast<std::size_t>(std::count_if(
-        fileList.begin(), fileList.end(), [](const FilePtr& f) { return !f->wasFound; })));
-    for (const FilePtr& file : fileList) {
+    // The heads are gathered in place: a second list beside the first would
+    // hold a million more pointers at the peak. The records of the copies go
+    // with their last owner (their member entries keep only the path).
+    std::size_t kept = 0;
+    for (std::size_t k = 0; k < fileList.size(); ++k) {
         if (canceled()) {
             post(kSearchThreadFinished);
             return {};
         }
-        if (!file->wasFound) {
-            heads.push_back(file);
+        if (!fileList[k]->wasFound) {
+            if (kept != k) {
+                fileList[kept] = std::move(fileList[k]);
+            }
+            ++kept;
         }
     }
-    return heads;
+    fileList.resize(kept);
+    fileList.shrink_to_fit();
+    return std::move(fileList);
 }
 
 void FileTools::takeEachFileOnce() {
@@ -118,9 +126,16 @@ void FileTools::takeEachFileOnce() {
     // first. Such files are rare, so the common case costs one pass over sizes.
     std::set<std::pair<std::uint32_t, std::uint64_t>> linked;
     for (const FilePtr& f : fileList) {
+        if (f->size != 0 || !f->seen.known || !packageSet_.contains(f->ext.view())) {
+            continue;
+        }
+        // Through the folder the walk found it in, as every read of the search.
+        const std::string path(f->path);
+        ItemAt at;
         struct stat st {};
-        if (f->size == 0 && f->seen.known && packageSet_.contains(f->ext.view()) &&
-            ::lstat(f->path.c_str(), &st) == 0 && S_ISREG(st.st_mode) && st.st_nlink > 1) {
+        if (locateItem(f->folder, path, at) &&
+            ::fstatat(at.dirFd, at.name, &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(st.st_mode) &&
+            st.st_nlink > 1) {
             linked.insert({f->seen.device, f->seen.inode});
         }
     }
