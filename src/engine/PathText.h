@@ -158,6 +158,25 @@ class PathText {
     Block* block_ = nullptr;
 };
 
+// A path handed to a function that only reads it: a std::string, a PathText
+// or a C string, taken without a copy (each ends with a NUL).
+class PathArg {
+  public:
+    PathArg(const std::string& text) : text_(text.c_str()), size_(text.size()) {}
+    PathArg(const PathText& text) : text_(text.c_str()), size_(text.size()) {}
+    PathArg(const char* text) : text_(text), size_(std::strlen(text)) {}
+
+    const char* c_str() const { return text_; }
+    std::size_t size() const { return size_; }
+    std::string_view view() const { return {text_, size_}; }
+    operator std::string_view() const { return view(); }
+    std::string str() const { return std::string(view()); }
+
+  private:
+    const char* text_;
+    std::size_t size_;
+};
+
 } // namespace twinsweep
 
 template <> struct std::hash<twinsweep::PathText> {

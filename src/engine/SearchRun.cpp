@@ -130,10 +130,9 @@ void FileTools::takeEachFileOnce() {
             continue;
         }
         // Through the folder the walk found it in, as every read of the search.
-        const std::string path(f->path);
         ItemAt at;
         struct stat st {};
-        if (locateItem(f->folder, path, at) &&
+        if (locateItem(f->folder, f->path, at) &&
             ::fstatat(at.dirFd, at.name, &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(st.st_mode) &&
             st.st_nlink > 1) {
             linked.insert({f->seen.device, f->seen.inode});

@@ -219,8 +219,8 @@ FolderFdPtr openWalkedFolder(std::uint32_t index) {
     return fd;
 }
 
-bool locateItem(std::uint32_t folder, const std::string& path, ItemAt& at) {
-    const auto slash = path.find_last_of('/');
+bool locateItem(std::uint32_t folder, PathArg path, ItemAt& at) {
+    const auto slash = path.view().find_last_of('/');
     if (folder == 0 || slash == std::string::npos) {
         at.folder.reset();
         at.dirFd = AT_FDCWD;

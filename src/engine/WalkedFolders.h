@@ -5,6 +5,7 @@
 #include <string>
 
 #include "engine/FolderChain.h"
+#include "engine/PathText.h"
 
 namespace twinsweep {
 
@@ -23,7 +24,7 @@ struct ItemAt {
 // Where the item at path, found in the walked folder index (0: not known),
 // is reached; false with errno set when its folder can't be opened or is no
 // longer the folder that was walked.
-bool locateItem(std::uint32_t folder, const std::string& path, ItemAt& at);
+bool locateItem(std::uint32_t folder, PathArg path, ItemAt& at);
 
 // The walked folder at index, opened; null with errno set.
 FolderFdPtr openWalkedFolder(std::uint32_t index);
