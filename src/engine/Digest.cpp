@@ -113,7 +113,7 @@ Md5 md5Of(const void* data, std::size_t length) {
 
 // Only a regular file is read: a device could stream forever, and a FIFO
 // never ends.
-int openForReading(const std::string& path, std::uint32_t folder) {
+int openForReading(PathArg path, std::uint32_t folder) {
     ItemAt at;
     if (!locateItem(folder, path, at)) {
         return -1;
@@ -144,7 +144,7 @@ long preadFully(int fd, unsigned char* data, std::size_t length, std::uint64_t o
     });
 }
 
-Md5 streamDigest(const std::string& path, std::uint32_t folder) {
+Md5 streamDigest(PathArg path, std::uint32_t folder) {
     const int fd = openForReading(path, folder);
     if (fd < 0) {
         printErrorLine(kOoops, path, errno);
@@ -153,7 +153,7 @@ Md5 streamDigest(const std::string& path, std::uint32_t folder) {
     return streamDigestOf(fd, path);
 }
 
-Md5 streamDigestOf(int fd, const std::string& path) {
+Md5 streamDigestOf(int fd, PathArg path) {
     thread_local std::vector<unsigned char> buffer(kBufferSize);
 #ifdef POSIX_FADV_SEQUENTIAL
     ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);

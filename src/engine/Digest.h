@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include "engine/PathText.h"
+
 namespace twinsweep {
 
 using Md5 = std::array<unsigned char, 16>;
@@ -21,15 +23,15 @@ Md5 md5Of(const void* data, std::size_t length);
 // read is digested as empty, after its "Ooops! Something went wrong: " line.
 // folder: the walked folder it was found in (FolderRegistry), so that a path
 // deeper than PATH_MAX is read too; 0 when not known.
-Md5 streamDigest(const std::string& path, std::uint32_t folder = 0);
+Md5 streamDigest(PathArg path, std::uint32_t folder = 0);
 // The same for a file already open (openForReading), which it closes; path
 // names it in the message.
-Md5 streamDigestOf(int fd, const std::string& path);
+Md5 streamDigestOf(int fd, PathArg path);
 
 // Opens a regular file for reading, never blocking on a FIFO or a device;
 // anything else fails (EISDIR for a folder, EINVAL otherwise). Returns -1 with
 // errno set on failure. folder as for streamDigest.
-int openForReading(const std::string& path, std::uint32_t folder = 0);
+int openForReading(PathArg path, std::uint32_t folder = 0);
 
 // Reads up to length bytes, retrying short reads; the count read (less only at
 // the end of the file), or -1 with errno set.

@@ -16,8 +16,9 @@ static_assert(sizeof(FileIdentity) == 32);
 static_assert(sizeof(DigestText) == sizeof(void*));
 static_assert(sizeof(ShortText) == 8);
 static_assert(sizeof(RuleText) == 8);
-// With its shared count, a record is one 152-byte allocation (a 160-byte block).
-static_assert(sizeof(File) <= 136);
+// With its shared count, a record is one 128-byte allocation; its path is one more.
+static_assert(sizeof(PathText) == sizeof(void*));
+static_assert(sizeof(File) <= 112);
 
 FileIdentity identityFromStat(const struct stat& st) {
     FileIdentity id;
@@ -53,20 +54,20 @@ const std::string& defaultRuleText() {
     return sharedDefaultRuleText().str();
 }
 
-std::string extensionOf(const std::string& path) {
+std::string extensionOf(std::string_view path) {
     const auto slash = path.find_last_of('/');
     const std::size_t nameStart = slash == std::string::npos ? 0 : slash + 1;
     const auto dot = path.find_last_of('.');
     if (dot == std::string::npos || dot < nameStart) {
         return {};
     }
-    return lowerCased(std::string_view(path).substr(dot + 1));
+    return lowerCased(path.substr(dot + 1));
 }
 
-DuplicateFile::DuplicateFile(std::string p, std::string d, std::int64_t state)
+DuplicateFile::DuplicateFile(PathText p, std::string d, std::int64_t state)
     : path(std::move(p)), date(std::move(d)), checkState(state) {}
 
-File::File(std::string p) : path(std::move(p)) {
+File::File(PathText p) : path(std::move(p)) {
     ext = extensionOf(path);
     struct stat st {};
     if (::lstat(path.c_str(), &st) == 0) {
@@ -78,7 +79,7 @@ File::File(std::string p) : path(std::move(p)) {
     customSettings = sharedDefaultRuleText();
 }
 
-File::File(std::string p, const FileIdentity& identity, Seen)
+File::File(PathText p, const FileIdentity& identity, Seen)
     : path(std::move(p)), size(identity.size), customSettings(sharedDefaultRuleText()),
       seen(identity) {
     ext = extensionOf(path);

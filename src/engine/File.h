@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "engine/DigestText.h"
+#include "engine/PathText.h"
 #include "engine/RuleText.h"
 #include "engine/ShortText.h"
 
@@ -60,9 +61,10 @@ FileIdentity identityFromStat(const struct stat& st);
 
 class DuplicateFile {
   public:
-    DuplicateFile(std::string path, std::string date, std::int64_t checkState);
+    DuplicateFile(PathText path, std::string date, std::int64_t checkState);
 
-    std::string path;
+    // Shared with the record it was made from: one text for both.
+    PathText path;
     std::string date;
     SharedInt checkState = 0;
 
@@ -78,9 +80,9 @@ using DuplicateFilePtr = std::shared_ptr<DuplicateFile>;
 
 class File {
   public:
-    explicit File(std::string path);
+    explicit File(PathText path);
 
-    std::string path;
+    PathText path;
     ShortText ext;
     std::uint64_t size = 0;
     std::vector<DuplicateFilePtr> duplicates;
@@ -97,14 +99,14 @@ class File {
     // For the walk, which has already read the attributes: the same record as
     // the path constructor makes, without reading them again.
     struct Seen {};
-    File(std::string path, const FileIdentity& identity, Seen);
+    File(PathText path, const FileIdentity& identity, Seen);
 };
 
 using FilePtr = std::shared_ptr<File>;
 using FileList = std::vector<FilePtr>;
 
 // The text after the last "." of the last path component, lower-cased; "" when none.
-std::string extensionOf(const std::string& path);
+std::string extensionOf(std::string_view path);
 
 // The 23-line custom rule text every new record starts with.
 const std::string& defaultRuleText();

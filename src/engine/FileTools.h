@@ -124,7 +124,7 @@ class FileTools {
     // Absent when the item's attributes can't be read. folder: the walked
     // folder the item was found in (FolderRegistry), so that a path deeper
     // than PATH_MAX has a date too; 0 when not known.
-    static std::optional<std::string> fileDateText(const std::string& path, DateKind which,
+    static std::optional<std::string> fileDateText(PathArg path, DateKind which,
                                                    std::uint32_t folder = 0);
 
     // Sets "totalFiles" to the length of fileList and "checkedFiles" to 0, and

@@ -46,8 +46,7 @@ std::string FileTools::fileSizeText(std::uint64_t bytes) {
 
 namespace {
 
-bool readTimes(const std::string& path, std::uint32_t folder, DateKind which,
-               std::int64_t& seconds) {
+bool readTimes(PathArg path, std::uint32_t folder, DateKind which, std::int64_t& seconds) {
 #if defined(__APPLE__)
     (void)folder;
     struct stat st {};
@@ -85,7 +84,7 @@ bool readTimes(const std::string& path, std::uint32_t folder, DateKind which,
 
 } // namespace
 
-std::optional<std::string> FileTools::fileDateText(const std::string& path, DateKind which,
+std::optional<std::string> FileTools::fileDateText(PathArg path, DateKind which,
                                                    std::uint32_t folder) {
     std::int64_t seconds = 0;
     if (!readTimes(path, folder, which, seconds)) {

@@ -5,6 +5,7 @@
 #include "engine/GentleRead.h"
 #include "engine/ProtectedFolders.h"
 #include "engine/SameFile.h"
+#include "engine/WalkedFolders.h"
 #include "settings/SettingsManager.h"
 
 namespace twinsweep {
@@ -39,6 +40,8 @@ bool runSearchJob(SettingsManager& settings, FileTools& tools, SearchContext& co
     tools.compareLargeFilesByContent = settings.compareLargeFilesByContent;
     // The reading threads start below and inherit it.
     const IdleIoPriority idle(settings.idleSearch);
+    // The walked folders stay open until each head's own entry is dated too.
+    const WalkedFolderSession openFolders;
     beginGentleSearch();
     const std::vector<std::string> extensions =
         settings.customFileTypes ? settings.listFileExtensions : std::vector<std::string>{};

@@ -3,6 +3,7 @@
 // comparison in Comparison.cpp, collection of the group heads) over the
 // context its starter hands in, with one way out for a cancelled run.
 #include <algorithm>
+#include <fcntl.h>
 #include <optional>
 #include <set>
 #include <sys/stat.h>
@@ -10,6 +11,7 @@
 
 #include "engine/Digest.h"
 #include "engine/FileTools.h"
+#include "engine/WalkedFolders.h"
 
 namespace twinsweep {
 
@@ -58,6 +60,7 @@ bool FileTools::byContent(std::uint64_t size) const {
 
 DuplicateFilePtr FileTools::memberFor(const File& file) const {
     // A file that vanished since the walk has no date to show: the empty text.
+    // The member shares the record's path text rather than copying it.
     auto member = std::make_shared<DuplicateFile>(
         file.path, fileDateText(file.path, DateKind::Creation, file.folder).value_or(""), 0);
     member->seen = file.seen;
@@ -72,6 +75,7 @@ FileList FileTools::findDuplicateFiles(SearchContext& context,
                                        const std::vector<std::string>& extensions) {
     SearchContext* const before = context_;
     context_ = &context;
+    const WalkedFolderSession openFolders;
     finishedPosted_ = false;
     context.bytes->start(0);
     std::optional<FileList> heads;
@@ -139,23 +143,29 @@ std::optional<FileList> FileTools::collectionPhase() {
     PhaseProgress& phases = context_->phases;
     phases.begin(SearchPhase::Collection, fileList.size(), 0);
     const PhaseTimer timer{phases};
-    // Sized once: a million heads grown by doubling would hold half as much
-    // again while the list is copied over.
-    FileList heads;
-    heads.reserve(static_cast<std::size_t>(std::count_if(
-        fileList.begin(), fileList.end(), [](const FilePtr& f) { return !f->wasFound; })));
+    // The heads are gathered in place: a second list beside the first would
+    // hold a million more pointers at the peak. The records of the copies go
+    // with their last owner (their member entries keep only the path).
+    std::size_t kept = 0;
     std::uint64_t bytes = 0;
-    for (const FilePtr& file : fileList) {
+    for (std::size_t k = 0; k < fileList.size(); ++k) {
         if (canceled()) {
+            // What was moved up leaves empty places behind: close them.
+            std::erase_if(fileList, [](const FilePtr& f) { return !f; });
             return std::nullopt;
         }
-        if (!file->wasFound) {
-            heads.push_back(file);
-            bytes += file->size;
+        if (!fileList[k]->wasFound) {
+            bytes += fileList[k]->size;
+            if (kept != k) {
+                fileList[kept] = std::move(fileList[k]);
+            }
+            ++kept;
         }
     }
     phases.advance(fileList.size(), bytes);
-    return heads;
+    fileList.resize(kept);
+    fileList.shrink_to_fit();
+    return std::move(fileList);
 }
 
 void FileTools::takeEachFileOnce() {
@@ -165,9 +175,15 @@ void FileTools::takeEachFileOnce() {
     // first. Such files are rare, so the common case costs one pass over sizes.
     std::set<std::pair<std::uint32_t, std::uint64_t>> linked;
     for (const FilePtr& f : fileList) {
+        if (f->size != 0 || !f->seen.known || !packageSet_.contains(f->ext.view())) {
+            continue;
+        }
+        // Through the folder the walk found it in, as every read of the search.
+        ItemAt at;
         struct stat st {};
-        if (f->size == 0 && f->seen.known && packageSet_.contains(f->ext.view()) &&
-            ::lstat(f->path.c_str(), &st) == 0 && S_ISREG(st.st_mode) && st.st_nlink > 1) {
+        if (locateItem(f->folder, f->path, at) &&
+            ::fstatat(at.dirFd, at.name, &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(st.st_mode) &&
+            st.st_nlink > 1) {
             linked.insert({f->seen.device, f->seen.inode});
         }
     }

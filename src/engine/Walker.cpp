@@ -29,6 +29,7 @@
 #include "engine/LinkTrust.h"
 #include "engine/OtherNames.h"
 #include "engine/WalkState.h"
+#include "engine/WalkedFolders.h"
 
 namespace twinsweep {
 
@@ -127,6 +128,7 @@ class FileTools::Walk {
             }
             top.identity.push_back(
                 FolderRegistry::remember(node->device, node->inode, false, 0, folders[k]));
+            keepWalkedFolder(top.identity.back(), fd);
             top.dirs.push_back(std::move(node));
             top.paths.push_back(folders[k]);
             top.fds.push_back(std::move(fd));
@@ -310,6 +312,7 @@ class FileTools::Walk {
         const Frame& parent = frames_.back();
         child.identity.push_back(FolderRegistry::remember(node->device, node->inode, foreign,
                                                           parent.identity[parent.dir], e.name));
+        keepWalkedFolder(child.identity.back(), fd);
         chain_.push(std::move(fd), e.name, node->device, node->inode);
         child.dirs.push_back(std::move(node));
         child.pathLen = path_.size();

@@ -105,7 +105,7 @@ void applyStep(const Step& step, const FileList& seen) {
     }
     if (step.change == Change::CopyOther) {
         std::error_code ec;
-        std::filesystem::copy_file(seen[step.other % seen.size()]->path, victim,
+        std::filesystem::copy_file(seen[step.other % seen.size()]->path.str(), victim,
                                    std::filesystem::copy_options::overwrite_existing, ec);
     } else if (step.change == Change::Unreadable) {
         ::chmod(victim.c_str(), 0);

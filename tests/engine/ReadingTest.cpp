@@ -6,6 +6,7 @@
 #include <climits>
 #include <ctime>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -106,4 +107,50 @@ TEST(Reading, TheDigestOfAGroupWhoseHeadWasCleanedComesFromAMemberLeft) {
     });
     EXPECT_EQ(lines(out.finish()), Paths{});
     EXPECT_NE(json.find("\"md5\":\"E4MU/eRM2nA2SSNk6OJaOw==\""), std::string::npos) << json;
+}
+
+TEST(Reading, AFolderSwappedAfterTheWalkIsNeverReadThrough) {
+    // Between the walk and the comparison, another user's process moves the
+    // walked folder away and puts a folder of other files under its name.
+    // The comparison still reads the files the walk found, in the folder it
+    // walked, never the stand-in's.
+    TempTree tree;
+    tree.write("x/a", "walked!!");
+    tree.write("x/b", "walked!!");
+    tree.write("y/c", "walked!!");
+    auto openDescriptors = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                             std::filesystem::directory_iterator());
+    };
+    {
+        FileTools first; // lets go of what earlier looks outside a search kept
+        prepare(first, 0);
+        search(first, {tree.path("y")});
+    }
+    const auto before = openDescriptors();
+    for (unsigned threads : {0U, 2U}) {
+        FileTools tools;
+        prepare(tools, threads);
+        PostLog log;
+        bool swapped = false;
+        log.onPost = [&](const PostLog::Post& p) {
+            if (!swapped && p.name == kUpdateProgress && p.checked == 0 && p.total == 3) {
+                swapped = true;
+                ASSERT_EQ(::rename(tree.path("x").c_str(), tree.path("x-away").c_str()), 0);
+                tree.write("x/a", "standin1");
+                tree.write("x/b", "standin2");
+            }
+        };
+        StdoutCapture out;
+        const FileList heads = search(tools, {tree.root()});
+        EXPECT_TRUE(swapped) << threads;
+        EXPECT_EQ(lines(out.finish()), Paths{}) << threads;
+        ASSERT_EQ(groupLines(heads, tree.root()), (Paths{"y/c x/a x/b"})) << threads;
+        std::filesystem::remove_all(tree.path("x"));
+        std::filesystem::remove_all(tree.path("x-away"));
+        tree.write("x/a", "walked!!");
+        tree.write("x/b", "walked!!");
+        // The folders kept open for the search are all let go with it.
+        EXPECT_EQ(openDescriptors() - before, 0) << threads;
+    }
 }
