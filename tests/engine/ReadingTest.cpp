@@ -141,7 +141,7 @@ TEST(Reading, AFolderSwappedAfterTheWalkIsNeverReadThrough) {
                 tree.write("x/b", "standin2");
             }
         };
-        StdoutCapture out;
+        DiagnosticsCapture out;
         const FileList heads = search(tools, {tree.root()});
         EXPECT_TRUE(swapped) << threads;
         EXPECT_EQ(lines(out.finish()), Paths{}) << threads;

@@ -43,7 +43,7 @@ void MembersModel::placeRows() {
                                     : sortColumn_ == ColumnDate
                                         ? parseMemberDate(d.date).value_or(0)
                                         : 0;
-        return std::pair<std::int64_t, const std::string&>(number, d.path);
+        return std::pair<std::int64_t, std::string_view>(number, d.path.view());
     };
     std::stable_sort(order_.begin(), order_.end(), [&](int a, int b) {
         return sortOrder_ == Qt::AscendingOrder ? key(a) < key(b) : key(b) < key(a);
