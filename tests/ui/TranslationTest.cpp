@@ -209,6 +209,7 @@ class TranslationTest : public QObject {
                               "Anhalten", "&Datei", "&Bearbeiten", "&Fenster", "&Hilfe"}));
         QCOMPARE(stoppedSearch()->windowTitle(), "Suche nach doppelten Dateien");
         QCOMPARE(progressTexts(4500, 120).filesScanned, "120/4500 Dateien durchsucht");
+        QCOMPARE(comparedText(2048, 4096, 100), "2.0 KB von 4.0 KB verglichen, noch etwa 2 min");
         // Qt's own buttons come in German too.
         PlaceholderWindow placeholder(nullptr, u"Duplicates"_s, false);
         QCOMPARE(placeholder.findChild<QLabel*>(u"labelPlaceholder"_s)->text(),
@@ -223,6 +224,7 @@ class TranslationTest : public QObject {
         QCOMPARE(mainTexts(), mainEnglish);
         QCOMPARE(resultsTexts(), resultsEnglish);
         QCOMPARE(progressTexts(4500, 120).filesScanned, "120/4500 Files Scaned");
+        QCOMPARE(comparedText(2048, 4096, 100), "2.0 KB of 4.0 KB compared, about 2 min left");
         PlaceholderWindow again(nullptr, u"Duplicates"_s, false);
         QCOMPARE(again.findChild<QDialogButtonBox*>()->buttons().front()->text(), "Close");
     }

@@ -4,6 +4,9 @@
 #include <QCoreApplication>
 #include <algorithm>
 
+#include "engine/ByteProgress.h"
+#include "engine/FileTools.h"
+
 namespace twinsweep::ui {
 
 ProgressTexts progressTexts(std::int64_t total, std::int64_t checked) {
@@ -35,6 +38,22 @@ ProgressTexts progressTexts(std::int64_t total, std::int64_t checked, std::uint6
         texts.busy = checked < 1;
     }
     return texts;
+}
+
+QString comparedText(std::uint64_t done, std::uint64_t total,
+                     std::optional<std::int64_t> secondsLeft) {
+    // The patterns TimeLeft gives, listed for lupdate.
+    [[maybe_unused]] static constexpr const char* kPatterns[] = {
+        QT_TRANSLATE_NOOP("ProgressText", "%1 of %2 compared"),
+        QT_TRANSLATE_NOOP("ProgressText", "%1 of %2 compared, about %3 s left"),
+        QT_TRANSLATE_NOOP("ProgressText", "%1 of %2 compared, about %3 min left"),
+        QT_TRANSLATE_NOOP("ProgressText", "%1 of %2 compared, about %3 h left"),
+    };
+    const TimeLeft::Pattern pattern = TimeLeft::pattern(done, total, secondsLeft);
+    const QString line = QCoreApplication::translate("ProgressText", pattern.text)
+                             .arg(QString::fromStdString(FileTools::fileSizeText(done)),
+                                  QString::fromStdString(FileTools::fileSizeText(total)));
+    return secondsLeft && done < total ? line.arg(pattern.count) : line;
 }
 
 } // namespace twinsweep::ui

@@ -151,8 +151,11 @@ void ViewControllerProgress::ShowProgress(std::int64_t total, std::int64_t check
     const ProgressTexts texts = progressTexts(total, checked, bytesDone, bytesTotal);
     setIfChanged(textFieldFilesScanned, texts.filesScanned);
     setIfChanged(textFieldPercents, texts.percents);
-    setIfChanged(textFieldBytesCompared, QString::fromStdString(timeLeft_.line(
-                                             bytesDone, bytesTotal, now, checked, total)));
+    setIfChanged(textFieldBytesCompared,
+                 bytesTotal == 0 ? QString()
+                                 : comparedText(bytesDone, bytesTotal,
+                                                timeLeft_.secondsLeft(bytesDone, bytesTotal, now,
+                                                                      checked, total)));
     if (texts.busy) {
         progressIndicator->setRange(0, 0);
         return;

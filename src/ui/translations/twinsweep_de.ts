@@ -205,6 +205,22 @@
         <source>%1/%2 Files Scaned</source>
         <translation>%1/%2 Dateien durchsucht</translation>
     </message>
+    <message>
+        <source>%1 of %2 compared</source>
+        <translation>%1 von %2 verglichen</translation>
+    </message>
+    <message>
+        <source>%1 of %2 compared, about %3 s left</source>
+        <translation>%1 von %2 verglichen, noch etwa %3 s</translation>
+    </message>
+    <message>
+        <source>%1 of %2 compared, about %3 min left</source>
+        <translation>%1 von %2 verglichen, noch etwa %3 min</translation>
+    </message>
+    <message>
+        <source>%1 of %2 compared, about %3 h left</source>
+        <translation>%1 von %2 verglichen, noch etwa %3 h</translation>
+    </message>
 </context>
 <context>
     <name>WindowCommands</name>
