@@ -12,6 +12,7 @@
 
 #include "AccessibilityAudit.h"
 #include "UiTestSupport.h"
+#include "engine/ByteProgress.h"
 #include "engine/LocationGate.h"
 #include "selection/Cleaning.h"
 #include "selection/CleaningSummary.h"
@@ -267,6 +268,14 @@ class TranslationTest : public QObject {
             check(AlertText{leftInPlaceHeading(done), {"Show Them"}});
         }
         check(AlertText{kOtherReasonsLine, {}});
+        for (const std::optional<std::int64_t> left :
+             {std::optional<std::int64_t>(), std::optional<std::int64_t>(10),
+              std::optional<std::int64_t>(1000), std::optional<std::int64_t>(100000)}) {
+            const char* pattern = TimeLeft::pattern(1, 2, left).text;
+            if (QCoreApplication::translate("ProgressText", pattern) == QLatin1String(pattern)) {
+                notTranslated << QLatin1String(pattern);
+            }
+        }
         QCOMPARE(notTranslated, QStringList{});
         QCOMPARE(coreText(alertText(CleaningAlert::Done).informativeText),
                  "Doppelte Dateien erfolgreich bereinigt. ");
