@@ -63,21 +63,35 @@ std::string TimeLeft::line(const ByteProgress& bytes, Clock::time_point now, std
     return line(bytes.done(), total, now, checked, files);
 }
 
-std::string TimeLeft::text(std::uint64_t done, std::uint64_t total,
-                           std::optional<std::int64_t> secondsLeft) {
-    std::string out =
-        FileTools::fileSizeText(done) + " of " + FileTools::fileSizeText(total) + " compared";
+TimeLeft::Pattern TimeLeft::pattern(std::uint64_t done, std::uint64_t total,
+                                    std::optional<std::int64_t> secondsLeft) {
     if (!secondsLeft || done >= total) {
-        return out;
+        return {"%1 of %2 compared", 0};
     }
     // Whole units only, rounded up: "about 0 s" would read as done.
     const std::int64_t s = std::max<std::int64_t>(1, *secondsLeft);
     if (s < 90) {
-        out += ", about " + std::to_string(s) + " s left";
-    } else if (s < 90 * 60) {
-        out += ", about " + std::to_string((s + 59) / 60) + " min left";
-    } else {
-        out += ", about " + std::to_string((s + 3599) / 3600) + " h left";
+        return {"%1 of %2 compared, about %3 s left", s};
+    }
+    if (s < 90 * 60) {
+        return {"%1 of %2 compared, about %3 min left", (s + 59) / 60};
+    }
+    return {"%1 of %2 compared, about %3 h left", (s + 3599) / 3600};
+}
+
+std::string TimeLeft::text(std::uint64_t done, std::uint64_t total,
+                           std::optional<std::int64_t> secondsLeft) {
+    const Pattern p = pattern(done, total, secondsLeft);
+    std::string out;
+    for (const char* c = p.text; *c != '\0'; ++c) {
+        if (c[0] == '%' && c[1] >= '1' && c[1] <= '3') {
+            out += c[1] == '1'   ? FileTools::fileSizeText(done)
+                   : c[1] == '2' ? FileTools::fileSizeText(total)
+                                 : std::to_string(p.count);
+            ++c;
+        } else {
+            out += *c;
+        }
     }
     return out;
 }

@@ -72,6 +72,15 @@ class TimeLeft {
     // The line's text for given figures; secondsLeft absent: no estimate.
     static std::string text(std::uint64_t done, std::uint64_t total,
                             std::optional<std::int64_t> secondsLeft);
+    // The same line as a pattern, so a window can translate it before filling
+    // it in: "%1" the bytes done, "%2" the total, "%3" the time left in the
+    // pattern's unit (count), when the pattern has an estimate.
+    struct Pattern {
+        const char* text;
+        std::int64_t count;
+    };
+    static Pattern pattern(std::uint64_t done, std::uint64_t total,
+                           std::optional<std::int64_t> secondsLeft);
 
   private:
     std::optional<Clock::time_point> start_;

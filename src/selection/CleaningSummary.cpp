@@ -42,10 +42,6 @@ std::string reasonOf(const CleanedCopy& c) {
     return out.empty() ? "not removed" : out;
 }
 
-std::string copies(std::int64_t n) {
-    return std::to_string(n) + (n == 1 ? " marked copy" : " marked copies");
-}
-
 } // namespace
 
 std::vector<std::pair<std::string, std::int64_t>>
@@ -68,6 +64,27 @@ reasonsLeftInPlace(const std::vector<CleanedCopy>& attempted) {
     return reasons;
 }
 
+std::string fillCounts(const std::string& pattern, const std::vector<std::string>& args) {
+    // One pass over the pattern: a filled-in text holding "%2" stays as it is.
+    std::string out;
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        const char next = i + 1 < pattern.size() ? pattern[i + 1] : '\0';
+        const auto n = static_cast<std::size_t>(next - '1');
+        if (pattern[i] == '%' && next >= '1' && next <= '9' && n < args.size()) {
+            out += args[n];
+            ++i;
+        } else {
+            out += pattern[i];
+        }
+    }
+    return out;
+}
+
+std::string leftInPlaceHeading(std::int64_t total) {
+    return total == 1 ? "%1 marked copy was left in place, still listed and marked:"
+                      : "%1 marked copies were left in place, still listed and marked:";
+}
+
 AlertText leftInPlaceAlert(const std::vector<CleanedCopy>& attempted) {
     const auto reasons = reasonsLeftInPlace(attempted);
     std::int64_t total = 0;
@@ -77,24 +94,26 @@ AlertText leftInPlaceAlert(const std::vector<CleanedCopy>& attempted) {
     if (total == 0) {
         return {};
     }
-    std::string text = copies(total) + (total == 1 ? " was" : " were") +
-                       " left in place, still listed and marked:";
-    // A long list of causes helps nobody; the standard output has them all.
-    constexpr std::size_t kShown = 8;
-    for (std::size_t i = 0; i < reasons.size() && i < kShown; ++i) {
-        text += "\n" + std::to_string(reasons[i].second) + " × " + reasons[i].first;
+    std::string text = fillCounts(leftInPlaceHeading(total), {std::to_string(total)});
+    for (std::size_t i = 0; i < reasons.size() && i < kReasonsShown; ++i) {
+        text +=
+            "\n" + fillCounts(kReasonLine, {std::to_string(reasons[i].second), reasons[i].first});
     }
-    if (reasons.size() > kShown) {
-        std::int64_t rest = 0;
-        for (std::size_t i = kShown; i < reasons.size(); ++i) {
-            rest += reasons[i].second;
-        }
-        text += "\n" + std::to_string(rest) + " × other reasons";
+    if (const std::int64_t rest = otherReasonsCount(reasons); rest > 0) {
+        text += "\n" + fillCounts(kOtherReasonsLine, {std::to_string(rest)});
     }
     return {text, {"Show Them", "OK"}};
 }
 
-AlertText stoppedAlert(std::int64_t done, std::int64_t marked, const CleaningChoice& choice) {
+std::int64_t otherReasonsCount(const std::vector<std::pair<std::string, std::int64_t>>& reasons) {
+    std::int64_t rest = 0;
+    for (std::size_t i = kReasonsShown; i < reasons.size(); ++i) {
+        rest += reasons[i].second;
+    }
+    return rest;
+}
+
+std::string stoppedPattern(std::int64_t done, std::int64_t marked, const CleaningChoice& choice) {
     const bool one = done == 1;
     const std::string verb =
         choice.sharing
@@ -102,9 +121,9 @@ AlertText stoppedAlert(std::int64_t done, std::int64_t marked, const CleaningCho
         : choice.linking ? (one ? " was replaced by a hard link" : " were replaced by hard links")
                          : std::string(one ? " was" : " were") +
                                (choice.toTrash ? " moved to the Trash" : " deleted");
-    return {"Cleaning was stopped: " + std::to_string(done) + " of the " + copies(marked) + verb +
-                " before the stop; the others were left as they are.",
-            {"OK"}};
+    return std::string("Cleaning was stopped: %1 of the %2") +
+           (marked == 1 ? " marked copy" : " marked copies") + verb +
+           " before the stop; the others were left as they are.";
 }
 
 } // namespace twinsweep

@@ -86,6 +86,18 @@ class DuplicatesWindowTest : public QObject {
         r.choose(0);
         QCOMPARE(marksOf(r.photos), (Marks{0, 0, 0}));
         r.expectSaved(0);
+
+        // On a dark palette the plain figure takes the palette's own text colour.
+        const QPalette light = QApplication::palette();
+        QPalette dark = light;
+        dark.setColor(QPalette::Window, QColor(30, 30, 30));
+        dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
+        QApplication::setPalette(dark);
+        r.choose(3);
+        r.choose(0);
+        QApplication::setPalette(light);
+        QCOMPARE(w.labelSpaceSaved->text(), sizeText(0));
+        QCOMPARE(w.labelSpaceSaved->palette().color(QPalette::WindowText), QColor(230, 230, 230));
     }
 
     void categoryBoxesHideGroupsButKeepMarks() {

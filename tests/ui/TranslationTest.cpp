@@ -12,16 +12,22 @@
 
 #include "AccessibilityAudit.h"
 #include "UiTestSupport.h"
+#include "engine/ByteProgress.h"
 #include "engine/LocationGate.h"
 #include "selection/Cleaning.h"
+#include "selection/CleaningSummary.h"
 #include "selection/CustomMarking.h"
 #include "ui/customkeep/ViewControllerCustomKeep.h"
+#include "ui/duplicates/CleanProgress.h"
+#include "ui/duplicates/SegmentedControl.h"
 #include "ui/info/ViewControllerInfo.h"
 #include "ui/main/OutsideLocations.h"
 #include "ui/main/ViewController.h"
 #include "ui/placeholder/PlaceholderWindow.h"
 #include "ui/platform/CoreTexts.h"
 #include "ui/platform/Translations.h"
+#include "ui/progress/ProgressText.h"
+#include "ui/progress/ViewControllerProgress.h"
 #include "ui/shell/Alert.h"
 
 using namespace twinsweep;
@@ -79,6 +85,31 @@ QStringList mainTexts() {
            menuTitles(w.menuBar());
 }
 
+// A handful of the results, clean progress and search progress windows' texts.
+QStringList resultsTexts() {
+    Results r;
+    ViewControllerDuplicates& w = *r.w;
+    CleanProgressState state;
+    CleanProgress clean(nullptr, state, 4);
+    const QStringList texts =
+        QStringList{w.windowTitle(),
+                    w.segmentedControlKeep->segmentButton(1)->text(),
+                    w.buttonClean->text(),
+                    w.findChild<QLabel*>(u"labelSpaceSavedCaption"_s)->text(),
+                    w.labelTotals->text(),
+                    w.tableViewDuplicates->model()->headerData(1, Qt::Horizontal).toString(),
+                    clean.findChild<QPushButton*>()->text()} +
+        menuTitles(w.menuBar());
+    SettingsManager::shared()->duplicateFileList.clear(); // the window was never closed
+    return texts;
+}
+
+// The search progress window, its search stopped before it starts.
+std::unique_ptr<ViewControllerProgress> stoppedSearch() {
+    SettingsManager::shared()->searchCanceledByUser = true;
+    return std::make_unique<ViewControllerProgress>(nullptr);
+}
+
 // The messages of the German catalogue that have no translation.
 QStringList untranslated(const QString& tsFile) {
     QFile file(tsFile);
@@ -111,7 +142,11 @@ QStringList untranslated(const QString& tsFile) {
 class TranslationTest : public QObject {
     Q_OBJECT
   private slots:
-    void cleanup() { translations.use(QLocale::c()); }
+    void cleanup() {
+        translations.use(QLocale::c());
+        SettingsManager::shared()->searchCanceledByUser = false;
+        SettingsManager::shared()->duplicateFileList.clear();
+    }
 
     void windowsFollowTheLanguage() {
         const QStringList english{
@@ -132,9 +167,22 @@ class TranslationTest : public QObject {
             "&Edit",
             "&Window",
             "&Help"};
+        const QStringList resultsEnglish{"Duplicate Files",
+                                         "Keep Oldest",
+                                         "Clean",
+                                         "Space saved:",
+                                         "3 groups, 7 copies, 14.6 KB",
+                                         "Path",
+                                         "Stop",
+                                         "&File",
+                                         "&Edit",
+                                         "&Window",
+                                         "&Help"};
         QVERIFY(!translations.use(QLocale::c()));
         QCOMPARE(customKeepTexts(), english);
         QCOMPARE(mainTexts(), mainEnglish);
+        QCOMPARE(resultsTexts(), resultsEnglish);
+        QCOMPARE(stoppedSearch()->windowTitle(), "Searching for Duplicate Files");
         // English has no catalogue: the texts as written.
         QVERIFY(!translations.use(QLocale(u"en_US"_s)));
         QCOMPARE(customKeepTexts(), english);
@@ -156,6 +204,13 @@ class TranslationTest : public QObject {
                               "liegen: /srv/x.",
                               "Dateiinformationen", "Pfad:", "&Datei", "&Bearbeiten", "&Fenster",
                               "&Hilfe"}));
+        QCOMPARE(resultsTexts(),
+                 (QStringList{"Doppelte Dateien", "Älteste behalten", "Bereinigen",
+                              "Gesparter Speicherplatz:", "3 Gruppen, 7 Kopien, 14.6 KB", "Pfad",
+                              "Anhalten", "&Datei", "&Bearbeiten", "&Fenster", "&Hilfe"}));
+        QCOMPARE(stoppedSearch()->windowTitle(), "Suche nach doppelten Dateien");
+        QCOMPARE(progressTexts(4500, 120).filesScanned, "120/4500 Dateien durchsucht");
+        QCOMPARE(comparedText(2048, 4096, 100), "2.0 KB von 4.0 KB verglichen, noch etwa 2 min");
         // Qt's own buttons come in German too.
         PlaceholderWindow placeholder(nullptr, u"Duplicates"_s, false);
         QCOMPARE(placeholder.findChild<QLabel*>(u"labelPlaceholder"_s)->text(),
@@ -168,6 +223,9 @@ class TranslationTest : public QObject {
         QVERIFY(!translations.use(QLocale::c()));
         QCOMPARE(customKeepTexts(), english);
         QCOMPARE(mainTexts(), mainEnglish);
+        QCOMPARE(resultsTexts(), resultsEnglish);
+        QCOMPARE(progressTexts(4500, 120).filesScanned, "120/4500 Files Scaned");
+        QCOMPARE(comparedText(2048, 4096, 100), "2.0 KB of 4.0 KB compared, about 2 min left");
         PlaceholderWindow again(nullptr, u"Duplicates"_s, false);
         QCOMPARE(again.findChild<QDialogButtonBox*>()->buttons().front()->text(), "Close");
     }
@@ -196,10 +254,37 @@ class TranslationTest : public QObject {
             check(alertText(a));
         }
         check(keepOneCopyQuestion());
+        // Every sentence the stop and the copies left in place can give.
+        for (const std::int64_t done : {1, 2}) {
+            for (const std::int64_t marked : {1, 2}) {
+                for (int act = 0; act < 4; ++act) {
+                    CleaningChoice choice;
+                    choice.sharing = act == 0;
+                    choice.linking = act == 1;
+                    choice.toTrash = act == 2;
+                    check(AlertText{stoppedPattern(done, marked, choice), {}});
+                }
+            }
+            check(AlertText{leftInPlaceHeading(done), {"Show Them"}});
+        }
+        check(AlertText{kOtherReasonsLine, {}});
+        for (const std::optional<std::int64_t> left :
+             {std::optional<std::int64_t>(), std::optional<std::int64_t>(10),
+              std::optional<std::int64_t>(1000), std::optional<std::int64_t>(100000)}) {
+            const char* pattern = TimeLeft::pattern(1, 2, left).text;
+            if (QCoreApplication::translate("ProgressText", pattern) == QLatin1String(pattern)) {
+                notTranslated << QLatin1String(pattern);
+            }
+        }
         QCOMPARE(notTranslated, QStringList{});
         QCOMPARE(coreText(alertText(CleaningAlert::Done).informativeText),
                  "Doppelte Dateien erfolgreich bereinigt. ");
         QCOMPARE(coreText(u"/home/ana/Fotos/Yes"_s), "/home/ana/Fotos/Yes");
+        CleaningChoice toTrash;
+        toTrash.toTrash = true;
+        QCOMPARE(coreText(stoppedPattern(2, 5, toTrash)).arg(u"2"_s, u"5"_s),
+                 "Die Bereinigung wurde angehalten: 2 von 5 markierten Kopien wurden vor dem "
+                 "Anhalten in den Papierkorb verschoben; die übrigen blieben unverändert.");
 
         ModalAnswers answers;
         answers.alert(u"Ja, die neueste Datei behalten"_s);
@@ -234,6 +319,15 @@ class TranslationTest : public QObject {
             info.fillLabels("/data/a.jpg", 1);
             info.show();
             QCOMPARE(controlsWithoutAccessibleText(&info), QStringList{});
+            Results results;
+            QCOMPARE(controlsWithoutAccessibleText(results.w), QStringList{});
+            CleanProgressState state;
+            CleanProgress clean(nullptr, state, 4);
+            clean.show();
+            QCOMPARE(controlsWithoutAccessibleText(&clean), QStringList{});
+            const auto progress = stoppedSearch();
+            progress->show();
+            QCOMPARE(controlsWithoutAccessibleText(progress.get()), QStringList{});
         }
         QWidget bare;
         auto* field = new QLineEdit(&bare);

@@ -25,11 +25,10 @@ std::string CleanProgressState::current() const {
 
 CleanProgress::CleanProgress(QWidget* parent, CleanProgressState& state, std::int64_t marked)
     : QDialog(parent), state_(state), marked_(std::max<std::int64_t>(marked, 1)) {
-    setWindowTitle(QStringLiteral("Cleaning"));
+    setWindowTitle(tr("Cleaning"));
     setWindowModality(Qt::ApplicationModal);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(
-        new QLabel(QStringLiteral("Checking and cleaning the marked copies..."), this));
+    layout->addWidget(new QLabel(tr("Checking and cleaning the marked copies..."), this));
     progressIndicator = new QProgressBar(this);
     progressIndicator->setRange(0, 1000);
     progressIndicator->setValue(0);
@@ -41,21 +40,19 @@ CleanProgress::CleanProgress(QWidget* parent, CleanProgressState& state, std::in
     for (QLabel* label : {textFieldCopiesDone, textFieldBytesFreed, textFieldCurrentCopy}) {
         layout->addWidget(label);
     }
-    buttonStop = new QPushButton(QStringLiteral("Stop"), this);
+    buttonStop = new QPushButton(tr("Stop"), this);
     buttonStop->setAutoDefault(false);
     layout->addWidget(buttonStop, 0, Qt::AlignRight);
-    progressIndicator->setAccessibleName(QStringLiteral("Clean progress"));
-    progressIndicator->setAccessibleDescription(QStringLiteral("Share of the marked copies done"));
-    textFieldCopiesDone->setAccessibleName(QStringLiteral("Copies done"));
-    textFieldCopiesDone->setAccessibleDescription(QStringLiteral("Marked copies done so far"));
-    textFieldBytesFreed->setAccessibleName(QStringLiteral("Space freed"));
-    textFieldBytesFreed->setAccessibleDescription(QStringLiteral("Space freed so far"));
-    textFieldCurrentCopy->setAccessibleName(QStringLiteral("Copy being checked"));
-    textFieldCurrentCopy->setAccessibleDescription(
-        QStringLiteral("The path of the copy checked now"));
-    buttonStop->setAccessibleName(QStringLiteral("Stop"));
-    buttonStop->setAccessibleDescription(
-        QStringLiteral("Stops the clean after the copy under way"));
+    progressIndicator->setAccessibleName(tr("Clean progress"));
+    progressIndicator->setAccessibleDescription(tr("Share of the marked copies done"));
+    textFieldCopiesDone->setAccessibleName(tr("Copies done"));
+    textFieldCopiesDone->setAccessibleDescription(tr("Marked copies done so far"));
+    textFieldBytesFreed->setAccessibleName(tr("Space freed"));
+    textFieldBytesFreed->setAccessibleDescription(tr("Space freed so far"));
+    textFieldCurrentCopy->setAccessibleName(tr("Copy being checked"));
+    textFieldCurrentCopy->setAccessibleDescription(tr("The path of the copy checked now"));
+    buttonStop->setAccessibleName(tr("Stop"));
+    buttonStop->setAccessibleDescription(tr("Stops the clean after the copy under way"));
     connect(buttonStop, &QPushButton::clicked, this, &CleanProgress::OnStop);
     connect(&repaint_, &QTimer::timeout, this, &CleanProgress::repaintLatest);
     repaint_.start(kRepaintIntervalMs);
@@ -66,10 +63,9 @@ void CleanProgress::repaintLatest() {
     // Other names of a linked file may add attempts beyond the marked copies.
     const std::int64_t done = std::min(state_.done.load(), marked_);
     progressIndicator->setValue(static_cast<int>(done * 1000 / marked_));
-    textFieldCopiesDone->setText(QStringLiteral("%1 of %2 copies done").arg(done).arg(marked_));
+    textFieldCopiesDone->setText(tr("%1 of %2 copies done").arg(done).arg(marked_));
     textFieldBytesFreed->setText(
-        QStringLiteral("Freed: ") +
-        QString::fromStdString(FileTools::fileSizeText(state_.bytes.load())));
+        tr("Freed: %1").arg(QString::fromStdString(FileTools::fileSizeText(state_.bytes.load()))));
     const std::string path = state_.current();
     const QString current = QFile::decodeName(QByteArray::fromStdString(path));
     const QFontMetrics metrics(textFieldCurrentCopy->font());
@@ -81,7 +77,7 @@ void CleanProgress::repaintLatest() {
 void CleanProgress::OnStop() {
     state_.stop = true;
     buttonStop->setEnabled(false);
-    buttonStop->setText(QStringLiteral("Stopping..."));
+    buttonStop->setText(tr("Stopping..."));
 }
 
 void CleanProgress::reject() {

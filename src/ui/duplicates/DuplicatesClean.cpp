@@ -25,6 +25,7 @@
 #include "ui/duplicates/GroupsModel.h"
 #include "ui/duplicates/MembersModel.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
+#include "ui/platform/CoreTexts.h"
 #include "ui/shell/Alert.h"
 
 namespace twinsweep::ui {
@@ -37,6 +38,35 @@ int showAlert(QWidget* parent, const AlertText& text) {
         buttons << QString::fromStdString(title);
     }
     return runAlert(parent, QString::fromStdString(text.informativeText), buttons);
+}
+
+// The counted sentences come from the library as patterns: translated
+// first, then filled in, so a translation may move the counts.
+QString stoppedText(std::int64_t done, std::int64_t marked, const CleaningChoice& choice) {
+    return coreText(stoppedPattern(done, marked, choice))
+        .arg(QString::number(done), QString::number(marked));
+}
+
+// Empty when no copy was left in place.
+QString leftInPlaceText(const std::vector<CleanedCopy>& left) {
+    const auto reasons = reasonsLeftInPlace(left);
+    std::int64_t total = 0;
+    for (const auto& r : reasons) {
+        total += r.second;
+    }
+    if (total == 0) {
+        return {};
+    }
+    QString text = coreText(leftInPlaceHeading(total)).arg(total);
+    for (std::size_t i = 0; i < reasons.size() && i < kReasonsShown; ++i) {
+        text += QLatin1Char('\n') +
+                coreText(std::string(kReasonLine))
+                    .arg(QString::number(reasons[i].second), coreText(reasons[i].first));
+    }
+    if (const std::int64_t rest = otherReasonsCount(reasons); rest > 0) {
+        text += QLatin1Char('\n') + coreText(std::string(kOtherReasonsLine)).arg(rest);
+    }
+    return text;
 }
 
 class AlertPrompt : public CleaningPrompt {
@@ -59,7 +89,9 @@ bool takeLock(CleaningLock& lock, QWidget* parent) {
         taken = lock.tryTake();
     }
     if (taken != CleaningLock::Outcome::Taken) {
-        runAlert(parent, QString::fromStdString(lock.message() + ". Nothing was removed."),
+        runAlert(parent,
+                 ViewControllerDuplicates::tr("%1. Nothing was removed.")
+                     .arg(QString::fromStdString(lock.message())),
                  {QStringLiteral("OK")});
         return false;
     }
@@ -130,8 +162,8 @@ void ViewControllerDuplicates::OnClean() {
     if (const PrivateFolder undo = toTrash ? openUndoFolder() : PrivateFolder();
         toTrash && !undo.ok()) {
         runAlert(this,
-                 QString::fromStdString("Twinsweep can't keep a record to undo this clean: " +
-                                        undo.error + ". Nothing was removed."),
+                 tr("Twinsweep can't keep a record to undo this clean: %1. Nothing was removed.")
+                     .arg(QString::fromStdString(undo.error)),
                  {QStringLiteral("OK")});
         return;
     }
@@ -154,8 +186,9 @@ void ViewControllerDuplicates::OnClean() {
     const CleaningReport report = run.report;
     if (const std::string err = remover.trashRecordError(); !err.empty()) {
         runAlert(this,
-                 QString::fromStdString("Twinsweep could not keep the record to undo this clean: " +
-                                        err + ". Nothing more was moved to the Trash."),
+                 tr("Twinsweep could not keep the record to undo this clean: %1. Nothing more was "
+                    "moved to the Trash.")
+                     .arg(QString::fromStdString(err)),
                  {QStringLiteral("OK")});
     }
     applyLeaving(run.leaving, *settingsManager);
@@ -177,14 +210,13 @@ void ViewControllerDuplicates::OnClean() {
     // changed nothing: it says so instead of saying it cleaned.
     const bool none = report.removed == 0;
     if (report.stopped) {
-        showAlert(this, stoppedAlert(report.removed, marked, choice));
+        runAlert(this, stoppedText(report.removed, marked, choice), {QStringLiteral("OK")});
     } else {
         prompt.ask(choice.sharing && none   ? CleaningAlert::NothingShared
                    : choice.linking && none ? CleaningAlert::NothingLinked
                                             : CleaningAlert::Done);
     }
-    const AlertText leftAlert = leftInPlaceAlert(left);
-    if (!leftAlert.informativeText.empty()) {
+    if (const QString leftText = leftInPlaceText(left); !leftText.isEmpty()) {
         // The update applied the keep option the control shows again; the
         // copies left in place keep the marks the user gave them.
         waitForBackgroundJobs();
@@ -194,7 +226,7 @@ void ViewControllerDuplicates::OnClean() {
         groupsModel_->refresh();
         membersModel_->refresh();
         UpdateSpaceSaved();
-        if (showAlert(this, leftAlert) == 0) {
+        if (runAlert(this, leftText, {QStringLiteral("Show Them"), QStringLiteral("OK")}) == 0) {
             showLeftInPlace(left);
         }
     }

@@ -20,22 +20,21 @@
 namespace twinsweep::ui {
 
 void ViewControllerDuplicates::buildCommands() {
-    QMenu* file = addCommandMenu(menuBar(), QStringLiteral("&File"));
-    addCommand(file, QStringLiteral("Show in File &Manager"),
-               QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_O),
+    QMenu* file = addCommandMenu(menuBar(), tr("&File"));
+    addCommand(file, tr("Show in File &Manager"), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_O),
                [this] { OnGoToSourceDirectoryButton(); });
-    addCommand(file, QStringLiteral("File &Info"), QKeySequence(Qt::CTRL | Qt::Key_I),
+    addCommand(file, tr("File &Info"), QKeySequence(Qt::CTRL | Qt::Key_I),
                [this] { OnShowInfo(); });
     file->addSeparator();
-    addCommand(file, QStringLiteral("&Clean..."), QKeySequence(Qt::CTRL | Qt::Key_Delete),
+    addCommand(file, tr("&Clean..."), QKeySequence(Qt::CTRL | Qt::Key_Delete),
                [this] { buttonClean->click(); });
-    addCommand(file, QStringLiteral("&Export..."), QKeySequence(Qt::CTRL | Qt::Key_E),
+    addCommand(file, tr("&Export..."), QKeySequence(Qt::CTRL | Qt::Key_E),
                [this] { buttonExport->click(); });
 
-    QMenu* edit = addCommandMenu(menuBar(), QStringLiteral("&Edit"));
+    QMenu* edit = addCommandMenu(menuBar(), tr("&Edit"));
     addCommand(
-        edit, QStringLiteral("&Mark or Unmark"), QKeySequence(Qt::Key_Space),
-        [this] { toggleCurrentMember(); }, tableViewDuplicates)
+        edit, tr("&Mark or Unmark"), QKeySequence(Qt::Key_Space), [this] { toggleCurrentMember(); },
+        tableViewDuplicates)
         ->setObjectName(QStringLiteral("actionToggleMark"));
     edit->addSeparator();
     for (int segment = 0; segment < segmentedControlKeep->segmentCount(); ++segment) {
@@ -43,7 +42,7 @@ void ViewControllerDuplicates::buildCommands() {
         addCommand(edit, button->text(), QKeySequence(Qt::CTRL | (Qt::Key_1 + segment)),
                    [button] { button->click(); });
     }
-    QAction* all = edit->addAction(QStringLiteral("&Apply to All Groups"));
+    QAction* all = edit->addAction(tr("&Apply to All Groups"));
     all->setCheckable(true);
     all->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_A));
     connect(all, &QAction::triggered, this, [this](bool on) {

@@ -13,13 +13,6 @@
 
 namespace twinsweep::ui {
 
-namespace {
-
-const QString kCsvFilter = QStringLiteral("CSV files (*.csv)");
-const QString kJsonFilter = QStringLiteral("JSON files (*.json)");
-
-} // namespace
-
 QString exportGroups(const FileList& groups, bool protection, const QString& path,
                      ExportFormat format) {
     // Written beside the target and renamed over it at the end, so a failed
@@ -48,16 +41,19 @@ void ViewControllerDuplicates::OnExport() {
     if (fileList.empty()) {
         return;
     }
-    QString filter = kCsvFilter;
-    QString path = QFileDialog::getSaveFileName(
-        this, QStringLiteral("Export"), QStringLiteral("duplicates.csv"),
-        kCsvFilter + QStringLiteral(";;") + kJsonFilter, &filter);
+    // Built here, in the language installed now.
+    const QString csvFilter = tr("CSV files (*.csv)");
+    const QString jsonFilter = tr("JSON files (*.json)");
+    QString filter = csvFilter;
+    QString path =
+        QFileDialog::getSaveFileName(this, tr("Export"), QStringLiteral("duplicates.csv"),
+                                     csvFilter + QStringLiteral(";;") + jsonFilter, &filter);
     if (path.isEmpty()) {
         return;
     }
     const bool asJson =
         path.endsWith(QStringLiteral(".json"), Qt::CaseInsensitive) ||
-        (!path.endsWith(QStringLiteral(".csv"), Qt::CaseInsensitive) && filter == kJsonFilter);
+        (!path.endsWith(QStringLiteral(".csv"), Qt::CaseInsensitive) && filter == jsonFilter);
     if (!path.contains(QLatin1Char('.'))) {
         path += asJson ? QStringLiteral(".json") : QStringLiteral(".csv");
     }
@@ -78,8 +74,8 @@ void ViewControllerDuplicates::startExport(const QString& path, ExportFormat for
             --jobsInFlight_;
             buttonExport->setEnabled(true);
             if (!error.isEmpty()) {
-                showInformation(this, QStringLiteral("The results could not be exported to ") +
-                                          path + QStringLiteral(": ") + error);
+                showInformation(this,
+                                tr("The results could not be exported to %1: %2").arg(path, error));
             }
             emit exportFinished(error);
         });

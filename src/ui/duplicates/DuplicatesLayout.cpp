@@ -45,20 +45,19 @@ QTableView* makeTable(QWidget* parent, const QString& name) {
 } // namespace
 
 void ViewControllerDuplicates::buildLayout() {
-    setWindowTitle(QStringLiteral("Duplicate Files"));
+    setWindowTitle(tr("Duplicate Files"));
     auto* contents = new QWidget(this);
     auto* outer = new QVBoxLayout(contents);
 
     // Keep option and apply-to-all.
     auto* keepRow = new QHBoxLayout;
-    keepRow->addWidget(new QLabel(QStringLiteral("Select:"), contents));
+    keepRow->addWidget(new QLabel(tr("Select:"), contents));
     segmentedControlKeep = new SegmentedControl(
-        {QStringLiteral("Keep All"), QStringLiteral("Keep Oldest"), QStringLiteral("Keep Newest"),
-         QStringLiteral("Remove All"), QStringLiteral("Custom…")},
+        {tr("Keep All"), tr("Keep Oldest"), tr("Keep Newest"), tr("Remove All"), tr("Custom…")},
         contents);
     segmentedControlKeep->setObjectName(QStringLiteral("segmentedControlKeep"));
     keepRow->addWidget(segmentedControlKeep, 1);
-    checkApplyForAll = new QCheckBox(QStringLiteral("Apply to all groups"), contents);
+    checkApplyForAll = new QCheckBox(tr("Apply to all groups"), contents);
     checkApplyForAll->setObjectName(QStringLiteral("checkApplyForAll"));
     keepRow->addWidget(checkApplyForAll);
     progressIndicator = new QProgressBar(contents);
@@ -80,10 +79,9 @@ void ViewControllerDuplicates::buildLayout() {
     reviewRow->addWidget(labelTotals, 1);
     textFieldFilter = new QLineEdit(contents);
     textFieldFilter->setObjectName(QStringLiteral("textFieldFilter"));
-    textFieldFilter->setPlaceholderText(QStringLiteral("Filter by path"));
+    textFieldFilter->setPlaceholderText(tr("Filter by path"));
     textFieldFilter->setClearButtonEnabled(true);
-    textFieldFilter->setToolTip(
-        QStringLiteral("Lists only the groups with a copy whose path holds this text"));
+    textFieldFilter->setToolTip(tr("Lists only the groups with a copy whose path holds this text"));
     textFieldFilter->setMinimumWidth(240);
     reviewRow->addWidget(textFieldFilter);
     outer->addLayout(reviewRow);
@@ -92,9 +90,8 @@ void ViewControllerDuplicates::buildLayout() {
     textFieldUnread->setObjectName(QStringLiteral("textFieldUnread"));
     const std::vector<std::string>& refusals = settingsManager->searchRefusals;
     const qsizetype unread = static_cast<qsizetype>(refusals.size());
-    textFieldUnread->setText(unread == 1
-                                 ? QStringLiteral("1 item could not be read")
-                                 : QStringLiteral("%1 items could not be read").arg(unread));
+    textFieldUnread->setText(unread == 1 ? tr("1 item could not be read")
+                                         : tr("%1 items could not be read").arg(unread));
     QStringList tip;
     for (std::size_t k = 0; k < refusals.size() && k < 20; ++k) {
         tip << QString::fromStdString(refusals[k]);
@@ -147,29 +144,34 @@ void ViewControllerDuplicates::buildLayout() {
     // Member commands.
     auto* memberRow = new QHBoxLayout;
     memberRow->addStretch(1);
-    buttonReveal = new QPushButton(QStringLiteral("Show in File Manager"), contents);
+    buttonReveal = new QPushButton(tr("Show in File Manager"), contents);
     buttonReveal->setObjectName(QStringLiteral("buttonReveal"));
-    buttonInfo = new QPushButton(QStringLiteral("File Info"), contents);
+    buttonInfo = new QPushButton(tr("File Info"), contents);
     buttonInfo->setObjectName(QStringLiteral("buttonInfo"));
     memberRow->addWidget(buttonReveal);
     memberRow->addWidget(buttonInfo);
-    buttonExport = new QPushButton(QStringLiteral("Export..."), contents);
+    buttonExport = new QPushButton(tr("Export..."), contents);
     buttonExport->setObjectName(QStringLiteral("buttonExport"));
-    buttonExport->setToolTip(
-        QStringLiteral("Save the listed groups and their marks as CSV or JSON"));
+    buttonExport->setToolTip(tr("Save the listed groups and their marks as CSV or JSON"));
     memberRow->addWidget(buttonExport);
     outer->addLayout(memberRow);
 
     // Categories, space saved and Clean.
     auto* bottom = new QHBoxLayout;
-    auto* categories = new QGroupBox(QStringLiteral("Categories"), contents);
+    auto* categories = new QGroupBox(tr("Categories"), contents);
     auto* grid = new QGridLayout(categories);
-    static const char* const kNames[kCategoryCount] = {"Pictures", "Music",     "Movies",
-                                                       "Archives", "Documents", "Other"};
+    // The English names also name the controls; tr() shows them translated.
+    static const char* const kNames[kCategoryCount] = {
+        QT_TRANSLATE_NOOP("twinsweep::ui::ViewControllerDuplicates", "Pictures"),
+        QT_TRANSLATE_NOOP("twinsweep::ui::ViewControllerDuplicates", "Music"),
+        QT_TRANSLATE_NOOP("twinsweep::ui::ViewControllerDuplicates", "Movies"),
+        QT_TRANSLATE_NOOP("twinsweep::ui::ViewControllerDuplicates", "Archives"),
+        QT_TRANSLATE_NOOP("twinsweep::ui::ViewControllerDuplicates", "Documents"),
+        QT_TRANSLATE_NOOP("twinsweep::ui::ViewControllerDuplicates", "Other")};
     for (int k = 0; k < kCategoryCount; ++k) {
         const int row = k % 3;
         const int col = (k / 3) * 3;
-        auto* box = new QCheckBox(QString::fromLatin1(kNames[k]), categories);
+        auto* box = new QCheckBox(tr(kNames[k]), categories);
         box->setObjectName(QStringLiteral("check") + QLatin1String(kNames[k]));
         auto* bar = new QProgressBar(categories);
         bar->setObjectName(QStringLiteral("progressIndicator") + QLatin1String(kNames[k]));
@@ -194,7 +196,9 @@ void ViewControllerDuplicates::buildLayout() {
 
     auto* cleanBox = new QVBoxLayout;
     cleanBox->addStretch(1);
-    cleanBox->addWidget(new QLabel(QStringLiteral("Space saved:"), contents));
+    auto* spaceSavedCaption = new QLabel(tr("Space saved:"), contents);
+    spaceSavedCaption->setObjectName(QStringLiteral("labelSpaceSavedCaption"));
+    cleanBox->addWidget(spaceSavedCaption);
     labelSpaceSaved = new QLabel(contents);
     labelSpaceSaved->setObjectName(QStringLiteral("labelSpaceSaved"));
     QFont big = labelSpaceSaved->font();
@@ -202,13 +206,14 @@ void ViewControllerDuplicates::buildLayout() {
     big.setBold(true);
     labelSpaceSaved->setFont(big);
     cleanBox->addWidget(labelSpaceSaved);
-    buttonClean = new QPushButton(QStringLiteral("Clean"), contents);
+    buttonClean = new QPushButton(tr("Clean"), contents);
     buttonClean->setObjectName(QStringLiteral("buttonClean"));
     buttonClean->setMinimumWidth(120);
     cleanBox->addWidget(buttonClean);
     bottom->addLayout(cleanBox);
     outer->addLayout(bottom);
 
+    describeControls();
     setContents(contents);
     resize(960, 640);
 }

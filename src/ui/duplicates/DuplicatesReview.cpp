@@ -48,17 +48,15 @@ void ViewControllerDuplicates::showTotals() {
         copies += group->duplicates.size();
         bytes += group->size * group->duplicates.size();
     }
-    const auto count = [](std::uint64_t n, const char* one, const char* many) {
-        return QString::number(n) + QLatin1Char(' ') + QLatin1String(n == 1 ? one : many);
-    };
     const std::uint64_t listed = fileList.size();
-    const QString groups =
-        static_cast<std::uint64_t>(shown) == listed
-            ? count(listed, "group", "groups")
-            : QString::number(shown) + QStringLiteral(" of ") + count(listed, "group", "groups");
-    labelTotals->setText(groups + QStringLiteral(", ") + count(copies, "copy", "copies") +
-                         QStringLiteral(", ") +
-                         QString::fromStdString(FileTools::fileSizeText(bytes)));
+    const QString groups = static_cast<std::uint64_t>(shown) == listed
+                               ? (listed == 1 ? tr("1 group") : tr("%1 groups").arg(listed))
+                               : (listed == 1 ? tr("%1 of 1 group").arg(shown)
+                                              : tr("%1 of %2 groups").arg(shown).arg(listed));
+    const QString copiesText = copies == 1 ? tr("1 copy") : tr("%1 copies").arg(copies);
+    labelTotals->setText(
+        tr("%1, %2, %3")
+            .arg(groups, copiesText, QString::fromStdString(FileTools::fileSizeText(bytes))));
 }
 
 int ViewControllerDuplicates::headMemberRow(const File& group) const {
@@ -95,18 +93,17 @@ QMenu* ViewControllerDuplicates::contextMenuAt(QTableView* table, QPoint positio
 
     auto* menu = new QMenu(this);
     menu->setObjectName(QStringLiteral("menuRow"));
-    menu->addAction(QStringLiteral("File Info"), this, [this] { OnShowInfo(); });
-    menu->addAction(QStringLiteral("Show in File Manager"), this,
+    menu->addAction(tr("File Info"), this, [this] { OnShowInfo(); });
+    menu->addAction(tr("Show in File Manager"), this,
                     [path = member->path] { revealInFileManager(path); });
     menu->addSeparator();
-    QAction* mark =
-        menu->addAction(QStringLiteral("Mark"), this, [this, row] { setMemberMark(row, true); });
+    QAction* mark = menu->addAction(tr("Mark"), this, [this, row] { setMemberMark(row, true); });
     QAction* unmark =
-        menu->addAction(QStringLiteral("Unmark"), this, [this, row] { setMemberMark(row, false); });
+        menu->addAction(tr("Unmark"), this, [this, row] { setMemberMark(row, false); });
     mark->setEnabled(!member->isProtected && member->checkState == 0);
     unmark->setEnabled(!member->isProtected && member->checkState == 1);
     menu->addSeparator();
-    QAction* protect = menu->addAction(QStringLiteral("Protect This Folder"), this,
+    QAction* protect = menu->addAction(tr("Protect This Folder"), this,
                                        [this, path = member->path] { protectFolderOf(path); });
     protect->setEnabled(!member->isProtected);
     protect->setToolTip(MembersModel::protectedCopyTip());

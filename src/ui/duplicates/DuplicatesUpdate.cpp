@@ -2,6 +2,7 @@
 // The results update as the window runs it: copies of the controls go to a
 // background job, whose figures and new listed groups come back and are
 // installed here, on the GUI thread.
+#include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
 #include <QPalette>
@@ -149,8 +150,10 @@ void ViewControllerDuplicates::showFigures(const CategoryFigures& figures) {
 void ViewControllerDuplicates::showSpaceSaved(const SpaceSaved& saved) {
     settingsManager->spaceSaved = saved.bytes;
     QPalette palette = labelSpaceSaved->palette();
+    // The plain figure in the palette's own text colour, which reads on a
+    // dark palette as on a light one.
     const QColor colour = saved.colour == kPlainTextColour
-                              ? QColor(Qt::black)
+                              ? QApplication::palette().color(QPalette::WindowText)
                               : QColor(saved.colour.red, saved.colour.green, saved.colour.blue);
     palette.setColor(QPalette::WindowText, colour);
     labelSpaceSaved->setPalette(palette);

@@ -88,11 +88,11 @@ QVariant GroupsModel::headerData(int section, Qt::Orientation orientation, int r
     }
     switch (section) {
     case ColumnName:
-        return QStringLiteral("Name");
+        return tr("Name");
     case ColumnSize:
-        return QStringLiteral("Size");
+        return tr("Size");
     case ColumnCount:
-        return QStringLiteral("Marked");
+        return tr("Marked");
     default:
         return QString();
     }
@@ -105,7 +105,7 @@ const File* GroupsModel::groupAt(int row) const {
 }
 
 QString GroupsModel::sizeOnlyTip() {
-    return QStringLiteral("Matched by size only; contents not compared");
+    return tr("Matched by size only; contents not compared");
 }
 
 void GroupsModel::reset() {

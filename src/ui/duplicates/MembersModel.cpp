@@ -144,22 +144,22 @@ bool MembersModel::isProtectedRow(int row) const {
 }
 
 QString MembersModel::protectedCopyTip() {
-    return QStringLiteral("In a protected folder: never marked or removed.");
+    return tr("In a protected folder: never marked or removed.");
 }
 
 QVariant MembersModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation == Qt::Horizontal && role == Qt::ToolTipRole && section == ColumnDate) {
-        return QStringLiteral("When each copy was created (its modification date where the file "
-                              "system keeps no creation date)");
+        return tr("When each copy was created (its modification date where the file system keeps "
+                  "no creation date)");
     }
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
         return {};
     }
     switch (section) {
     case ColumnPath:
-        return QStringLiteral("Path");
+        return tr("Path");
     case ColumnDate:
-        return QStringLiteral("Date");
+        return tr("Date");
     default:
         return QString();
     }

@@ -117,6 +117,8 @@ class ViewControllerDuplicates : public ModalWindow {
   private:
     void viewDidLoad();
     void buildLayout();
+    // What a screen reader says of each control (DuplicatesAccessible.cpp).
+    void describeControls();
     void ResetResultsWindow();
     // Menus, shortcuts and keys (DuplicatesCommands.cpp).
     void buildCommands();

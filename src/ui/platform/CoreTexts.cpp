@@ -34,6 +34,62 @@ namespace {
     QT_TRANSLATE_NOOP("CoreText", "Do you want to keep at least one copy of each duplicate file?"),
     QT_TRANSLATE_NOOP("CoreText", "Yes, keep the oldest file"),
     QT_TRANSLATE_NOOP("CoreText", "Yes, keep the newest file"),
+    // The stop alert (selection/CleaningSummary.cpp): "%1" the copies acted on,
+    // "%2" the marked copies.
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copy now shares "
+                                  "storage with a kept copy before the stop; the others were left "
+                                  "as they are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copy now share "
+                                  "storage with a kept copy before the stop; the others were left "
+                                  "as they are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copy was replaced by "
+                                  "a hard link before the stop; the others were left as they are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copy were replaced "
+                                  "by hard links before the stop; the others were left as they "
+                                  "are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copy was moved to "
+                                  "the Trash before the stop; the others were left as they are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copy were moved to "
+                                  "the Trash before the stop; the others were left as they are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copy was deleted "
+                                  "before the stop; the others were left as they are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copy were deleted "
+                                  "before the stop; the others were left as they are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copies now shares "
+                                  "storage with a kept copy before the stop; the others were left "
+                                  "as they are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copies now share "
+                                  "storage with a kept copy before the stop; the others were left "
+                                  "as they are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copies was replaced "
+                                  "by a hard link before the stop; the others were left as they "
+                                  "are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copies were replaced "
+                                  "by hard links before the stop; the others were left as they "
+                                  "are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copies was moved to "
+                                  "the Trash before the stop; the others were left as they are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copies were moved to "
+                                  "the Trash before the stop; the others were left as they are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copies was deleted "
+                                  "before the stop; the others were left as they are."),
+    QT_TRANSLATE_NOOP("CoreText", "Cleaning was stopped: %1 of the %2 marked copies were deleted "
+                                  "before the stop; the others were left as they are."),
+    // Copies left in place: how many, then each reason with its count.
+    QT_TRANSLATE_NOOP("CoreText", "%1 marked copy was left in place, still listed and marked:"),
+    QT_TRANSLATE_NOOP("CoreText", "%1 marked copies were left in place, still listed and marked:"),
+    QT_TRANSLATE_NOOP("CoreText", "%1 × %2"),
+    QT_TRANSLATE_NOOP("CoreText", "%1 × other reasons"),
+    QT_TRANSLATE_NOOP("CoreText", "not removed"),
+    QT_TRANSLATE_NOOP("CoreText", "in a protected folder, not removed"),
+    QT_TRANSLATE_NOOP("CoreText", "changed since the search, not removed"),
+    QT_TRANSLATE_NOOP("CoreText", "replaced by another file since the search, not removed"),
+    QT_TRANSLATE_NOOP("CoreText", "changed during the clean, not removed"),
+    QT_TRANSLATE_NOOP("CoreText", "kept copy belongs to another user, not removed"),
+    QT_TRANSLATE_NOOP("CoreText", "not seen by the search, not removed"),
+    QT_TRANSLATE_NOOP("CoreText", "its folder was not walked by the search, not removed"),
+    QT_TRANSLATE_NOOP("CoreText", "its folder was replaced since the search, not removed"),
+    QT_TRANSLATE_NOOP("CoreText", "Show Them"),
     // Buttons.
     QT_TRANSLATE_NOOP("CoreText", "OK"),
     QT_TRANSLATE_NOOP("CoreText", "Yes"),

@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <cstdint>
+#include <optional>
 
 namespace twinsweep::ui {
 
@@ -24,5 +25,10 @@ ProgressTexts progressTexts(std::int64_t total, std::int64_t checked);
 // that, the files checked of the files found.
 ProgressTexts progressTexts(std::int64_t total, std::int64_t checked, std::uint64_t bytesDone,
                             std::uint64_t bytesTotal);
+
+// The comparison's line, "1.2 GB of 3.4 GB compared, about 12 s left", in
+// the user's language; secondsLeft absent: no estimate.
+QString comparedText(std::uint64_t done, std::uint64_t total,
+                     std::optional<std::int64_t> secondsLeft);
 
 } // namespace twinsweep::ui

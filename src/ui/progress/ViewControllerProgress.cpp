@@ -34,7 +34,7 @@ void setIfChanged(QLabel* label, const QString& text) {
 ViewControllerProgress::ViewControllerProgress(QWidget* opener)
     : ModalWindow(opener), settingsManager(SettingsManager::shared()) {
     setObjectName(QStringLiteral("WindowControllerProgress"));
-    setWindowTitle(QStringLiteral("Searching for Duplicate Files"));
+    setWindowTitle(tr("Searching for Duplicate Files"));
     buildLayout();
     ShowProgress(0, 0);
 
@@ -72,7 +72,7 @@ ViewControllerProgress::~ViewControllerProgress() {
 void ViewControllerProgress::buildLayout() {
     auto* contents = new QWidget(this);
     auto* layout = new QVBoxLayout(contents);
-    auto* title = new QLabel(QStringLiteral("Looking for duplicate files..."), contents);
+    auto* title = new QLabel(tr("Looking for duplicate files..."), contents);
     QFont bold = title->font();
     bold.setBold(true);
     title->setFont(bold);
@@ -100,12 +100,18 @@ void ViewControllerProgress::buildLayout() {
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
-    buttonCancelSearch = new QPushButton(QStringLiteral("Cancel"), contents);
+    buttonCancelSearch = new QPushButton(tr("Cancel"), contents);
     buttonCancelSearch->setObjectName(QStringLiteral("buttonCancelSearch"));
     buttonCancelSearch->setAutoDefault(false);
     connect(buttonCancelSearch, &QPushButton::clicked, this, &ViewControllerProgress::OnCancel);
     buttons->addWidget(buttonCancelSearch);
     layout->addLayout(buttons);
+
+    progressIndicator->setAccessibleName(tr("Search progress"));
+    progressIndicator->setAccessibleDescription(tr("Share of the search done"));
+    buttonCancelSearch->setAccessibleName(tr("Cancel"));
+    buttonCancelSearch->setAccessibleDescription(
+        tr("Stops the search; the window closes once it has stopped."));
     setContents(contents);
 }
 
@@ -145,8 +151,11 @@ void ViewControllerProgress::ShowProgress(std::int64_t total, std::int64_t check
     const ProgressTexts texts = progressTexts(total, checked, bytesDone, bytesTotal);
     setIfChanged(textFieldFilesScanned, texts.filesScanned);
     setIfChanged(textFieldPercents, texts.percents);
-    setIfChanged(textFieldBytesCompared, QString::fromStdString(timeLeft_.line(
-                                             bytesDone, bytesTotal, now, checked, total)));
+    setIfChanged(textFieldBytesCompared,
+                 bytesTotal == 0 ? QString()
+                                 : comparedText(bytesDone, bytesTotal,
+                                                timeLeft_.secondsLeft(bytesDone, bytesTotal, now,
+                                                                      checked, total)));
     if (texts.busy) {
         progressIndicator->setRange(0, 0);
         return;
@@ -167,7 +176,7 @@ void ViewControllerProgress::SearchDone() {
     }
     CloseProgressWindow();
     if (settingsManager->duplicateFileList.empty()) {
-        showInformation(parentWidget(), QStringLiteral("No duplicate files found."));
+        showInformation(parentWidget(), tr("No duplicate files found."));
         return;
     }
     settingsManager->openDuplicatesWindow = true;
@@ -187,7 +196,7 @@ void ViewControllerProgress::CloseProgressWindow() {
 }
 
 void ViewControllerProgress::OnCancel() {
-    buttonCancelSearch->setText(QStringLiteral("Cancelling..."));
+    buttonCancelSearch->setText(tr("Cancelling..."));
     buttonCancelSearch->setEnabled(false);
     settingsManager->searchCanceledByUser = true;
 }

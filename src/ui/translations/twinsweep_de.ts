@@ -63,6 +63,126 @@
         <source>No</source>
         <translation>Nein</translation>
     </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copy now shares storage with a kept copy before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopie teilt vor dem Anhalten ihren Speicherplatz mit einer behaltenen Kopie; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copy now share storage with a kept copy before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopie teilen vor dem Anhalten ihren Speicherplatz mit einer behaltenen Kopie; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copy was replaced by a hard link before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopie wurde vor dem Anhalten durch einen harten Link ersetzt; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copy were replaced by hard links before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopie wurden vor dem Anhalten durch harte Links ersetzt; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copy was moved to the Trash before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopie wurde vor dem Anhalten in den Papierkorb verschoben; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copy were moved to the Trash before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopie wurden vor dem Anhalten in den Papierkorb verschoben; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copy was deleted before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopie wurde vor dem Anhalten gelöscht; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copy were deleted before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopie wurden vor dem Anhalten gelöscht; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copies now shares storage with a kept copy before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopien teilt vor dem Anhalten ihren Speicherplatz mit einer behaltenen Kopie; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copies now share storage with a kept copy before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopien teilen vor dem Anhalten ihren Speicherplatz mit einer behaltenen Kopie; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copies was replaced by a hard link before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopien wurde vor dem Anhalten durch einen harten Link ersetzt; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copies were replaced by hard links before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopien wurden vor dem Anhalten durch harte Links ersetzt; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copies was moved to the Trash before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopien wurde vor dem Anhalten in den Papierkorb verschoben; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copies were moved to the Trash before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopien wurden vor dem Anhalten in den Papierkorb verschoben; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copies was deleted before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopien wurde vor dem Anhalten gelöscht; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>Cleaning was stopped: %1 of the %2 marked copies were deleted before the stop; the others were left as they are.</source>
+        <translation>Die Bereinigung wurde angehalten: %1 von %2 markierten Kopien wurden vor dem Anhalten gelöscht; die übrigen blieben unverändert.</translation>
+    </message>
+    <message>
+        <source>%1 marked copy was left in place, still listed and marked:</source>
+        <translation>%1 markierte Kopie blieb an ihrem Platz und ist weiter aufgeführt und markiert:</translation>
+    </message>
+    <message>
+        <source>%1 marked copies were left in place, still listed and marked:</source>
+        <translation>%1 markierte Kopien blieben an ihrem Platz und sind weiter aufgeführt und markiert:</translation>
+    </message>
+    <message>
+        <source>%1 × %2</source>
+        <translation>%1 × %2</translation>
+    </message>
+    <message>
+        <source>%1 × other reasons</source>
+        <translation>%1 × andere Gründe</translation>
+    </message>
+    <message>
+        <source>not removed</source>
+        <translation>nicht entfernt</translation>
+    </message>
+    <message>
+        <source>in a protected folder, not removed</source>
+        <translation>in einem geschützten Ordner, nicht entfernt</translation>
+    </message>
+    <message>
+        <source>changed since the search, not removed</source>
+        <translation>seit der Suche geändert, nicht entfernt</translation>
+    </message>
+    <message>
+        <source>replaced by another file since the search, not removed</source>
+        <translation>seit der Suche durch eine andere Datei ersetzt, nicht entfernt</translation>
+    </message>
+    <message>
+        <source>changed during the clean, not removed</source>
+        <translation>während der Bereinigung geändert, nicht entfernt</translation>
+    </message>
+    <message>
+        <source>kept copy belongs to another user, not removed</source>
+        <translation>die behaltene Kopie gehört einem anderen Benutzer, nicht entfernt</translation>
+    </message>
+    <message>
+        <source>not seen by the search, not removed</source>
+        <translation>von der Suche nicht gesehen, nicht entfernt</translation>
+    </message>
+    <message>
+        <source>its folder was not walked by the search, not removed</source>
+        <translation>ihr Ordner wurde von der Suche nicht durchlaufen, nicht entfernt</translation>
+    </message>
+    <message>
+        <source>its folder was replaced since the search, not removed</source>
+        <translation>ihr Ordner wurde seit der Suche ersetzt, nicht entfernt</translation>
+    </message>
+    <message>
+        <source>Show Them</source>
+        <translation>Anzeigen</translation>
+    </message>
 </context>
 <context>
     <name>OutsideLocations</name>
@@ -84,6 +204,22 @@
     <message>
         <source>%1/%2 Files Scaned</source>
         <translation>%1/%2 Dateien durchsucht</translation>
+    </message>
+    <message>
+        <source>%1 of %2 compared</source>
+        <translation>%1 von %2 verglichen</translation>
+    </message>
+    <message>
+        <source>%1 of %2 compared, about %3 s left</source>
+        <translation>%1 von %2 verglichen, noch etwa %3 s</translation>
+    </message>
+    <message>
+        <source>%1 of %2 compared, about %3 min left</source>
+        <translation>%1 von %2 verglichen, noch etwa %3 min</translation>
+    </message>
+    <message>
+        <source>%1 of %2 compared, about %3 h left</source>
+        <translation>%1 von %2 verglichen, noch etwa %3 h</translation>
     </message>
 </context>
 <context>
@@ -114,6 +250,69 @@
     <message>
         <source>Finished what a stopped clean left behind:</source>
         <translation>Was eine abgebrochene Bereinigung hinterlassen hatte, wurde abgeschlossen:</translation>
+    </message>
+</context>
+<context>
+    <name>twinsweep::ui::CleanProgress</name>
+    <message>
+        <source>Cleaning</source>
+        <translation>Bereinigung</translation>
+    </message>
+    <message>
+        <source>Checking and cleaning the marked copies...</source>
+        <translation>Die markierten Kopien werden geprüft und bereinigt...</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>Clean progress</source>
+        <translation>Fortschritt der Bereinigung</translation>
+    </message>
+    <message>
+        <source>Share of the marked copies done</source>
+        <translation>Anteil der erledigten markierten Kopien</translation>
+    </message>
+    <message>
+        <source>Copies done</source>
+        <translation>Erledigte Kopien</translation>
+    </message>
+    <message>
+        <source>Marked copies done so far</source>
+        <translation>Bisher erledigte markierte Kopien</translation>
+    </message>
+    <message>
+        <source>Space freed</source>
+        <translation>Freigegebener Speicherplatz</translation>
+    </message>
+    <message>
+        <source>Space freed so far</source>
+        <translation>Bisher freigegebener Speicherplatz</translation>
+    </message>
+    <message>
+        <source>Copy being checked</source>
+        <translation>Geprüfte Kopie</translation>
+    </message>
+    <message>
+        <source>The path of the copy checked now</source>
+        <translation>Der Pfad der gerade geprüften Kopie</translation>
+    </message>
+    <message>
+        <source>Stops the clean after the copy under way</source>
+        <translation>Hält die Bereinigung nach der laufenden Kopie an</translation>
+    </message>
+    <message>
+        <source>%1 of %2 copies done</source>
+        <translation>%1 von %2 Kopien erledigt</translation>
+    </message>
+    <message>
+        <source>Freed: %1</source>
+        <translation>Freigegeben: %1</translation>
+    </message>
+    <message>
+        <source>Stopping...</source>
+        <translation>Wird angehalten...</translation>
     </message>
 </context>
 <context>
@@ -148,6 +347,10 @@
         <source>Marked</source>
         <translation>Markiert</translation>
     </message>
+    <message>
+        <source>Matched by size only; contents not compared</source>
+        <translation>Nur nach Größe zugeordnet; Inhalte nicht verglichen</translation>
+    </message>
 </context>
 <context>
     <name>twinsweep::ui::MembersModel</name>
@@ -162,6 +365,10 @@
     <message>
         <source>Date</source>
         <translation>Datum</translation>
+    </message>
+    <message>
+        <source>When each copy was created (its modification date where the file system keeps no creation date)</source>
+        <translation>Wann jede Kopie erstellt wurde (ihr Änderungsdatum, wo das Dateisystem kein Erstellungsdatum führt)</translation>
     </message>
 </context>
 <context>
@@ -1059,6 +1266,150 @@ Dieses Fenster ist noch nicht fertig.</translation>
         <source>Clean</source>
         <translation>Bereinigen</translation>
     </message>
+    <message>
+        <source>Keep option</source>
+        <translation>Behalten-Option</translation>
+    </message>
+    <message>
+        <source>Which copies of the selected group are marked for removal.</source>
+        <translation>Welche Kopien der ausgewählten Gruppe zum Entfernen markiert werden.</translation>
+    </message>
+    <message>
+        <source>Marks no copy: every copy is kept.</source>
+        <translation>Markiert keine Kopie: Alle Kopien bleiben.</translation>
+    </message>
+    <message>
+        <source>Marks every copy but the oldest.</source>
+        <translation>Markiert alle Kopien außer der ältesten.</translation>
+    </message>
+    <message>
+        <source>Marks every copy but the newest.</source>
+        <translation>Markiert alle Kopien außer der neuesten.</translation>
+    </message>
+    <message>
+        <source>Marks every copy of the group.</source>
+        <translation>Markiert jede Kopie der Gruppe.</translation>
+    </message>
+    <message>
+        <source>Opens the custom selection, which marks copies by date and size rules.</source>
+        <translation>Öffnet die benutzerdefinierte Auswahl, die Kopien nach Datums- und Größenregeln markiert.</translation>
+    </message>
+    <message>
+        <source>When ticked, the keep option chosen applies to every listed group.</source>
+        <translation>Wenn gesetzt, gilt die gewählte Behalten-Option für jede aufgeführte Gruppe.</translation>
+    </message>
+    <message>
+        <source>Updating</source>
+        <translation>Wird aktualisiert</translation>
+    </message>
+    <message>
+        <source>Shown while the marks are worked out.</source>
+        <translation>Wird angezeigt, während die Markierungen berechnet werden.</translation>
+    </message>
+    <message>
+        <source>Filter by path</source>
+        <translation>Nach Pfad filtern</translation>
+    </message>
+    <message>
+        <source>Lists only the groups with a copy whose path holds this text.</source>
+        <translation>Führt nur die Gruppen auf, die eine Kopie haben, deren Pfad diesen Text enthält.</translation>
+    </message>
+    <message>
+        <source>Duplicate groups</source>
+        <translation>Gruppen doppelter Dateien</translation>
+    </message>
+    <message>
+        <source>One row per group of identical files: name, size and copies marked. Selecting a row lists its copies.</source>
+        <translation>Eine Zeile je Gruppe gleicher Dateien: Name, Größe und markierte Kopien. Eine ausgewählte Zeile führt ihre Kopien auf.</translation>
+    </message>
+    <message>
+        <source>Copies of the selected group</source>
+        <translation>Kopien der ausgewählten Gruppe</translation>
+    </message>
+    <message>
+        <source>Every copy with its path and date; a ticked box marks the copy for removal. Space ticks or unticks the current copy.</source>
+        <translation>Jede Kopie mit Pfad und Datum; ein gesetztes Häkchen markiert die Kopie zum Entfernen. Die Leertaste setzt oder entfernt das Häkchen der aktuellen Kopie.</translation>
+    </message>
+    <message>
+        <source>Opens the folder of the current copy in the file manager.</source>
+        <translation>Öffnet den Ordner der aktuellen Kopie in der Dateiverwaltung.</translation>
+    </message>
+    <message>
+        <source>Shows the details of the current copy.</source>
+        <translation>Zeigt die Angaben zur aktuellen Kopie.</translation>
+    </message>
+    <message>
+        <source>Saves the listed groups and their marks as CSV or JSON.</source>
+        <translation>Speichert die aufgeführten Gruppen und ihre Markierungen als CSV oder JSON.</translation>
+    </message>
+    <message>
+        <source>When ticked, the groups of this kind of file are listed.</source>
+        <translation>Wenn gesetzt, werden die Gruppen dieser Dateiart aufgeführt.</translation>
+    </message>
+    <message>
+        <source>Share of the duplicates</source>
+        <translation>Anteil an den doppelten Dateien</translation>
+    </message>
+    <message>
+        <source>Removes the marked copies, after asking.</source>
+        <translation>Entfernt die markierten Kopien nach einer Rückfrage.</translation>
+    </message>
+    <message>
+        <source>%1. Nothing was removed.</source>
+        <translation>%1. Es wurde nichts entfernt.</translation>
+    </message>
+    <message>
+        <source>Lists only the groups with a copy whose path holds this text</source>
+        <translation>Führt nur die Gruppen auf, die eine Kopie haben, deren Pfad diesen Text enthält</translation>
+    </message>
+    <message>
+        <source>1 item could not be read</source>
+        <translation>1 Objekt konnte nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>%1 items could not be read</source>
+        <translation>%1 Objekte konnten nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>1 group</source>
+        <translation>1 Gruppe</translation>
+    </message>
+    <message>
+        <source>%1 groups</source>
+        <translation>%1 Gruppen</translation>
+    </message>
+    <message>
+        <source>%1 of 1 group</source>
+        <translation>%1 von 1 Gruppe</translation>
+    </message>
+    <message>
+        <source>%1 of %2 groups</source>
+        <translation>%1 von %2 Gruppen</translation>
+    </message>
+    <message>
+        <source>1 copy</source>
+        <translation>1 Kopie</translation>
+    </message>
+    <message>
+        <source>%1 copies</source>
+        <translation>%1 Kopien</translation>
+    </message>
+    <message>
+        <source>%1, %2, %3</source>
+        <translation>%1, %2, %3</translation>
+    </message>
+    <message>
+        <source>Mark</source>
+        <translation>Markieren</translation>
+    </message>
+    <message>
+        <source>Unmark</source>
+        <translation>Markierung aufheben</translation>
+    </message>
+    <message>
+        <source>Protect This Folder</source>
+        <translation>Diesen Ordner schützen</translation>
+    </message>
 </context>
 <context>
     <name>twinsweep::ui::ViewControllerInfo</name>
@@ -1152,6 +1503,18 @@ Dieses Fenster ist noch nicht fertig.</translation>
     <message>
         <source>Cancelling...</source>
         <translation>Wird abgebrochen...</translation>
+    </message>
+    <message>
+        <source>Search progress</source>
+        <translation>Fortschritt der Suche</translation>
+    </message>
+    <message>
+        <source>Share of the search done</source>
+        <translation>Erledigter Anteil der Suche</translation>
+    </message>
+    <message>
+        <source>Stops the search; the window closes once it has stopped.</source>
+        <translation>Bricht die Suche ab; das Fenster schließt sich, sobald sie beendet ist.</translation>
     </message>
 </context>
 </TS>
