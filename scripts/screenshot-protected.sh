@@ -11,8 +11,9 @@ start_app 1100x800
 
 add_folder "$demo/Photo library"
 add_folder "$demo/Downloads"
-# The first row's Protected box, at the right end of the folder table.
-xdotool mousemove --window "$main" "${PROTECT_X:-467}" "${PROTECT_Y:-91}" click 1
+# The first row's Protected box, at the right end of the folder table (in the
+# dark style: PROTECT_X=570 PROTECT_Y=93).
+click_at "$main" "${PROTECT_X:-587}" "${PROTECT_Y:-91}"
 sleep 0.5
 import -window "$main" docs/main-window-protected$suffix.png
 echo "docs/main-window-protected$suffix.png written"

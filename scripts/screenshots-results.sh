@@ -60,9 +60,11 @@ xdotool windowfocus --sync "$results"
 xdotool key ctrl+shift+a # Apply to All Groups
 xdotool key ctrl+2       # Keep Oldest
 sleep 1
-click_at "$results" 100 227 # a picture
+# Rows are 22 pixels apart; the dark style starts the tables lower.
+row0=$([ "${SHOT_MODE:-}" = dark ] && echo 147 || echo 129)
+click_at "$results" 100 $((row0 + 7 * 22)) # a picture
 sleep 0.5
-click_at "$results" 600 117 # its second copy
+click_at "$results" 600 $((row0 + 22)) # its second copy
 sleep 0.5
 import -window "$results" docs/results-window$suffix.png
 
