@@ -77,7 +77,7 @@ print(c.find("url[@type='homepage']").text)
 for image in c.iter("image"):
     print(image.text)
 PY
-shots=$(cd "$source/docs" && ls -- *.png | grep -v -e protected -e -2x -e -dark | sed 's|^|https://raw.githubusercontent.com/twinsweep/twinsweep/main/docs/|' | sort)
+shots=$(cd "$source/docs" && ls -- *.png | grep -v -e protected -e -2x -e -dark -e -de | sed 's|^|https://raw.githubusercontent.com/twinsweep/twinsweep/main/docs/|' | sort)
 expected_meta=$(printf 'GPL-3.0-or-later\nhttps://github.com/twinsweep/twinsweep\n%s' "$shots")
 [ "$(head -n 2 "$work/meta"; tail -n +3 "$work/meta" | sort)" = "$expected_meta" ] ||
   { cat "$work/meta"; fail "metainfo licence, homepage or screenshots"; }
