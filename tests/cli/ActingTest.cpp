@@ -213,7 +213,7 @@ TEST_F(Acting, OldestAndNewestGoByTheExactCreationTime) {
     // A download and its copy made within the same second: the date texts
     // tie, and the copy is listed first.
     const std::string original = tree.write("files/dl/report.pdf", "report");
-    ::usleep(5000);
+    ::usleep(30000); // longer than a clock tick: file times come from the coarse clock
     const std::string copy = tree.write("files/dl/report (1).pdf", "report");
     const CliOutcome oldest = run({"--keep", "oldest"});
     EXPECT_EQ(oldest.status, 0) << oldest.err;

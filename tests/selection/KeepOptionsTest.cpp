@@ -97,7 +97,8 @@ TEST(KeepOptionsExact, ExactTimesFindTheTrueOriginalWhereDateTextsMislead) {
     // The original first, its copy a moment later: creation times (or
     // modification times, where the file system keeps none) in that order.
     const std::string original = tree.write("dl/report.pdf", "r");
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    // Longer than a clock tick: file times come from the coarse clock.
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
     const std::string copy = tree.write("dl/report (1).pdf", "r");
     ASSERT_LT(*exactCreationTime(original), *exactCreationTime(copy));
     EXPECT_EQ(exactCreationTime(tree.path("dl/gone.pdf")), std::nullopt);
