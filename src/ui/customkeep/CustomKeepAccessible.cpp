@@ -11,17 +11,9 @@
 
 #include "ui/customkeep/Stepper.h"
 #include "ui/customkeep/ViewControllerCustomKeep.h"
+#include "ui/platform/Describe.h"
 
 namespace twinsweep::ui {
-
-namespace {
-
-void describe(QWidget* widget, const QString& name, const QString& description) {
-    widget->setAccessibleName(name);
-    widget->setAccessibleDescription(description);
-}
-
-} // namespace
 
 void ViewControllerCustomKeep::describeControls() {
     const auto button = [this](const char* name) {

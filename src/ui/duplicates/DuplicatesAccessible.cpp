@@ -11,17 +11,9 @@
 
 #include "ui/duplicates/SegmentedControl.h"
 #include "ui/duplicates/ViewControllerDuplicates.h"
+#include "ui/platform/Describe.h"
 
 namespace twinsweep::ui {
-
-namespace {
-
-void describe(QWidget* widget, const QString& name, const QString& description) {
-    widget->setAccessibleName(name);
-    widget->setAccessibleDescription(description);
-}
-
-} // namespace
 
 void ViewControllerDuplicates::describeControls() {
     describe(segmentedControlKeep, tr("Keep option"),

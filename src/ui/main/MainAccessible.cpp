@@ -11,17 +11,9 @@
 
 #include "ui/main/FolderTableView.h"
 #include "ui/main/ViewController.h"
+#include "ui/platform/Describe.h"
 
 namespace twinsweep::ui {
-
-namespace {
-
-void describe(QWidget* widget, const QString& name, const QString& description) {
-    widget->setAccessibleName(name);
-    widget->setAccessibleDescription(description);
-}
-
-} // namespace
 
 void ViewController::describeControls() {
     describe(tableViewFolders, tr("Folders to scan"),
