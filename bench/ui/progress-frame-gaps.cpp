@@ -8,6 +8,7 @@
 // usage: progress-frame-gaps [--any-location] FOLDER...
 // Prints: seconds, ticks, longest gap, 99th percentile gap, gaps over 100 ms,
 // and how many times the progress texts were repainted.
+#include "GapSummary.h"
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
@@ -106,15 +107,7 @@ int main(int argc, char** argv) {
     });
     QApplication::exec();
 
-    std::vector<qint64> sorted = gaps;
-    std::sort(sorted.begin(), sorted.end());
-    const qint64 longest = sorted.empty() ? 0 : sorted.back();
-    const qint64 p99 = sorted.empty() ? 0 : sorted[sorted.size() * 99 / 100];
-    const auto over = std::count_if(gaps.begin(), gaps.end(), [](qint64 g) { return g > 100; });
-    std::printf("%.3f s, %zu ticks, longest gap %lld ms (ending %.3f s in), p99 gap %lld ms, "
-                "%ld gaps over 100 ms, %d repaints of the counts\n",
-                static_cast<double>(elapsedMs) / 1000.0, gaps.size(),
-                static_cast<long long>(longest), static_cast<double>(longestEndsAt) / 1000.0,
-                static_cast<long long>(p99), static_cast<long>(over), repaints);
+    printGaps(elapsedMs, gaps, longestEndsAt,
+              ", " + std::to_string(repaints) + " repaints of the counts");
     return 0;
 }
