@@ -46,21 +46,28 @@ std::uint64_t mix(std::uint64_t h, std::uint64_t v) {
 
 // Reads the first length bytes like preadFully, and tells whether they had to
 // come from the disk: a read that must not wait fails when they are not in
-// memory yet.
+// memory yet. That is also whether the file was cached (firstReadWas).
 long readFirst(int fd, unsigned char* data, std::size_t length, bool& cold) {
     cold = false;
 #ifdef RWF_NOWAIT
     iovec v{data, length};
     const ssize_t n = ::preadv2(fd, &v, 1, 0, RWF_NOWAIT);
-    if (n >= 0) {
-        if (n == 0 || static_cast<std::size_t>(n) == length) {
+    if (n > 0) {
+        firstReadWas(fd, FirstRead::InMemory);
+        if (static_cast<std::size_t>(n) == length) {
             return static_cast<long>(n);
         }
         const long rest = preadFully(fd, data + n, length - static_cast<std::size_t>(n),
                                      static_cast<std::uint64_t>(n));
         return rest < 0 ? -1 : n + rest;
     }
-    cold = errno == EAGAIN;
+    cold = n < 0 && errno == EAGAIN;
+    firstReadWas(fd, cold ? FirstRead::FromDisk : FirstRead::Unknown);
+    if (n == 0) {
+        return 0;
+    }
+#else
+    firstReadWas(fd, FirstRead::Unknown);
 #endif
     return preadFully(fd, data, length, 0);
 }
@@ -175,6 +182,11 @@ class RunComparer final : public RunFiles {
         return openForReading(file(k).path, file(k).folder);
     }
 
+    // The heads' pass reports its first read (readFirst).
+    int openForHead(std::size_t k) const {
+        return openForReading(file(k).path, file(k).folder, true);
+    }
+
     void unreadable(std::size_t k) override {
         diagnostics_.report(kOoops, file(k).path, errno);
         empty_.push_back(k);
@@ -184,8 +196,8 @@ class RunComparer final : public RunFiles {
     }
 
     // Member k opened for reading, or -1 with it set aside as unreadable.
-    int openMember(std::size_t k) {
-        const int fd = openFile(k);
+    int openMember(std::size_t k, bool head = false) {
+        const int fd = head ? openForHead(k) : openFile(k);
         if (fd < 0) {
             unreadable(k);
         }
@@ -203,7 +215,7 @@ class RunComparer final : public RunFiles {
             if (cancel_.load()) {
                 return false;
             }
-            const int fd = openMember(k);
+            const int fd = openMember(k, true);
             if (fd < 0) {
                 continue;
             }
