@@ -47,14 +47,22 @@ std::uint64_t mix(std::uint64_t h, std::uint64_t v) {
 // Reads the first length bytes like preadFully, and tells whether they had to
 // come from the disk: a read that must not wait fails when they are not in
 // memory yet. That is also whether the file was cached (firstReadWas).
-long readFirst(int fd, unsigned char* data, std::size_t length, bool& cold) {
+// expected: the size the walk saw.
+long readFirst(int fd, unsigned char* data, std::size_t length, std::uint64_t expected,
+               bool& cold) {
     cold = false;
 #ifdef RWF_NOWAIT
     iovec v{data, length};
     const ssize_t n = ::preadv2(fd, &v, 1, 0, RWF_NOWAIT);
     if (n > 0) {
         firstReadWas(fd, FirstRead::InMemory);
-        if (static_cast<std::size_t>(n) == length) {
+        // A read from memory stops short at the end of the file or where a
+        // page is missing, which is always at a page's start: a short count
+        // that is the walk's size and ends inside a page is the end, with no
+        // further read to find it.
+        static const auto page = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+        const auto got = static_cast<std::uint64_t>(n);
+        if (got == length || (got == expected && got % page != 0)) {
             return static_cast<long>(n);
         }
         const long rest = preadFully(fd, data + n, length - static_cast<std::size_t>(n),
@@ -222,7 +230,7 @@ class RunComparer final : public RunFiles {
             Head h{k, arena_.size(), 0, 0, false};
             arena_.resize(h.offset + cap);
             bool cold = false;
-            const long n = readFirst(fd, arena_.data() + h.offset, cap, cold);
+            const long n = readFirst(fd, arena_.data() + h.offset, cap, size, cold);
             signals_.sawRead(cold);
             counted(n);
             readBytes(k, 0, arena_.data() + h.offset, n, cap);
