@@ -52,6 +52,7 @@ DigestPipeline::~DigestPipeline() {
     }
     changed_.notify_all();
     coldChanged_.notify_all();
+    runDone_.notify_all();
     for (std::thread& t : workers_) {
         t.join();
     }
@@ -67,6 +68,11 @@ void DigestPipeline::wake() {
 }
 
 bool DigestPipeline::waitFor(std::size_t r) {
+    // The loop asks once per file of a run: after the first answer, the run
+    // stays done.
+    if (r == ready_) {
+        return true;
+    }
     std::unique_lock guard(lock_);
     if (r > consumed_) {
         consumed_ = r;
@@ -77,8 +83,9 @@ bool DigestPipeline::waitFor(std::size_t r) {
         if (cancel_.load()) {
             return false;
         }
-        changed_.wait_for(guard, std::chrono::milliseconds(20));
+        runDone_.wait_for(guard, std::chrono::milliseconds(20));
     }
+    ready_ = r;
     return true;
 }
 
@@ -113,8 +120,15 @@ void DigestPipeline::work(unsigned id) {
         {
             std::lock_guard guard(lock_);
             done_[r] = compared ? 1 : 0;
+            // Only the loop waits for a run's end, and only for the one it
+            // is at; the readers wait for the loop to move on.
+            if (r == consumed_) {
+                runDone_.notify_one();
+            }
         }
-        wake();
+        if (signals_.cold()) {
+            coldChanged_.notify_all(); // the disk is slow: the extra readers join in
+        }
         if (!compared) {
             return; // cancelled: the loop notices by itself
         }
