@@ -14,6 +14,8 @@ namespace {
 // How far the workers may run ahead of the comparison loop, in files: enough
 // to keep every core busy, small enough that progress follows the real work.
 constexpr std::size_t kLookAheadFiles = 8192;
+// Runs done ahead of the loop before it is woken (loopShouldWake).
+constexpr std::size_t kLoopBatch = 64;
 // Readers while the data comes from the disk: a disk serves many requests in
 // flight far faster than one at a time. Each holds at most a run's side-by-side
 // set of files open.
@@ -122,7 +124,7 @@ void DigestPipeline::work(unsigned id) {
             done_[r] = compared ? 1 : 0;
             // Only the loop waits for a run's end, and only for the one it
             // is at; the readers wait for the loop to move on.
-            if (r == consumed_) {
+            if (loopShouldWake()) {
                 runDone_.notify_one();
             }
         }
@@ -133,6 +135,28 @@ void DigestPipeline::work(unsigned id) {
             return; // cancelled: the loop notices by itself
         }
     }
+}
+
+bool DigestPipeline::loopShouldWake() const {
+    // On data in memory the loop keeps up with the readers: woken for each
+    // run, it would sleep and wake once per run. It is woken when a batch of
+    // runs from where it is are done, when they all are, or when the readers
+    // can take no more until it moves on.
+    std::size_t k = consumed_;
+    while (k < runs_.size() && done_[k] && k - consumed_ < kLoopBatch) {
+        ++k;
+    }
+    if (k == consumed_) {
+        return false;
+    }
+    if (k - consumed_ >= kLoopBatch || k == runs_.size() || cancel_.load()) {
+        return true;
+    }
+    if (k < nextToTake_) {
+        return false; // a run in progress ends the gap, and looks again
+    }
+    const std::size_t loopAt = runs_[std::min(consumed_, runs_.size() - 1)].begin;
+    return nextToTake_ >= runs_.size() || runs_[nextToTake_].begin > loopAt + kLookAheadFiles;
 }
 
 bool DigestPipeline::digestRun(std::size_t r) {

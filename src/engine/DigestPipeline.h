@@ -43,6 +43,7 @@ class DigestPipeline {
   private:
     void work(unsigned id);
     void wake();
+    bool loopShouldWake() const; // lock_ held
     bool digestRun(std::size_t r);
 
     const FileList& list_;
