@@ -113,7 +113,7 @@ Md5 md5Of(const void* data, std::size_t length) {
 
 // Only a regular file is read: a device could stream forever, and a FIFO
 // never ends.
-int openForReading(PathArg path, std::uint32_t folder) {
+int openForReading(PathArg path, std::uint32_t folder, bool headFirst) {
     ItemAt at;
     if (!locateItem(folder, path, at)) {
         return -1;
@@ -134,7 +134,7 @@ int openForReading(PathArg path, std::uint32_t folder) {
         errno = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;
         return -1;
     }
-    noteOpenedForReading(fd, st);
+    noteOpenedForReading(fd, st, headFirst);
     return fd;
 }
 

@@ -30,8 +30,9 @@ Md5 streamDigestOf(int fd, PathArg path);
 
 // Opens a regular file for reading, never blocking on a FIFO or a device;
 // anything else fails (EISDIR for a folder, EINVAL otherwise). Returns -1 with
-// errno set on failure. folder as for streamDigest.
-int openForReading(PathArg path, std::uint32_t folder = 0);
+// errno set on failure. folder as for streamDigest. headFirst: the caller
+// reports whether its first read waited for the disk (firstReadWas).
+int openForReading(PathArg path, std::uint32_t folder = 0, bool headFirst = false);
 
 // Reads up to length bytes, retrying short reads; the count read (less only at
 // the end of the file), or -1 with errno set.

@@ -14,6 +14,8 @@ namespace {
 // How far the workers may run ahead of the comparison loop, in files: enough
 // to keep every core busy, small enough that progress follows the real work.
 constexpr std::size_t kLookAheadFiles = 8192;
+// Runs done ahead of the loop before it is woken (loopShouldWake).
+constexpr std::size_t kLoopBatch = 64;
 // Readers while the data comes from the disk: a disk serves many requests in
 // flight far faster than one at a time. Each holds at most a run's side-by-side
 // set of files open.
@@ -52,6 +54,7 @@ DigestPipeline::~DigestPipeline() {
     }
     changed_.notify_all();
     coldChanged_.notify_all();
+    runDone_.notify_all();
     for (std::thread& t : workers_) {
         t.join();
     }
@@ -67,6 +70,11 @@ void DigestPipeline::wake() {
 }
 
 bool DigestPipeline::waitFor(std::size_t r) {
+    // The loop asks once per file of a run: after the first answer, the run
+    // stays done.
+    if (r == ready_) {
+        return true;
+    }
     std::unique_lock guard(lock_);
     if (r > consumed_) {
         consumed_ = r;
@@ -77,8 +85,9 @@ bool DigestPipeline::waitFor(std::size_t r) {
         if (cancel_.load()) {
             return false;
         }
-        changed_.wait_for(guard, std::chrono::milliseconds(20));
+        runDone_.wait_for(guard, std::chrono::milliseconds(20));
     }
+    ready_ = r;
     return true;
 }
 
@@ -113,12 +122,41 @@ void DigestPipeline::work(unsigned id) {
         {
             std::lock_guard guard(lock_);
             done_[r] = compared ? 1 : 0;
+            // Only the loop waits for a run's end, and only for the one it
+            // is at; the readers wait for the loop to move on.
+            if (loopShouldWake()) {
+                runDone_.notify_one();
+            }
         }
-        wake();
+        if (signals_.cold()) {
+            coldChanged_.notify_all(); // the disk is slow: the extra readers join in
+        }
         if (!compared) {
             return; // cancelled: the loop notices by itself
         }
     }
+}
+
+bool DigestPipeline::loopShouldWake() const {
+    // On data in memory the loop keeps up with the readers: woken for each
+    // run, it would sleep and wake once per run. It is woken when a batch of
+    // runs from where it is are done, when they all are, or when the readers
+    // can take no more until it moves on.
+    std::size_t k = consumed_;
+    while (k < runs_.size() && done_[k] && k - consumed_ < kLoopBatch) {
+        ++k;
+    }
+    if (k == consumed_) {
+        return false;
+    }
+    if (k - consumed_ >= kLoopBatch || k == runs_.size() || cancel_.load()) {
+        return true;
+    }
+    if (k < nextToTake_) {
+        return false; // a run in progress ends the gap, and looks again
+    }
+    const std::size_t loopAt = runs_[std::min(consumed_, runs_.size() - 1)].begin;
+    return nextToTake_ >= runs_.size() || runs_[nextToTake_].begin > loopAt + kLookAheadFiles;
 }
 
 bool DigestPipeline::digestRun(std::size_t r) {

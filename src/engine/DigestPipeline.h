@@ -43,6 +43,7 @@ class DigestPipeline {
   private:
     void work(unsigned id);
     void wake();
+    bool loopShouldWake() const; // lock_ held
     bool digestRun(std::size_t r);
 
     const FileList& list_;
@@ -56,8 +57,10 @@ class DigestPipeline {
     std::vector<char> done_;
 
     std::mutex lock_;
-    std::condition_variable changed_;
-    std::condition_variable coldChanged_;
+    std::condition_variable changed_;     // for the warm readers
+    std::condition_variable coldChanged_; // for the others
+    std::condition_variable runDone_;     // for the loop
+    std::size_t ready_ = SIZE_MAX;        // the loop's: the run it last found done
     std::size_t nextToTake_ = 0;
     std::size_t consumed_ = 0; // first run the loop has not finished with
     bool stop_ = false;

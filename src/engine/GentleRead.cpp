@@ -17,10 +17,21 @@ namespace twinsweep {
 
 namespace {
 
-// One flag per descriptor number: set while that descriptor is a file the
+// One state per descriptor number: Drop while that descriptor is a file the
 // search opened uncached. Descriptors beyond the table are left alone.
 constexpr int kTracked = 1 << 16;
-std::array<std::atomic<bool>, kTracked> dropOnClose{};
+enum : unsigned char { Keep, Drop, Undecided };
+std::array<std::atomic<unsigned char>, kTracked> dropOnClose{};
+
+// The file opened last on this thread whose judgement waits for its first
+// read; that read follows on the same thread.
+struct Waiting {
+    int fd = -1;
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::uint64_t size = 0;
+};
+thread_local Waiting waiting;
 
 constexpr std::uint64_t kSample = 256 * 1024; // the head of the file, where every pass starts
 
@@ -87,33 +98,78 @@ void beginGentleSearch() {
     u.files.clear();
 }
 
-void noteOpenedForReading(int fd, const struct stat& st) {
+namespace {
+
+// Whether what is read of the file (device, inode) open as fd is dropped at
+// close, judged from the cache now; an uncached file is remembered.
+bool judge(int fd, std::uint64_t device, std::uint64_t inode, std::uint64_t size) {
+    if (anyCached(fd, size)) {
+        return false;
+    }
+    Uncached& u = uncached();
+    const std::lock_guard guard(u.lock);
+    u.files.insert({device, inode});
+    return true;
+}
+
+// A file read in several passes keeps the judgement of its first opening:
+// what an earlier pass left cached is the search's own.
+bool judgedBefore(std::uint64_t device, std::uint64_t inode) {
+    Uncached& u = uncached();
+    const std::lock_guard guard(u.lock);
+    return u.files.count({device, inode}) != 0;
+}
+
+} // namespace
+
+void noteOpenedForReading(int fd, const struct stat& st, bool atFirstRead) {
     if (fd < 0 || fd >= kTracked || st.st_size == 0) {
         return;
     }
     const int err = errno;
-    // A file read in several passes keeps the judgement of its first opening:
-    // what an earlier pass left cached is the search's own.
-    const std::pair<std::uint64_t, std::uint64_t> id(st.st_dev, st.st_ino);
-    Uncached& u = uncached();
-    bool drop = false;
-    {
-        const std::lock_guard guard(u.lock);
-        drop = u.files.count(id) != 0;
+    const auto device = static_cast<std::uint64_t>(st.st_dev);
+    const auto inode = static_cast<std::uint64_t>(st.st_ino);
+    const auto size = static_cast<std::uint64_t>(st.st_size);
+    const bool known = judgedBefore(device, inode);
+    unsigned char state = Drop;
+    if (!known && atFirstRead) {
+        waiting = {fd, device, inode, size};
+        state = Undecided;
+    } else if (!known && !judge(fd, device, inode, size)) {
+        state = Keep;
     }
-    if (!drop && !anyCached(fd, static_cast<std::uint64_t>(st.st_size))) {
-        drop = true;
-        const std::lock_guard guard(u.lock);
-        u.files.insert(id);
+    dropOnClose[static_cast<std::size_t>(fd)].store(state, std::memory_order_relaxed);
+    errno = err;
+}
+
+void firstReadWas(int fd, FirstRead how) {
+    if (fd < 0 || fd >= kTracked ||
+        dropOnClose[static_cast<std::size_t>(fd)].load(std::memory_order_relaxed) != Undecided) {
+        return;
     }
-    dropOnClose[static_cast<std::size_t>(fd)].store(drop, std::memory_order_relaxed);
+    const int err = errno;
+    unsigned char state = Keep; // not the file noted last: can't tell, leave the cache alone
+    if (waiting.fd == fd) {
+        bool drop = how == FirstRead::FromDisk;
+        if (how == FirstRead::Unknown) {
+            drop = judge(fd, waiting.device, waiting.inode, waiting.size);
+        } else if (drop) {
+            Uncached& u = uncached();
+            const std::lock_guard guard(u.lock);
+            u.files.insert({waiting.device, waiting.inode});
+        }
+        state = drop ? Drop : Keep;
+    }
+    waiting.fd = -1;
+    dropOnClose[static_cast<std::size_t>(fd)].store(state, std::memory_order_relaxed);
     errno = err;
 }
 
 void closeAfterReading(int fd, bool drop) {
     const int err = errno;
     if (fd >= 0 && fd < kTracked &&
-        dropOnClose[static_cast<std::size_t>(fd)].exchange(false, std::memory_order_relaxed) &&
+        dropOnClose[static_cast<std::size_t>(fd)].exchange(Keep, std::memory_order_relaxed) ==
+            Drop &&
         drop) {
         ::posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED);
     }

@@ -15,8 +15,16 @@ namespace twinsweep {
 // A search starts: files are judged afresh.
 void beginGentleSearch();
 // Notes whether the file just opened as fd (st) was cached when the search
-// first opened it.
-void noteOpenedForReading(int fd, const struct stat& st);
+// first opened it. atFirstRead: the caller's first read tells (firstReadWas),
+// which spares a look at the cache when that read finds the head in memory.
+void noteOpenedForReading(int fd, const struct stat& st, bool atFirstRead = false);
+// How the first read of a file opened with atFirstRead went: its first bytes
+// came at once (InMemory: it was cached), or the read would have to wait for
+// the disk (FromDisk: it was not; the read that waits may have started the
+// disk's read ahead, so the cache can no longer tell). Unknown: judged from
+// the cache now, before anything is read.
+enum class FirstRead { InMemory, FromDisk, Unknown };
+void firstReadWas(int fd, FirstRead how);
 // Closes fd, first dropping what was read of it when it was not cached;
 // drop false keeps it for a pass that reads it again (the first bytes read
 // ahead of the comparison). Keeps errno.

@@ -46,21 +46,36 @@ std::uint64_t mix(std::uint64_t h, std::uint64_t v) {
 
 // Reads the first length bytes like preadFully, and tells whether they had to
 // come from the disk: a read that must not wait fails when they are not in
-// memory yet.
-long readFirst(int fd, unsigned char* data, std::size_t length, bool& cold) {
+// memory yet. That is also whether the file was cached (firstReadWas).
+// expected: the size the walk saw.
+long readFirst(int fd, unsigned char* data, std::size_t length, std::uint64_t expected,
+               bool& cold) {
     cold = false;
 #ifdef RWF_NOWAIT
     iovec v{data, length};
     const ssize_t n = ::preadv2(fd, &v, 1, 0, RWF_NOWAIT);
-    if (n >= 0) {
-        if (n == 0 || static_cast<std::size_t>(n) == length) {
+    if (n > 0) {
+        firstReadWas(fd, FirstRead::InMemory);
+        // A read from memory stops short at the end of the file or where a
+        // page is missing, which is always at a page's start: a short count
+        // that is the walk's size and ends inside a page is the end, with no
+        // further read to find it.
+        static const auto page = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+        const auto got = static_cast<std::uint64_t>(n);
+        if (got == length || (got == expected && got % page != 0)) {
             return static_cast<long>(n);
         }
         const long rest = preadFully(fd, data + n, length - static_cast<std::size_t>(n),
                                      static_cast<std::uint64_t>(n));
         return rest < 0 ? -1 : n + rest;
     }
-    cold = errno == EAGAIN;
+    cold = n < 0 && errno == EAGAIN;
+    firstReadWas(fd, cold ? FirstRead::FromDisk : FirstRead::Unknown);
+    if (n == 0) {
+        return 0;
+    }
+#else
+    firstReadWas(fd, FirstRead::Unknown);
 #endif
     return preadFully(fd, data, length, 0);
 }
@@ -175,6 +190,11 @@ class RunComparer final : public RunFiles {
         return openForReading(file(k).path, file(k).folder);
     }
 
+    // The heads' pass reports its first read (readFirst).
+    int openForHead(std::size_t k) const {
+        return openForReading(file(k).path, file(k).folder, true);
+    }
+
     void unreadable(std::size_t k) override {
         diagnostics_.report(kOoops, file(k).path, errno);
         empty_.push_back(k);
@@ -184,8 +204,8 @@ class RunComparer final : public RunFiles {
     }
 
     // Member k opened for reading, or -1 with it set aside as unreadable.
-    int openMember(std::size_t k) {
-        const int fd = openFile(k);
+    int openMember(std::size_t k, bool head = false) {
+        const int fd = head ? openForHead(k) : openFile(k);
         if (fd < 0) {
             unreadable(k);
         }
@@ -203,14 +223,14 @@ class RunComparer final : public RunFiles {
             if (cancel_.load()) {
                 return false;
             }
-            const int fd = openMember(k);
+            const int fd = openMember(k, true);
             if (fd < 0) {
                 continue;
             }
             Head h{k, arena_.size(), 0, 0, false};
             arena_.resize(h.offset + cap);
             bool cold = false;
-            const long n = readFirst(fd, arena_.data() + h.offset, cap, cold);
+            const long n = readFirst(fd, arena_.data() + h.offset, cap, size, cold);
             signals_.sawRead(cold);
             counted(n);
             readBytes(k, 0, arena_.data() + h.offset, n, cap);
