@@ -89,6 +89,7 @@ class ProtectExportTest : public QObject {
         QVERIFY(answers.allAnswered());
         QVERIFY(answers.said.front().contains(u"permanently"_s));
         QCOMPARE(snapshot(found.tree.root()), without(before, {found.tree.path("dl/a.jpg")}));
+        QVERIFY(settled(w)); // the update after the clean
         QCOMPARE(w.fileList, FileList{songs}); // protected copies alone are not listed
     }
 
