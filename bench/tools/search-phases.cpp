@@ -31,8 +31,12 @@ int main(int argc, char** argv) {
     for (const FilePtr& h : heads) {
         groups += h->duplicates.empty() ? 0 : 1;
     }
-    std::printf("files %zu groups %zu |", tools.fileList.size(), groups);
-    for (const PhaseProgress::Timing& t : context.phases.timings()) {
+    // The files the walk took: the list itself is handed back as the heads.
+    const std::vector<PhaseProgress::Timing> timings = context.phases.timings();
+    std::printf("files %llu groups %zu |",
+                static_cast<unsigned long long>(timings.empty() ? 0 : timings.front().items),
+                groups);
+    for (const PhaseProgress::Timing& t : timings) {
         std::printf(" %s %.1f ms,", std::string(phaseName(t.phase)).c_str(), t.seconds * 1000);
     }
     std::printf(" total %.1f ms\n", total.count());
