@@ -22,16 +22,7 @@ export XDG_DATA_HOME=$dir/data XDG_STATE_HOME=$dir/state XDG_RUNTIME_DIR=$dir/ru
 mkdir -p "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
 for i in $(seq "$runs"); do
   rm -rf "$dir/t"
-  python3 - "$dir/t" "$groups" <<'PY'
-import os, sys
-root, n = sys.argv[1], int(sys.argv[2])
-for i in range(n):
-    d = os.path.join(root, f"{i // 1000:03d}")
-    os.makedirs(d, exist_ok=True)
-    for side in ("a", "b"):
-        with open(os.path.join(d, f"{i}-{side}"), "w") as f:
-            f.write(f"group {i}\n")
-PY
+  python3 "$here/make-pairs.py" "$dir/t" "$groups"
   out=$("$BUILD_DIR/bench/clean-frame-gaps" $mode "$dir/t" 2>/dev/null)
   echo "run $i: $out; $(find "$dir/t" -type f | wc -l) files left (expected $groups)"
 done

@@ -5,22 +5,14 @@
 # so the clean's own cost is the difference.
 #   bash bench/clean-many-groups.sh [twinsweep-cli] [groups]
 set -euo pipefail
-CLI=${1:-$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)/build/src/cli/twinsweep-cli}
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+CLI=${1:-$here/../build/src/cli/twinsweep-cli}
 GROUPS_N=${2:-120000}
 DIR=$(mktemp -d "${TMPDIR:-/tmp}/twinsweep-clean-XXXXXX")
 trap 'rm -rf "$DIR"' EXIT
 
 make_tree() {
-  python3 - "$DIR/t" "$GROUPS_N" <<'PY'
-import os, sys
-root, n = sys.argv[1], int(sys.argv[2])
-for i in range(n):
-    d = os.path.join(root, f"{i // 1000:03d}")
-    os.makedirs(d, exist_ok=True)
-    for side in ("a", "b"):
-        with open(os.path.join(d, f"{i}-{side}"), "w") as f:
-            f.write(f"group {i}\n")
-PY
+  python3 "$here/make-pairs.py" "$DIR/t" "$GROUPS_N"
 }
 
 seconds() {
